@@ -1,0 +1,19 @@
+# What every target of ours is compiled with. Floating-point results are a promise: no contraction
+# into fused operations, and SSE2 where the processor's default would be the x87 unit.
+add_library(zuno_options INTERFACE)
+target_compile_options(zuno_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -ffp-contract=off
+  "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/src/=")
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  target_compile_options(zuno_options INTERFACE -msse2 -mfpmath=sse)
+endif()
+if(ZUNO_WARNINGS_AS_ERRORS)
+  target_compile_options(zuno_options INTERFACE -Werror)
+endif()
+if(ZUNO_REPORTS_STOP)
+  target_compile_definitions(zuno_options INTERFACE ZUNO_REPORTS_STOP)
+endif()
+if(ZUNO_SANITIZE)
+  add_compile_options(-fsanitize=${ZUNO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+  add_link_options(-fsanitize=${ZUNO_SANITIZE})
+endif()

@@ -1,0 +1,44 @@
+#include "common/astar/astar.h"
+
+namespace ZUNO::Common::Astar {
+
+void AStar::initSearch() {
+    mStorage->initNodes(mMap->getNodeCount());
+    mGoal->setStorage(mStorage);
+    mGoal->setMap(mMap);
+    mStorage->setGoal(mGoal);
+    const std::uint32_t start = mGoal->getStartNode();
+    mStorage->addOpen(noEdge, start, 0.0F, mGoal->getHeuristic(start));
+}
+
+std::int32_t AStar::runSearch(std::uint32_t budget) {
+    for (; budget != 0; --budget) {
+        AStarNode* const best = mStorage->popBest();
+        if (best == nullptr)
+            return SEARCH_NO_PATH;
+        if (mGoal->isGoal(best)) {
+            mStorage->reopenBest(best); // that is where the path is read from
+            return SEARCH_FOUND;
+        }
+        expand(best);
+    }
+    return SEARCH_RUNNING;
+}
+
+void AStar::expand(AStarNode* record) {
+    mOutEdges.clear();
+    mMap->getOutEdges(mOutEdges, mStorage->getNodeOfRecord(record));
+    for (const std::uint32_t edge : mOutEdges) {
+        const std::uint32_t end = mMap->getEdgeEndNode(edge);
+        const float g = mGoal->getCost(edge) + record->mG;
+        if (mStorage->isOpen(end))
+            mStorage->updateOpen(end, edge, g);
+        else if (mStorage->isClosed(end))
+            mStorage->updateClosed(end, edge, g);
+        else
+            mStorage->addOpen(edge, end, g, mGoal->getHeuristic(end));
+    }
+    mStorage->closeNode(record); // it stays open until here: an edge back to it is harmless
+}
+
+} // namespace ZUNO::Common::Astar

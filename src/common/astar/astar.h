@@ -1,0 +1,40 @@
+#pragma once
+
+#include "common/astar/astarstorage.h"
+
+namespace ZUNO::Common::Astar {
+
+/// An A* search that runs in slices. It owns none of its parts, and can search again and again
+/// with them: set a goal, `initSearch`, `runSearch` until it is found or can't be. How a search is
+/// sliced does not change its result. One thread at a time; several searches may share one map.
+class AStar {
+public:
+    AStar(AStarStorage* storage, AStarGoal* goal, AStarMap* map,
+          const SharedPtr<Memory::Allocator>& allocator)
+        : mStorage(storage), mGoal(goal), mMap(map), mAllocator(allocator), mOutEdges(allocator) {}
+    virtual ~AStar() = default;
+    AStar(const AStar&) = delete;
+    AStar& operator=(const AStar&) = delete;
+
+    /// Begins a new search from the goal's start node.
+    virtual void initSearch();
+
+    /// Expands at most `budget` nodes and returns a SearchResult. A budget of 0 does nothing and
+    /// returns SEARCH_RUNNING.
+    virtual std::int32_t runSearch(std::uint32_t budget);
+
+    AStarStorage* getStorage() const { return mStorage; }
+    AStarGoal* getGoal() const { return mGoal; }
+    void setGoal(AStarGoal* goal) { mGoal = goal; }
+
+private:
+    void expand(AStarNode* record);
+
+    AStarStorage* mStorage;
+    AStarGoal* mGoal;
+    AStarMap* mMap;
+    SharedPtr<Memory::Allocator> mAllocator;
+    EdgeList mOutEdges;
+};
+
+} // namespace ZUNO::Common::Astar

@@ -1,0 +1,198 @@
+#pragma once
+
+#include "common/debug/report.h"
+#include "common/exceptions/indexerror.h"
+#include "common/memory/allocator.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <new>
+
+namespace ZUNO::Common::Container {
+
+/// A slot array that hands out stable ids and hands freed ones out again, the latest first.
+/// Ids keep naming their element until `remove` or `clear`; addresses change when the vector
+/// grows. Elements are moved by copying their bytes, so T must bear that. `insert` and `remove`
+/// take constant time but for growth.
+template <typename T>
+class IDVector {
+    struct Slot {
+        static constexpr std::uint32_t valid = 0;
+        static constexpr std::uint32_t free = 1;
+
+        std::uint32_t mState;
+        union Room {
+            std::uint32_t mNextFree;
+            alignas(T) std::byte mElement[sizeof(T)];
+        } mRoom;
+
+        T& element() { return *std::launder(reinterpret_cast<T*>(mRoom.mElement)); }
+        void setFree(std::uint32_t next) {
+            mState = free;
+            mRoom.mNextFree = next;
+        }
+    };
+
+public:
+    /// Walks over the valid elements in the order of their ids.
+    class Iterator {
+    public:
+        Iterator() = default;
+        Iterator(std::uint32_t id, IDVector* owner) : mID(id), mOwner(owner) {}
+
+        /// On to the next valid element. An iterator without a vector reports and stays.
+        Iterator& operator++() {
+            if (checkOwner())
+                mID = mOwner->nextValid(mID + 1);
+            return *this;
+        }
+        /// The element; an iterator without a vector reports and raises an
+        /// ArgumentOutOfRangeException, and so does one without an element.
+        T& operator*() const {
+            if (!checkOwner())
+                Exceptions::throwIndexError("iterator");
+            return (*mOwner)[mID];
+        }
+        std::uint32_t getID() const {
+            checkOwner();
+            return mID;
+        }
+        bool operator==(const Iterator& other) const = default;
+
+    private:
+        bool checkOwner() const {
+            ZUNO_CHECK(mOwner, "Iterator is not bound to an IDVector");
+            return mOwner != nullptr;
+        }
+
+        std::uint32_t mID = 0;
+        IDVector* mOwner = nullptr;
+    };
+
+    explicit IDVector(const SharedPtr<Memory::Allocator>& allocator)
+        : mSlots(nullptr), mCapacity(0), mAllocator(allocator) {
+        reset();
+    }
+    ~IDVector() {
+        destroyElements();
+        Memory::releaseBytes(mAllocator, mSlots);
+    }
+    IDVector(const IDVector&) = delete;
+    IDVector& operator=(const IDVector&) = delete;
+
+    /// Stores a copy and returns its id. On an exception nothing has changed.
+    std::uint32_t insert(const T& value) {
+        if (mFreeHead == mCapacity)
+            grow(static_cast<std::uint32_t>(static_cast<double>(mCapacity) * 1.5) + 1);
+        const std::uint32_t id = mFreeHead;
+        Slot& slot = mSlots[id];
+        const std::uint32_t nextFree = slot.mRoom.mNextFree;
+        try {
+            ::new (static_cast<void*>(slot.mRoom.mElement)) T(value);
+        } catch (...) {
+            slot.setFree(nextFree);
+            throw;
+        }
+        slot.mState = Slot::valid;
+        mFreeHead = nextFree;
+        ++mCount;
+        if (id < mBegin)
+            mBegin = id;
+        return id;
+    }
+
+    /// Destroys the element and frees its id. An invalid id is reported and changes nothing.
+    void remove(std::uint32_t id) {
+        ZUNO_CHECK(isValidID(id),
+                   "Element with id '" << id << "' cannot be removed since it is invalid");
+        if (!isValidID(id))
+            return;
+        mSlots[id].element().~T();
+        mSlots[id].setFree(mFreeHead);
+        mFreeHead = id;
+        --mCount;
+        if (id == mBegin)
+            mBegin = nextValid(id + 1);
+    }
+
+    /// The element, or null after a report.
+    T* find(std::uint32_t id) {
+        ZUNO_CHECK(isValidID(id), "ID '" << id << "' points to an invalid item");
+        return isValidID(id) ? &mSlots[id].element() : nullptr;
+    }
+
+    /// The element. An invalid id is reported and then raises an ArgumentOutOfRangeException.
+    T& operator[](std::uint32_t id) {
+        T* const element = find(id);
+        if (element == nullptr)
+            Exceptions::throwIndexError("id");
+        return *element;
+    }
+
+    bool isValidID(std::uint32_t id) const {
+        return id < mCapacity && mSlots[id].mState == Slot::valid;
+    }
+
+    std::uint32_t size() const { return mCount; }
+    std::uint32_t capacity() const { return mCapacity; }
+
+    /// Destroys every element and returns to the empty state; ids start again at 0.
+    void clear() {
+        destroyElements();
+        mCapacity = mCount = mFreeHead = mBegin = 0;
+        reset();
+    }
+
+    Iterator begin() { return {mBegin, this}; }
+    Iterator end() { return {mCapacity, this}; }
+
+private:
+    static Slot* allocateSlots(const SharedPtr<Memory::Allocator>& allocator, std::size_t count) {
+        return static_cast<Slot*>(Memory::allocateBytes(allocator, count, sizeof(Slot)));
+    }
+
+    /// Storage for one slot, which stands for "no free slot".
+    void reset() {
+        Slot* const slots = allocateSlots(mAllocator, 1);
+        slots[0].setFree(0);
+        Memory::releaseBytes(mAllocator, mSlots);
+        mSlots = slots;
+    }
+
+    void destroyElements() {
+        for (std::uint32_t id = mBegin; id < mCapacity; id = nextValid(id + 1)) {
+            mSlots[id].element().~T();
+            mSlots[id].mState = Slot::free;
+        }
+    }
+
+    void grow(std::uint32_t capacity) {
+        Slot* const slots = allocateSlots(mAllocator, std::size_t{capacity} + 1);
+        std::memcpy(static_cast<void*>(slots), static_cast<const void*>(mSlots),
+                    (std::size_t{mCapacity} + 1) * sizeof(Slot));
+        Memory::releaseBytes(mAllocator, mSlots);
+        mSlots = slots;
+        for (std::uint32_t id = mCapacity; id < capacity; ++id)
+            mSlots[id].setFree(id + 1);
+        mSlots[capacity].setFree(capacity);
+        if (mBegin == mCapacity)
+            mBegin = capacity;
+        mCapacity = capacity;
+    }
+
+    std::uint32_t nextValid(std::uint32_t id) const {
+        while (id < mCapacity && mSlots[id].mState != Slot::valid)
+            ++id;
+        return id < mCapacity ? id : mCapacity;
+    }
+
+    Slot* mSlots;
+    std::uint32_t mCapacity;
+    SharedPtr<Memory::Allocator> mAllocator;
+    std::uint32_t mCount = 0;
+    std::uint32_t mFreeHead = 0;
+    std::uint32_t mBegin = 0; ///< the lowest valid id, or the capacity
+};
+
+} // namespace ZUNO::Common::Container

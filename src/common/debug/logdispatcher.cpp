@@ -1,0 +1,17 @@
+#include "common/debug/logdispatcher.h"
+
+#include "common/debug/trace.h"
+
+#include <iostream>
+
+namespace ZUNO::Common::Debug {
+
+void TraceLogDispatcher::dispatch(const LogMessage& message) {
+    std::cout << "Log: " << message.mMessage << std::endl;
+    const String line =
+        "(" + message.mReporter + ") " + message.mFunction + " : " + message.mMessage;
+    const bool isMessage = message.mType == DbgMsg || message.mType == Message;
+    Trace::send(isMessage ? TRACE_MESSAGE : TRACE_ERROR, line.getConstCharPtr());
+}
+
+} // namespace ZUNO::Common::Debug

@@ -1,0 +1,88 @@
+#include "common/debug/trace.h"
+
+#include "common/debug/report.h"
+#include "common/memory/globalallocators.h"
+#include "common/platform/tracechannel.h"
+
+#include <cstring>
+#include <limits>
+#include <string>
+
+namespace ZUNO::Common::Debug {
+
+namespace {
+
+constexpr std::size_t unknownType = std::numeric_limits<std::size_t>::max();
+
+std::size_t valueLength(unsigned int valueType, const char* value) {
+    switch (valueType) {
+    case 0:
+    case 1:
+        return 4;
+    case 2:
+        return 12;
+    case 6:
+        return std::strlen(value) + 1;
+    default:
+        return unknownType;
+    }
+}
+
+std::uint16_t sendText(unsigned int code, const char* text, std::size_t length) {
+    if (length >= std::numeric_limits<std::uint32_t>::max())
+        return 0;
+    const bool sent =
+        Platform::sendTraceMessage(code, text, static_cast<std::uint32_t>(length + 1));
+    return sent ? static_cast<std::uint16_t>(length) : std::uint16_t{0};
+}
+
+} // namespace
+
+char* Trace::m_writestr = nullptr;
+
+void Trace::init() {
+    ZUNO_CHECK(!m_writestr, "Debug::Trace is already initialised");
+    close();
+    m_writestr = static_cast<char*>(Memory::allocateBytes(gDebugAllocator, 1, bufferSize));
+    std::memset(m_writestr, 0, bufferSize);
+}
+
+void Trace::close() {
+    if (m_writestr != nullptr)
+        Memory::releaseBytes(gDebugAllocator, m_writestr);
+    m_writestr = nullptr;
+}
+
+std::uint16_t Trace::send(unsigned int code, const std::stringstream& text) {
+    const std::string characters = text.str();
+    return sendText(code, characters.c_str(), characters.size());
+}
+
+std::uint16_t Trace::send(unsigned int code, const char* text) {
+    return sendText(code, text, std::strlen(text));
+}
+
+void Trace::sendValue(int id, const char* name, unsigned int valueType, const char* value) {
+    const std::size_t size = valueLength(valueType, value);
+    if (size == unknownType) {
+        ReportText text;
+        text << "ZUNO::Common::Debug::Trace::ZUNMessage"
+             << " : "
+             << "datatype: " << valueType << " not defined (" << id << "/" << name << ")";
+        send(TRACE_ERROR, text.text());
+        return;
+    }
+    const std::size_t nameLength = std::strlen(name) + 1;
+    const std::uint32_t head[3] = {static_cast<std::uint32_t>(id),
+                                   static_cast<std::uint32_t>(nameLength), valueType};
+    if (m_writestr == nullptr || nameLength > bufferSize || size > bufferSize ||
+        sizeof(head) + nameLength + size > bufferSize)
+        return;
+    std::memcpy(m_writestr, head, sizeof(head));
+    std::memcpy(m_writestr + sizeof(head), name, nameLength);
+    std::memcpy(m_writestr + sizeof(head) + nameLength, value, size);
+    Platform::sendTraceMessage(TRACE_VALUE, m_writestr,
+                               static_cast<std::uint32_t>(sizeof(head) + nameLength + size));
+}
+
+} // namespace ZUNO::Common::Debug

@@ -1,0 +1,142 @@
+#include "common/parser/numbertext.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <system_error>
+#include <type_traits>
+
+namespace ZUNO::Common::Parser {
+
+namespace {
+
+bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// Whether a floating-point text that no type can hold is too large, rather than too small.
+bool isHuge(const char* text, const char* end) {
+    const char* const exponent =
+        std::find_if(text, end, [](char c) { return c == 'e' || c == 'E' || c == 'p' || c == 'P'; });
+    if (exponent != end)
+        return exponent[1] != '-';
+    const char* const point = std::find(text, end, '.');
+    return std::any_of(text, point, [](char c) { return c > '0' && c <= '9'; });
+}
+
+template <typename T>
+std::from_chars_result parseDigits(const char* text, const char* end, T& number) {
+    if constexpr (std::is_floating_point_v<T>) {
+        if (end - text > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+            const auto hex = std::from_chars(text + 2, end, number, std::chars_format::hex);
+            if (hex.ec != std::errc::invalid_argument)
+                return hex;
+        }
+    }
+    return std::from_chars(text, end, number);
+}
+
+/// Reads one number and returns the character behind it, or null when there is none.
+template <typename T>
+const char* parse(const char* text, T& number) {
+    number = 0;
+    while (isSpace(*text))
+        ++text;
+    const bool isNegative = *text == '-';
+    if (isNegative || *text == '+')
+        ++text;
+    if (*text == '-' || *text == '+')
+        return nullptr;
+    if constexpr (!std::is_floating_point_v<T>)
+        if (!isDigit(*text))
+            return nullptr;
+    using Magnitude = std::conditional_t<std::is_floating_point_v<T>, T, std::uint64_t>;
+    Magnitude magnitude = 0;
+    const auto result = parseDigits(text, text + std::strlen(text), magnitude);
+    if (result.ec == std::errc::invalid_argument)
+        return nullptr;
+    if constexpr (std::is_floating_point_v<T>) {
+        if (result.ec == std::errc::result_out_of_range)
+            magnitude = isHuge(text, result.ptr) ? std::numeric_limits<T>::infinity() : T{0};
+        number = isNegative ? -magnitude : magnitude;
+    } else {
+        if (result.ec == std::errc::result_out_of_range)
+            magnitude = std::numeric_limits<std::uint64_t>::max();
+        if constexpr (std::is_signed_v<T>) {
+            const auto limit = static_cast<std::uint64_t>(std::numeric_limits<T>::max());
+            if (isNegative)
+                number = magnitude > limit ? std::numeric_limits<T>::min()
+                                           : static_cast<T>(-static_cast<T>(magnitude));
+            else
+                number = static_cast<T>(std::min(magnitude, limit));
+        } else {
+            const auto limit = std::uint64_t{std::numeric_limits<T>::max()};
+            number = static_cast<T>(std::min(magnitude, limit));
+            if (isNegative)
+                number = static_cast<T>(0 - number);
+        }
+    }
+    return result.ptr;
+}
+
+template <typename T>
+T parseWhole(const char* text) {
+    T number{};
+    parse(text, number);
+    return number;
+}
+
+} // namespace
+
+std::int32_t toInt32(const char* text) { return parseWhole<std::int32_t>(text); }
+std::int64_t toInt64(const char* text) { return parseWhole<std::int64_t>(text); }
+std::uint64_t toUInt64(const char* text) { return parseWhole<std::uint64_t>(text); }
+float toFloat(const char* text) { return static_cast<float>(parseWhole<double>(text)); }
+double toDouble(const char* text) { return parseWhole<double>(text); }
+
+template <typename T>
+std::size_t toNumbers(const char* text, char separator, T* numbers, std::size_t count) {
+    std::fill(numbers, numbers + count, T{});
+    for (std::size_t i = 0; i < count; ++i) {
+        text = parse(text, numbers[i]);
+        if (text == nullptr)
+            return i;
+        if (i + 1 < count && *text++ != separator)
+            return i + 1;
+    }
+    return count;
+}
+
+template std::size_t toNumbers(const char*, char, float*, std::size_t);
+template std::size_t toNumbers(const char*, char, std::int32_t*, std::size_t);
+template std::size_t toNumbers(const char*, char, std::uint32_t*, std::size_t);
+
+template <typename T>
+char* formatNumber(char* buffer, T number) {
+    std::to_chars_result end{};
+    if constexpr (std::is_floating_point_v<T>)
+        end = std::to_chars(buffer, buffer + numberTextSize - 1, number,
+                            std::chars_format::general, 6);
+    else
+        end = std::to_chars(buffer, buffer + numberTextSize - 1, number);
+    *end.ptr = '\0';
+    return end.ptr;
+}
+
+template char* formatNumber(char*, float);
+template char* formatNumber(char*, double);
+template char* formatNumber(char*, std::int32_t);
+template char* formatNumber(char*, std::uint32_t);
+template char* formatNumber(char*, std::int64_t);
+template char* formatNumber(char*, std::uint64_t);
+
+char* formatFixed(char* buffer, float number) {
+    const auto end = std::to_chars(buffer, buffer + numberTextSize - 1, number,
+                                   std::chars_format::fixed, 6);
+    *end.ptr = '\0';
+    return end.ptr;
+}
+
+} // namespace ZUNO::Common::Parser

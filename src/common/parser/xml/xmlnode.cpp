@@ -1,0 +1,167 @@
+#include "common/parser/xml/xmlnode.h"
+
+#include "common/parser/numbertext.h"
+
+#include <cctype>
+
+namespace ZUNO::Common::Parser::XML {
+
+namespace {
+
+/// Whether `text` begins with `lowered`, whatever its case.
+bool beginsWith(const char* text, const char* lowered) {
+    for (; *lowered != '\0'; ++text, ++lowered)
+        if (std::tolower(static_cast<unsigned char>(*text)) != *lowered)
+            return false;
+    return true;
+}
+
+bool isText(const char* text, const char* other) { return std::strcmp(text, other) == 0; }
+
+// How the text of a node becomes a value of each type.
+
+void convert(const char* text, std::int32_t& out) { out = toInt32(text); }
+void convert(const char* text, std::uint32_t& out) {
+    out = static_cast<std::uint32_t>(toInt64(text));
+}
+void convert(const char* text, std::int64_t& out) { out = toInt64(text); }
+void convert(const char* text, std::uint64_t& out) { out = toUInt64(text); }
+void convert(const char* text, float& out) { out = toFloat(text); }
+void convert(const char* text, double& out) { out = toDouble(text); }
+void convert(const char* text, bool& out) {
+    out = isText(text, "1") || (!isText(text, "0") && beginsWith(text, "true"));
+}
+template <typename T>
+void convert(const char* text, Math::Vec3<T>& out) {
+    T numbers[3];
+    toNumbers(text, '/', numbers, 3);
+    out = {numbers[0], numbers[1], numbers[2]};
+}
+template <typename T>
+void convert(const char* text, Math::Vec2<T>& out) {
+    T numbers[2];
+    toNumbers(text, '/', numbers, 2);
+    out = {numbers[0], numbers[1]};
+}
+
+} // namespace
+
+const char* XMLNode::getAttribute(const char* name) const {
+    const auto place = mAttributes.find(name);
+    return place != mAttributes.end() ? place->second : nullptr;
+}
+
+bool XMLNode::getAttribute(int& out, const char* name) const {
+    const char* const value = getAttribute(name);
+    if (value != nullptr)
+        out = toInt32(value);
+    return value != nullptr;
+}
+
+bool XMLNode::getAttribute(unsigned int& out, const char* name) const {
+    const char* const value = getAttribute(name);
+    if (value != nullptr)
+        convert(value, out);
+    return value != nullptr;
+}
+
+bool XMLNode::getAttribute(float& out, const char* name) const {
+    const char* const value = getAttribute(name);
+    if (value != nullptr)
+        out = toFloat(value);
+    return value != nullptr;
+}
+
+bool XMLNode::getAttribute(bool& out, const char* name) const {
+    const char* const value = getAttribute(name);
+    if (value == nullptr)
+        return false;
+    // of longer values the first five characters count
+    const bool isTrue = isText(value, "1") || (beginsWith(value, "true") && value[4] == '\0');
+    const bool isFalse = isText(value, "0") || beginsWith(value, "false");
+    if (isTrue || isFalse)
+        out = isTrue;
+    return isTrue || isFalse;
+}
+
+const XMLNode* XMLNodeElements::getChild(const char* name) const {
+    if (mCursor == mChildren.end() || std::strcmp((*mCursor)->mName, name) != 0)
+        return nullptr;
+    return *mCursor++;
+}
+
+const XMLNodeElements* XMLNodeElements::getChildElements(const char* name) const {
+    const XMLNode* const child = getChild(name);
+    const bool isElements =
+        child != nullptr && (child->mKind == NODE_ELEMENTS || child->mKind == NODE_EMPTY);
+    return isElements ? static_cast<const XMLNodeElements*>(child) : nullptr;
+}
+
+bool XMLNodeElements::getChildText(const char*& out, const char* name) const {
+    const XMLNode* const child = getChild(name);
+    if (child == nullptr)
+        return false;
+    if (child->mKind == NODE_ELEMENTS &&
+        !static_cast<const XMLNodeElements*>(child)->mChildren.empty())
+        return false;
+    out = child->mText;
+    return true;
+}
+
+template <typename T>
+bool XMLNodeElements::getChildValue(T& out, const char* name) const {
+    const XMLNode* const child = getChild(name);
+    if (child == nullptr || (child->mKind != NODE_TEXT && child->mKind != NODE_EMPTY))
+        return false;
+    convert(child->mText, out);
+    return true;
+}
+
+template bool XMLNodeElements::getChildValue(std::int32_t&, const char*) const;
+template bool XMLNodeElements::getChildValue(std::uint32_t&, const char*) const;
+template bool XMLNodeElements::getChildValue(std::int64_t&, const char*) const;
+template bool XMLNodeElements::getChildValue(std::uint64_t&, const char*) const;
+template bool XMLNodeElements::getChildValue(float&, const char*) const;
+template bool XMLNodeElements::getChildValue(double&, const char*) const;
+template bool XMLNodeElements::getChildValue(bool&, const char*) const;
+template bool XMLNodeElements::getChildValue(Math::Vec3<float>&, const char*) const;
+template bool XMLNodeElements::getChildValue(Math::Vec3<int>&, const char*) const;
+template bool XMLNodeElements::getChildValue(Math::Vec3<unsigned int>&, const char*) const;
+template bool XMLNodeElements::getChildValue(Math::Vec2<float>&, const char*) const;
+template bool XMLNodeElements::getChildValue(Math::Vec2<int>&, const char*) const;
+template bool XMLNodeElements::getChildValue(Math::Vec2<unsigned int>&, const char*) const;
+
+const XMLNode* XMLNodeElements::getNextElement() const {
+    return mCursor != mChildren.end() ? *mCursor++ : nullptr;
+}
+
+const XMLNode* XMLNodeElements::getLastReadElement() const {
+    if (mCursor == mChildren.begin())
+        return nullptr;
+    auto last = mCursor;
+    return *--last;
+}
+
+XMLNode* XMLNodeElements::getLastElement() const {
+    ZUNO_CHECK_AS(!mChildren.empty(), "!elements.empty()",
+                  "Cannot get last element from an empty elements node");
+    return !mChildren.empty() ? mChildren.back() : nullptr;
+}
+
+XMLNode* XMLNodeElements::removeLastElement() {
+    ZUNO_CHECK_AS(!mChildren.empty(), "!elements.empty()",
+                  "Cannot remove last element from an empty node list");
+    if (mChildren.empty())
+        return nullptr;
+    XMLNode* const last = mChildren.back();
+    mChildren.pop_back();
+    resetCursor();
+    return last;
+}
+
+void XMLNodeElements::addChild(XMLNode* child) {
+    mChildren.push_back(child);
+    resetCursor();
+}
+
+} // namespace ZUNO::Common::Parser::XML

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "common/math/vec3.h"
+#include "common/memory/stlallocator.h"
+
+#include <cstdint>
+#include <cstring>
+#include <list>
+#include <map>
+
+namespace ZUNO::Common::Parser::XML {
+
+/// Kinds of nodes; the numbers are those of the parser's classification.
+enum NodeKind : std::int32_t {
+    NODE_EMPTY = 0,   ///< attributes alone
+    NODE_TEXT = 1,    ///< attributes and one text
+    NODE_ELEMENTS = 2 ///< attributes and child nodes
+};
+
+class XMLNodeElements;
+
+/// A node of a document's tree. It belongs to the tree builder that made it; its strings live in
+/// the builder or in the parsed document and are valid as long as that.
+class XMLNode {
+public:
+    struct StringComp {
+        bool operator()(const char* a, const char* b) const { return std::strcmp(a, b) < 0; }
+    };
+    using Attributes =
+        std::map<const char*, const char*, StringComp,
+                 Memory::STLAllocator<std::pair<const char* const, const char*>>>;
+
+    /// What a name or a text is until it is set.
+    static constexpr char noString[] = "";
+
+    XMLNode(std::int32_t kind, XMLNodeElements* parent,
+            const SharedPtr<Memory::Allocator>& allocator)
+        : mKind(kind), mParent(parent), mAttributes(allocator) {}
+    XMLNode(const XMLNode&) = delete;
+    XMLNode& operator=(const XMLNode&) = delete;
+
+    /// The value, or null when there is no such attribute.
+    const char* getAttribute(const char* name) const;
+    /// The value as a number or a truth ("1", "0", "true", "false" in any case). False, with `out`
+    /// untouched, when the attribute is missing or is no truth.
+    bool getAttribute(int& out, const char* name) const;
+    bool getAttribute(unsigned int& out, const char* name) const;
+    bool getAttribute(float& out, const char* name) const;
+    bool getAttribute(bool& out, const char* name) const;
+
+    std::int32_t mKind; ///< a NodeKind
+    XMLNodeElements* mParent;
+    const char* mName = noString;
+    Attributes mAttributes;
+    const char* mText = noString; ///< empty but for text nodes
+};
+
+/// A node that may have children, with a cursor over them: children are read strictly in the
+/// order in which they stand. Reading moves the cursor of const nodes too.
+class XMLNodeElements : public XMLNode {
+public:
+    using Children = std::list<XMLNode*, Memory::STLAllocator<XMLNode*>>;
+
+    XMLNodeElements(std::int32_t kind, XMLNodeElements* parent,
+                    const SharedPtr<Memory::Allocator>& allocator)
+        : XMLNode(kind, parent, allocator), mChildren(allocator), mCursor(mChildren.begin()) {}
+
+    /// The next unread child if it has that name, else null; the cursor moves past it.
+    const XMLNode* getChild(const char* name) const;
+    /// As getChild, for an element that may have children; null for a text node, which is
+    /// consumed all the same.
+    const XMLNodeElements* getChildElements(const char* name) const;
+    /// As getChild, for a text; an element without content has the empty text.
+    bool getChildText(const char*& out, const char* name) const;
+    /// As getChild, for a text or empty node's value: int, unsigned int, 64-bit integers, float,
+    /// double, bool, and vectors of two or three with "/" between. What the text lacks is 0.
+    template <typename T>
+    bool getChildValue(T& out, const char* name) const;
+
+    /// The next unread child, whatever its name; null at the end.
+    const XMLNode* getNextElement() const;
+    /// The child that was read last, or null.
+    const XMLNode* getLastReadElement() const;
+    /// The last child. An element without children is reported and gives null.
+    XMLNode* getLastElement() const;
+    /// Takes the last child off the list and returns it, as getLastElement.
+    XMLNode* removeLastElement();
+
+    /// Appends a child and resets the cursor.
+    void addChild(XMLNode* child);
+    void resetCursor() { mCursor = mChildren.begin(); }
+
+    const Children& children() const { return mChildren; }
+
+private:
+    Children mChildren;
+    mutable Children::const_iterator mCursor; ///< the next unread child
+};
+
+} // namespace ZUNO::Common::Parser::XML

@@ -1,0 +1,254 @@
+#include "common/parser/xml/xmlparser.h"
+
+#include "common/exceptions/argumentexceptions.h"
+#include "common/io/ioexceptions.h"
+#include "common/memory/objectcreation.h"
+#include "common/parser/xml/xmlparserexception.h"
+
+#include <limits>
+
+namespace ZUNO::Common::Parser::XML {
+
+XMLParser::XMLParser()
+    : mScanner(mAllocator), mBuilder(Memory::createManaged<XMLTreeBuilder>(mAllocator)) {}
+
+XMLParser::~XMLParser() {
+    delete mBuilder;
+    Memory::releaseBytes(mAllocator, mBuffer);
+}
+
+const XMLNodeElements* XMLParser::parse(IO::Stream* stream) {
+    if (stream == nullptr)
+        throw new Exceptions::ArgumentNullException("stream",
+                                                    "XMLParser: Stream is a null pointer");
+    readDocument(stream);
+    parseBuffer();
+    return mBuilder->getRoot();
+}
+
+void XMLParser::readDocument(IO::Stream* stream) {
+    constexpr const char* unreadable = "XMLParser: Cannot read complete file from stream";
+    mBuilder->begin(false); // the former tree refers to the former buffer
+    Memory::releaseBytes(mAllocator, mBuffer);
+    mBuffer = nullptr;
+    const std::int64_t length = stream->getLength();
+    if (length < 0 || length >= std::int64_t{std::numeric_limits<std::uint32_t>::max()})
+        throw new IO::IOException(unreadable);
+    const auto size = static_cast<std::size_t>(length);
+    mBuffer = static_cast<char*>(Memory::allocateBytes(mAllocator, size + 1, 1));
+    if (stream->read(mBuffer, size) != length)
+        throw new IO::IOException(unreadable);
+    mBuffer[size] = '\0';
+    mBufferLength = size + 1;
+}
+
+void XMLParser::parseBuffer() {
+    mScanner.open(mBuffer, mBufferLength);
+    char* const first = mScanner.find(mBuffer, '<');
+    mScanner.moveTo(first != nullptr ? first : mScanner.end());
+    mScanner.current(); // a document without markup ends here
+    Node node = classify(mScanner.position());
+    while (node.mCode == CODE_COMMENT || node.mCode == CODE_INSTRUCTION)
+        node = classify(node.mEnd);
+    mScanner.moveTo(node.mBegin);
+    if (node.mCode == CODE_END_TAG || node.mCode == CODE_INVALID) {
+        const String message =
+            "XMLParser: Invalid XML format. Found nodetype : " + String(int{node.mCode});
+        mScanner.fail(message.getConstCharPtr());
+    }
+    if (node.mCode != CODE_ELEMENTS)
+        mScanner.fail("XMLParser: First tag must be a root node");
+    mBuilder->begin(false);
+    readElements();
+}
+
+XMLParser::Node XMLParser::classify(char* position) {
+    mScanner.moveTo(position);
+    mScanner.skipWhitespace();
+    mScanner.markPosition();
+    char* const begin = mScanner.position();
+    if (*begin != '<')
+        return {CODE_INVALID, begin, nullptr};
+    char* const behind = begin + 1;
+    const auto upTo = [&](NodeCode code, const char* content, const char* closing) {
+        char* const end = mScanner.findBehind(behind + std::strlen(content), closing);
+        return end != nullptr ? Node{code, begin, end} : Node{CODE_INVALID, begin, nullptr};
+    };
+    if (mScanner.startsWith(behind, "?"))
+        return upTo(CODE_INSTRUCTION, "?", "?>");
+    if (mScanner.startsWith(behind, "!--"))
+        return upTo(CODE_COMMENT, "!--", "-->");
+    if (mScanner.startsWith(behind, "!"))
+        return {CODE_INVALID, begin, nullptr};
+    if (mScanner.startsWith(behind, "xi:include "))
+        return {CODE_INCLUDE, begin, nullptr};
+    if (mScanner.startsWith(behind, "/"))
+        return {CODE_END_TAG, begin, nullptr};
+    return classifyElement(begin);
+}
+
+XMLParser::Node XMLParser::classifyElement(char* begin) {
+    char* const close = mScanner.find(begin + 1, '>');
+    if (close == nullptr) {
+        mScanner.moveTo(mScanner.end());
+        mScanner.current(); // fails: the document ends within the tag
+    }
+    if (close[-1] == '/')
+        return {CODE_EMPTY, begin, close + 1};
+    const bool hasMarkup = *mScanner.behindWhitespace(close + 1) == '<';
+    return {hasMarkup ? CODE_ELEMENTS : CODE_TEXT, begin, close + 1};
+}
+
+void XMLParser::readElements() {
+    // A loop instead of a recursion: the builder knows the elements that are open, and a document
+    // that nests deep costs no stack.
+    beginElements();
+    for (bool isDone = false; !isDone;) {
+        const Node node = classify(mScanner.position());
+        mScanner.moveTo(node.mBegin);
+        switch (node.mCode) {
+        case CODE_ELEMENTS:
+            beginElements();
+            break;
+        case CODE_TEXT:
+            readText();
+            break;
+        case CODE_EMPTY:
+            readEmpty();
+            break;
+        case CODE_INCLUDE:
+            readInclude();
+            break;
+        case CODE_COMMENT:
+        case CODE_INSTRUCTION:
+            mScanner.moveTo(node.mEnd);
+            break;
+        case CODE_END_TAG:
+            isDone = endElements();
+            break;
+        case CODE_INVALID:
+            mScanner.fail("XMLParser: Invalid tag found.");
+        }
+    }
+}
+
+void XMLParser::beginElements() {
+    if (mBuilder->getDepth() == maxDepth)
+        mScanner.fail("XMLParser: Elements are nested deeper than 4096 levels");
+    mBuilder->beginNode(NODE_ELEMENTS);
+    readStartTag();
+}
+
+bool XMLParser::endElements() {
+    const char* const name = mBuilder->getOpenElement()->mName;
+    const bool isRoot = !mBuilder->endElement();
+    readEndTag(name);
+    return isRoot;
+}
+
+void XMLParser::readEmpty() {
+    mBuilder->beginNode(NODE_EMPTY);
+    readStartTag();
+}
+
+void XMLParser::readText() {
+    mBuilder->beginNode(NODE_TEXT);
+    const char* const name = readStartTag();
+    char* const text = mScanner.position();
+    mScanner.markPosition();
+    char* const textEnd = mScanner.find(text, '<');
+    mScanner.moveTo(textEnd != nullptr ? textEnd : mScanner.end());
+    mScanner.current(); // fails when the text never ends
+    readEndTag(name);
+    *textEnd = '\0';
+    mBuilder->setText(text);
+}
+
+void XMLParser::readInclude() {
+    readEmpty();
+    mScanner.fail("XMLParser: We have no FileSystem defined, but there is an xi:include tag in the "
+                  "current xml definition");
+}
+
+const char* XMLParser::readStartTag() {
+    mScanner.skipWhitespace();
+    mScanner.markPosition();
+    if (!mScanner.accept('<'))
+        mScanner.failAtByte("XMLParser: expected '<' and found '", "");
+    const XMLScanner::Range name = mScanner.readName();
+    mScanner.markPosition();
+    if (mScanner.accept('>')) {
+        *name.mEnd = '\0';
+        mBuilder->setName(name.mBegin);
+        return name.mBegin;
+    }
+    if (mScanner.accept('/')) {
+        if (!mScanner.accept('>'))
+            mScanner.failAtByte("XMLParser: Invalid character '", "' in name.");
+        *name.mEnd = '\0';
+        mBuilder->setName(name.mBegin);
+        return name.mBegin;
+    }
+    if (!XMLScanner::isWhitespace(mScanner.current()))
+        mScanner.failAtByte("XMLParser: Invalid character '", "' in name.");
+    if (*name.mEnd == '\n')
+        mScanner.recordNewline(name.mEnd);
+    *name.mEnd = '\0';
+    mBuilder->setName(name.mBegin);
+    readAttributes();
+    mScanner.markPosition();
+    mScanner.accept('/');
+    if (!mScanner.accept('>'))
+        mScanner.failAtByte("XMLParser: Invalid character '", "' in starttag.");
+    return name.mBegin;
+}
+
+void XMLParser::readAttributes() {
+    for (;;) {
+        mScanner.skipWhitespace();
+        mScanner.markPosition();
+        if (mScanner.current() == '>' || mScanner.current() == '/')
+            return;
+        const XMLScanner::Range name = mScanner.readName();
+        mScanner.skipWhitespace();
+        mScanner.markPosition();
+        if (!mScanner.accept('='))
+            mScanner.failAtByte("XMLParser: Expected assign operator '=' but found '", "'");
+        *name.mEnd = '\0';
+        mScanner.skipWhitespace();
+        mScanner.markPosition();
+        if (!mScanner.accept('"'))
+            mScanner.failAtByte("XMLParser: Expected envelop char '\"' , found '", "'");
+        char* const value = mScanner.position();
+        char* const quote = mScanner.find(value, '"');
+        mScanner.moveTo(quote != nullptr ? quote : mScanner.end());
+        mScanner.current(); // fails when the value never ends
+        *quote = '\0';
+        mScanner.advance();
+        mBuilder->addAttribute(name.mBegin, static_cast<const char*>(value));
+    }
+}
+
+void XMLParser::readEndTag(const char* startName) {
+    mScanner.skipWhitespace();
+    mScanner.markPosition();
+    if (!mScanner.accept('<'))
+        mScanner.failAtByte("XMLParser: Expected '<' but found '", "'");
+    if (!mScanner.accept('/'))
+        mScanner.failAtByte("XMLParser: Expected '/' but found '", "'");
+    const XMLScanner::Range name = mScanner.readName();
+    if (!mScanner.accept('>')) {
+        mScanner.markPosition();
+        if (!XMLScanner::isWhitespace(mScanner.current()))
+            mScanner.failAtByte("XMLParser: Invalid character '", "' in starttag.");
+        mScanner.skipWhitespace();
+        mScanner.markPosition();
+        if (!mScanner.accept('>'))
+            mScanner.failAtByte("XMLParser: Invalid character '", "' in starttag.");
+    }
+    *name.mEnd = '\0';
+    if (std::strcmp(name.mBegin, startName) != 0)
+        mScanner.fail("XMLParser: Name in starttag and endtag are not equal");
+}
+
+} // namespace ZUNO::Common::Parser::XML

@@ -1,0 +1,303 @@
+#include "common/parser/xml/xmltreebuilder.h"
+
+#include "common/memory/objectcreation.h"
+#include "common/parser/numbertext.h"
+
+namespace ZUNO::Common::Parser::XML {
+
+namespace {
+
+// Each writes a value and returns its end; the scratch buffer holds the longest.
+
+template <typename T>
+char* format(char* buffer, const T& number) {
+    return formatNumber(buffer, number);
+}
+char* format(char* buffer, const bool& truth) {
+    const char* const text = truth ? "true" : "false";
+    const std::size_t length = std::strlen(text);
+    std::memcpy(buffer, text, length + 1);
+    return buffer + length;
+}
+template <typename T>
+char* format(char* buffer, const Math::Vec2<T>& vector) {
+    buffer = formatNumber(buffer, vector.mX);
+    *buffer++ = '/';
+    return formatNumber(buffer, vector.mY);
+}
+template <typename T>
+char* format(char* buffer, const Math::Vec3<T>& vector) {
+    buffer = format(buffer, Math::Vec2<T>(vector.mX, vector.mY));
+    *buffer++ = '/';
+    return formatNumber(buffer, vector.mZ);
+}
+
+} // namespace
+
+XMLTreeBuilder::XMLTreeBuilder() : mOpenElements(mAllocator), mScratch() {}
+
+XMLTreeBuilder::~XMLTreeBuilder() { destroyTree(mRoot); }
+
+void XMLTreeBuilder::begin(bool copyStrings) {
+    destroyTree(mRoot);
+    mRoot = nullptr;
+    mCurrent = nullptr;
+    mOpenElements.clear();
+    mCopyStrings = copyStrings;
+}
+
+void XMLTreeBuilder::begin(const char* rootName, bool copyStrings) {
+    begin(copyStrings);
+    beginElements(rootName);
+}
+
+void XMLTreeBuilder::beginNode(std::int32_t kind) {
+    const bool isElements = kind == NODE_ELEMENTS;
+    ZUNO_CHECK_AS(isElements || mRoot != nullptr, "root", "The root must be an element with children");
+    if (!isElements && mRoot == nullptr)
+        return;
+    XMLNode* node = nullptr;
+    switch (kind) {
+    case NODE_TEXT:
+        node = Memory::createObject<XMLNode>(mAllocator, kind, getOpenElement(), mAllocator);
+        break;
+    case NODE_EMPTY:
+    case NODE_ELEMENTS:
+        node =
+            Memory::createObject<XMLNodeElements>(mAllocator, kind, getOpenElement(), mAllocator);
+        break;
+    default:
+        ZUNO_REPORT("", "Unknown node type: " << kind);
+        return;
+    }
+    try {
+        attach(node);
+    } catch (...) {
+        destroyNode(node);
+        throw;
+    }
+    mCurrent = node;
+}
+
+void XMLTreeBuilder::attach(XMLNode* node) {
+    const bool isElements = node->mKind == NODE_ELEMENTS;
+    XMLNodeElements* const open = getOpenElement();
+    if (isElements)
+        mOpenElements.push_back(static_cast<XMLNodeElements*>(node));
+    if (mRoot == nullptr) {
+        mRoot = static_cast<XMLNodeElements*>(node);
+        return;
+    }
+    try {
+        open->addChild(node);
+    } catch (...) {
+        if (isElements)
+            mOpenElements.pop_back();
+        throw;
+    }
+}
+
+void XMLTreeBuilder::setName(const char* name) {
+    if (mCurrent != nullptr)
+        mCurrent->mName = keep(name);
+}
+
+void XMLTreeBuilder::setText(const char* text) {
+    if (mCurrent == nullptr)
+        return;
+    if (mCurrent->mKind != NODE_TEXT)
+        ZUNO_REPORT("", "Cannot set text for node of type : " << mCurrent->mKind);
+    else
+        mCurrent->mText = keep(text);
+}
+
+void XMLTreeBuilder::beginElements(const char* name) {
+    beginNode(NODE_ELEMENTS);
+    setName(name);
+}
+
+void XMLTreeBuilder::addEmptyNode(const char* name) {
+    beginNode(NODE_EMPTY);
+    setName(name);
+}
+
+void XMLTreeBuilder::addTextNode(const char* name, const char* text) {
+    beginNode(NODE_TEXT);
+    setName(name);
+    setText(text);
+}
+
+template <typename T>
+void XMLTreeBuilder::addTextNode(const char* name, const T& value) {
+    if (!canFormat())
+        return;
+    format(mScratch, value);
+    addTextNode(name, static_cast<const char*>(mScratch));
+}
+
+template void XMLTreeBuilder::addTextNode(const char*, const std::int32_t&);
+template void XMLTreeBuilder::addTextNode(const char*, const std::uint32_t&);
+template void XMLTreeBuilder::addTextNode(const char*, const std::int64_t&);
+template void XMLTreeBuilder::addTextNode(const char*, const std::uint64_t&);
+template void XMLTreeBuilder::addTextNode(const char*, const float&);
+template void XMLTreeBuilder::addTextNode(const char*, const double&);
+template void XMLTreeBuilder::addTextNode(const char*, const bool&);
+template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec3<float>&);
+template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec3<int>&);
+template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec3<unsigned int>&);
+template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec2<float>&);
+template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec2<int>&);
+template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec2<unsigned int>&);
+
+void XMLTreeBuilder::addAttribute(const char* name, const char* value) {
+    if (mCurrent == nullptr)
+        return;
+    XMLNode::Attributes& attributes = mCurrent->mAttributes;
+    const auto place = attributes.find(name);
+    if (place != attributes.end()) {
+        const char* const former = place->second;
+        place->second = keep(value);
+        release(former);
+        return;
+    }
+    const char* const keptName = keep(name);
+    const char* keptValue = nullptr;
+    try {
+        keptValue = keep(value);
+        attributes.emplace(keptName, keptValue);
+    } catch (...) {
+        release(keptName);
+        if (keptValue != nullptr)
+            release(keptValue);
+        throw;
+    }
+}
+
+void XMLTreeBuilder::addAttribute(const char* name, int value) {
+    if (!canFormat())
+        return;
+    formatNumber(mScratch, std::int32_t{value});
+    addAttribute(name, static_cast<const char*>(mScratch));
+}
+
+void XMLTreeBuilder::addAttribute(const char* name, unsigned int value) {
+    if (!canFormat())
+        return;
+    formatNumber(mScratch, std::uint32_t{value});
+    addAttribute(name, static_cast<const char*>(mScratch));
+}
+
+void XMLTreeBuilder::addAttribute(const char* name, bool value) {
+    if (canFormat())
+        addAttribute(name, value ? "1" : "0");
+}
+
+void XMLTreeBuilder::addAttribute(const char* name, float value) {
+    if (!canFormat())
+        return;
+    formatFixed(mScratch, value);
+    addAttribute(name, static_cast<const char*>(mScratch));
+}
+
+bool XMLTreeBuilder::endElement(const char* name) {
+    XMLNodeElements* const open = getOpenElement();
+    if (open == nullptr || (name != nullptr && std::strcmp(name, open->mName) != 0))
+        return false;
+    open->resetCursor();
+    if (open == mRoot)
+        return false;
+    mOpenElements.pop_back();
+    return true;
+}
+
+void XMLTreeBuilder::removeLastNode() {
+    XMLNodeElements* const open = getOpenElement();
+    if (open == nullptr)
+        return;
+    destroyTree(open->removeLastElement());
+    mCurrent = open->children().empty() ? open : open->children().back();
+}
+
+void XMLTreeBuilder::addTree(XMLTreeBuilder* tree) {
+    ZUNO_CHECK(tree, "Tree cannot be a NULL pointer");
+    if (tree == nullptr)
+        return;
+    ZUNO_CHECK_AS(tree->mAllocator == mAllocator.get(), "tree->mAllocator == mAllocator",
+                  "We cannot add a tree with a different allocator");
+    ZUNO_CHECK_AS(tree->mCopyStrings == mCopyStrings, "tree->copyStrings == copyStrings",
+                  "We cannot add a tree with a different copyStrings flag");
+    if (tree->mAllocator != mAllocator.get() || tree->mCopyStrings != mCopyStrings ||
+        tree->mRoot == nullptr || tree == this)
+        return;
+    XMLNodeElements* const grafted = tree->mRoot;
+    if (XMLNodeElements* const open = getOpenElement(); open != nullptr) {
+        open->addChild(grafted);
+        grafted->mParent = open;
+    } else {
+        mOpenElements.push_back(grafted);
+        mRoot = grafted;
+    }
+    mCurrent = grafted;
+    tree->mRoot = nullptr;
+    tree->mCurrent = nullptr;
+    tree->mOpenElements.clear();
+}
+
+const char* XMLTreeBuilder::keep(const char* string) {
+    if (!mCopyStrings)
+        return string;
+    const std::size_t size = std::strlen(string) + 1;
+    char* const copy = static_cast<char*>(Memory::allocateBytes(mAllocator, size, 1));
+    std::memcpy(copy, string, size);
+    return copy;
+}
+
+void XMLTreeBuilder::release(const char* string) {
+    // the empty string of a node whose name or text was never set is nobody's
+    if (mCopyStrings && string != XMLNode::noString)
+        Memory::releaseBytes(mAllocator, const_cast<char*>(string));
+}
+
+void XMLTreeBuilder::destroyNode(XMLNode* node) {
+    for (const auto& [name, value] : node->mAttributes) {
+        release(name);
+        release(value);
+    }
+    release(node->mName);
+    switch (node->mKind) {
+    case NODE_TEXT:
+        release(node->mText);
+        Memory::destroyObject(mAllocator, node);
+        break;
+    case NODE_EMPTY:
+    case NODE_ELEMENTS:
+        Memory::destroyObject(mAllocator, static_cast<XMLNodeElements*>(node));
+        break;
+    default:
+        ZUNO_REPORT("", "Undefined node type: " << node->mKind);
+    }
+}
+
+void XMLTreeBuilder::destroyTree(XMLNode* root) {
+    // without recursion: a document may be nested deeper than the stack bears
+    XMLNode* node = root;
+    while (node != nullptr) {
+        const bool hasChildren =
+            node->mKind == NODE_ELEMENTS &&
+            !static_cast<XMLNodeElements*>(node)->children().empty();
+        if (hasChildren) {
+            node = static_cast<XMLNodeElements*>(node)->removeLastElement();
+            continue;
+        }
+        XMLNode* const parent = node != root ? node->mParent : nullptr;
+        destroyNode(node);
+        node = parent;
+    }
+}
+
+bool XMLTreeBuilder::canFormat() const {
+    ZUNO_CHECK_AS(mCopyStrings, "copyStrings", "Used without copyStrings enabled !");
+    return mCopyStrings;
+}
+
+} // namespace ZUNO::Common::Parser::XML

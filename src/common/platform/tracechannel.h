@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace ZUNO::Common::Platform {
+
+/// The name under which a viewer is found.
+inline constexpr char traceViewerName[] = "ZUNTraceWindow";
+
+/// Sends one message to the trace viewer of this user, looked up anew with every call.
+/// Never waits for the viewer where the transport allows it. Returns false, and drops the
+/// message, when no viewer runs or when it can't take the message now.
+bool sendTraceMessage(std::uint32_t code, const void* payload, std::uint32_t length) noexcept;
+
+/// A message as a viewer received it.
+struct TraceMessage {
+    std::uint32_t mCode = 0;
+    const std::byte* mPayload = nullptr; ///< valid until the next `receive`
+    std::uint32_t mLength = 0;
+};
+
+/// The viewer's end of the channel: one per user at a time.
+class TraceReceiver {
+public:
+    TraceReceiver() noexcept;
+    ~TraceReceiver();
+    TraceReceiver(const TraceReceiver&) = delete;
+    TraceReceiver& operator=(const TraceReceiver&) = delete;
+
+    /// Opens the channel. Returns null, or what is in the way as a text.
+    const char* open() noexcept;
+
+    /// Waits up to `milliseconds` for the next message; false when none came.
+    bool receive(TraceMessage& message, int milliseconds) noexcept;
+
+private:
+    struct State;
+    State* mState;
+};
+
+} // namespace ZUNO::Common::Platform

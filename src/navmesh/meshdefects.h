@@ -1,0 +1,22 @@
+#pragma once
+
+#include "common/debug/reporttext.h"
+#include "navmesh/navmeshcontainer.h"
+
+namespace ZUNO::NavMesh {
+
+/// Is told of what is wrong with a mesh.
+class DefectListener {
+public:
+    virtual ~DefectListener() = default;
+    /// Receives what is wrong and where; returns whether the search for defects goes on.
+    virtual bool onDefect(const char* text) = 0;
+};
+
+/// Looks for what a world could not run with: no nodes, a node without corners, indices out of
+/// range, numbers that are not finite, a cube size that is not above 0, more nodes or borders than
+/// edge ids can name, a blocking grid of more memory than 32 bits can address.
+/// Returns whether the mesh is free of all that.
+bool findDefects(const NavMeshContainer& mesh, DefectListener& listener);
+
+} // namespace ZUNO::NavMesh
