@@ -70,9 +70,10 @@ public:
         IDVector* mOwner = nullptr;
     };
 
+    /// An empty vector: storage for one slot, which stands for "no free slot".
     explicit IDVector(const SharedPtr<Memory::Allocator>& allocator)
-        : mSlots(nullptr), mCapacity(0), mAllocator(allocator) {
-        reset();
+        : mSlots(allocateSlots(allocator, 1)), mCapacity(0), mAllocator(allocator) {
+        mSlots[0].setFree(0);
     }
     ~IDVector() {
         destroyElements();
@@ -137,11 +138,17 @@ public:
     std::uint32_t size() const { return mCount; }
     std::uint32_t capacity() const { return mCapacity; }
 
-    /// Destroys every element and returns to the empty state; ids start again at 0.
+    /// Destroys every element and returns to the empty state; ids start again at 0. Never fails.
     void clear() {
         destroyElements();
         mCapacity = mCount = mFreeHead = mBegin = 0;
-        reset();
+        Slot* slots = static_cast<Slot*>(Memory::tryAllocateBytes(mAllocator, sizeof(Slot)));
+        if (slots != nullptr)
+            Memory::releaseBytes(mAllocator, mSlots);
+        else
+            slots = mSlots; // there is no memory for a smaller one
+        mSlots = slots;
+        mSlots[0].setFree(0);
     }
 
     Iterator begin() { return {mBegin, this}; }
@@ -150,14 +157,6 @@ public:
 private:
     static Slot* allocateSlots(const SharedPtr<Memory::Allocator>& allocator, std::size_t count) {
         return static_cast<Slot*>(Memory::allocateBytes(allocator, count, sizeof(Slot)));
-    }
-
-    /// Storage for one slot, which stands for "no free slot".
-    void reset() {
-        Slot* const slots = allocateSlots(mAllocator, 1);
-        slots[0].setFree(0);
-        Memory::releaseBytes(mAllocator, mSlots);
-        mSlots = slots;
     }
 
     void destroyElements() {

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "common/callback/memorycallback.h"
+
+#include <cstdint>
+#include <unordered_map>
+
+namespace ZUNO::HostKit {
+
+/// What a heap was asked for so far.
+struct MemoryFigures {
+    std::uint64_t mAllocations = 0; ///< calls of `allocateMemory`
+    std::uint64_t mFrees = 0;       ///< calls of `freeMemory`
+    std::uint64_t mBlocks = 0;      ///< outstanding
+    std::uint64_t mBytes = 0;       ///< outstanding
+    std::uint64_t mPeakBytes = 0;
+};
+
+/// Host memory from the C heap, counted. For one thread at a time.
+class HeapMemoryCallback : public Common::Callback::MemoryCallback {
+public:
+    /// Null when the heap is exhausted.
+    void* allocateMemory(unsigned int size) override;
+    void freeMemory(void* ptr) override;
+
+    const MemoryFigures& figures() const { return mFigures; }
+
+private:
+    MemoryFigures mFigures;
+    std::unordered_map<void*, unsigned int> mSizes; ///< of the outstanding blocks
+};
+
+} // namespace ZUNO::HostKit

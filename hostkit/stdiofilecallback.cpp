@@ -1,0 +1,163 @@
+#include "hostkit/stdiofilecallback.h"
+
+#include "common/io/stream.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+
+namespace ZUNO::HostKit {
+
+namespace fs = std::filesystem;
+using namespace Common::Callback;
+
+namespace {
+
+constexpr std::int32_t otherError = -3;
+
+#if defined(_WIN32)
+bool moveTo(std::FILE* file, std::int64_t offset, int origin) {
+    return _fseeki64(file, offset, origin) == 0;
+}
+std::int64_t positionOf(std::FILE* file) { return _ftelli64(file); }
+#else
+bool moveTo(std::FILE* file, std::int64_t offset, int origin) {
+    return fseeko(file, static_cast<off_t>(offset), origin) == 0;
+}
+std::int64_t positionOf(std::FILE* file) { return ftello(file); }
+#endif
+
+std::int32_t resultOf(int error) {
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+        return FILE_NOT_FOUND;
+    case EACCES:
+    case EPERM:
+    case EISDIR:
+    case EROFS:
+        return FILE_ACCESS_DENIED;
+    default:
+        return otherError;
+    }
+}
+
+/// Reading and writing keeps what an existing file holds; writing alone begins anew.
+std::FILE* openAs(const fs::path& path, std::int32_t mode) {
+    const std::string name = path.string();
+    if (mode == Common::IO::FACCESS_READ)
+        return std::fopen(name.c_str(), "rb");
+    if (mode == Common::IO::FACCESS_WRITE)
+        return std::fopen(name.c_str(), "w+b");
+    std::FILE* const existing = std::fopen(name.c_str(), "r+b");
+    return existing != nullptr || errno != ENOENT ? existing : std::fopen(name.c_str(), "w+b");
+}
+
+} // namespace
+
+StdioFileCallback::StdioFileCallback(const fs::path& baseFolder)
+    : mBaseFolder(fs::weakly_canonical(fs::absolute(baseFolder))) {}
+
+StdioFileCallback::~StdioFileCallback() {
+    for (const auto& [handle, file] : mFiles)
+        std::fclose(file);
+}
+
+std::optional<fs::path> StdioFileCallback::locate(const String& filename) const {
+    const fs::path name(filename.getConstCharPtr());
+    std::error_code error;
+    if (mBaseFolder.empty())
+        return name;
+    const fs::path path = fs::weakly_canonical(mBaseFolder / name, error);
+    if (error)
+        return std::nullopt;
+    const auto ends = std::ranges::mismatch(mBaseFolder, path);
+    if (ends.in1 != mBaseFolder.end())
+        return std::nullopt;
+    return path;
+}
+
+std::FILE* StdioFileCallback::find(Handle handle) const {
+    const auto place = mFiles.find(handle);
+    return place != mFiles.end() ? place->second : nullptr;
+}
+
+std::int32_t StdioFileCallback::openFile(Handle* handle, const String& filename,
+                                         std::int32_t mode) {
+    const std::optional<fs::path> path = locate(filename);
+    if (!path)
+        return FILE_NOT_FOUND;
+    std::error_code error;
+    if (fs::is_directory(*path, error))
+        return FILE_ACCESS_DENIED;
+    errno = 0;
+    std::FILE* const file = openAs(*path, mode);
+    if (file == nullptr)
+        return resultOf(errno);
+    *handle = ++mLastHandle;
+    mFiles[*handle] = file;
+    return 0;
+}
+
+void StdioFileCallback::closeFile(Handle handle) {
+    if (std::FILE* const file = find(handle); file != nullptr) {
+        std::fclose(file);
+        mFiles.erase(handle);
+    }
+}
+
+std::int64_t StdioFileCallback::getFileLength(Handle handle) {
+    std::FILE* const file = find(handle);
+    if (file == nullptr)
+        return -1;
+    const std::int64_t position = positionOf(file);
+    if (position < 0 || !moveTo(file, 0, SEEK_END))
+        return -1;
+    const std::int64_t length = positionOf(file);
+    return moveTo(file, position, SEEK_SET) ? length : -1;
+}
+
+std::int32_t StdioFileCallback::readFile(void* dstBuffer, std::uint32_t numBytes, Handle handle) {
+    std::FILE* const file = find(handle);
+    if (file == nullptr || numBytes > std::uint32_t{std::numeric_limits<std::int32_t>::max()})
+        return -1;
+    const std::size_t count = std::fread(dstBuffer, 1, numBytes, file);
+    mBytesRead += count;
+    return std::ferror(file) != 0 ? -1 : static_cast<std::int32_t>(count);
+}
+
+std::int32_t StdioFileCallback::writeFile(const void* srcBuffer, std::uint32_t numBytes,
+                                          Handle handle) {
+    std::FILE* const file = find(handle);
+    if (file == nullptr)
+        return -1;
+    errno = 0;
+    const std::size_t count = std::fwrite(srcBuffer, 1, numBytes, file);
+    if (count < numBytes && errno == ENOSPC)
+        return FILE_DISK_FULL;
+    return static_cast<std::int32_t>(count);
+}
+
+std::int64_t StdioFileCallback::getFilePosition(Handle handle) {
+    std::FILE* const file = find(handle);
+    return file != nullptr ? positionOf(file) : -1;
+}
+
+std::int64_t StdioFileCallback::seekFile(std::int64_t offset, std::int32_t origin, Handle handle) {
+    std::FILE* const file = find(handle);
+    if (file == nullptr)
+        return -1;
+    const int base = origin == Common::IO::ORIGIN_CURRENT ? SEEK_CUR
+                     : origin == Common::IO::ORIGIN_END   ? SEEK_END
+                                                          : SEEK_SET;
+    return moveTo(file, offset, base) ? positionOf(file) : std::int64_t{FILE_OUT_OF_RANGE};
+}
+
+Common::String StdioFileCallback::getFullPathName(const String& filename) {
+    std::error_code error;
+    const fs::path name(filename.getConstCharPtr());
+    const fs::path path = fs::absolute(mBaseFolder / name, error).lexically_normal();
+    return error ? filename : String(path.string().c_str());
+}
+
+} // namespace ZUNO::HostKit

@@ -1,0 +1,129 @@
+#include "pathfinder/interface.h"
+
+#include "common/interface.h"
+#include "common/memory/globalallocators.h"
+#include "navmesh/interface.h"
+#include "pathfinder/navmeshinstance.h"
+#include "pathfinder/raytracer/blockingmap.h"
+#include "pathfinder/resourceinterface.h"
+
+namespace ZUNO::Pathfinder {
+
+using namespace Common;
+
+namespace {
+
+void makeResources(const SharedPtr<Memory::Allocator>& allocator,
+                   const SharedPtr<Callback::FileIOCallback>& cbFileIO) {
+    auto* const resources = Memory::createManaged<ResourceInterface>(allocator, cbFileIO);
+    ResourceInterface::createInstance(resources);
+    if (ResourceInterface::getInstance() != resources)
+        delete resources;
+}
+
+/// The world, or null after a report.
+NavMeshInstance* findWorld() {
+    NavMeshInstance* const world = NavMeshInstance::getInstance();
+    ZUNO_CHECK_AS(world != nullptr, "world", "no world: call initWorldRepresentation first");
+    return world;
+}
+
+} // namespace
+
+Interface& Interface::operator=(const Interface&) { return *this; } // NOLINT: nothing to copy
+
+bool Interface::initWorldRepresentation(const BasicString<char>& navMeshFile,
+                                        const SharedPtr<Callback::MemoryCallback>& cbMemory,
+                                        const SharedPtr<Callback::FileIOCallback>& cbFileIO,
+                                        const BasicString<char>& blockingMapFile) {
+    Common::initLibrary(cbMemory);
+    NavMesh::initLibrary(cbMemory, cbFileIO);
+    const SharedPtr<Memory::Allocator> allocator = gAllocator;
+    makeResources(allocator, cbFileIO);
+    NavMeshInstance::createInstance(allocator);
+    NavMeshInstance* const world = NavMeshInstance::getInstance();
+    if (world == nullptr) {
+        ZUNO_REPORT("false", "initWorldRepresentation couldn't make NavMeshInstance");
+        return false;
+    }
+    if (!world->loadNavMesh(navMeshFile)) {
+        ZUNO_REPORT("false", "Cannot initialise the world representation, error in file: "
+                                 << navMeshFile);
+        return false;
+    }
+    if (blockingMapFile.isEmpty())
+        world->initRayTracer("NoBlockingMap", false);
+    else
+        world->initRayTracer(blockingMapFile, true);
+    return true;
+}
+
+void Interface::close() {
+    if (!isLibraryRunning())
+        return;
+    NavMeshInstance::destroyInstance();
+    ResourceInterface::destroyInstance();
+    NavMesh::closeLibrary();
+    Common::closeLibrary();
+}
+
+int Interface::initPathSearch(const Math::Vec3<float>& start, const Math::Vec3<float>& goal) {
+    NavMeshInstance* const world = findWorld();
+    return world != nullptr ? world->initPathSearch(start, goal) : -1;
+}
+
+int Interface::runPathSearch(int searchID, unsigned int budget) {
+    NavMeshInstance* const world = findWorld();
+    return world != nullptr ? world->runPathSearch(searchID, budget) : Astar::SEARCH_NO_PATH;
+}
+
+bool Interface::getNextWaypoint(int searchID, Math::Vec3<float>& waypoint) {
+    NavMeshInstance* const world = findWorld();
+    return world != nullptr && world->getNextWaypoint(searchID, waypoint);
+}
+
+float Interface::getPathCost(int searchID) {
+    NavMeshInstance* const world = findWorld();
+    return world != nullptr ? world->getPathCost(searchID) : 0.0F;
+}
+
+bool Interface::closePathSearch(int searchID) {
+    NavMeshInstance* const world = findWorld();
+    return world != nullptr && world->closePathSearch(searchID);
+}
+
+bool Interface::isBlocked(const Math::Vec2<float>& position) {
+    NavMeshInstance* const world = findWorld();
+    return world == nullptr || world->isBlocked(position);
+}
+
+void Interface::traceRay(Geom::Ray2D<float, float>& ray) {
+    ray.mHitDistance = -1.0F;
+    if (NavMeshInstance* const world = findWorld(); world != nullptr)
+        world->traceRay(ray);
+}
+
+void Interface::traceRay(Geom::Ray3D<float, float>& ray) {
+    ray.mHitDistance = -1.0F;
+    if (NavMeshInstance* const world = findWorld(); world != nullptr)
+        world->traceRay(ray);
+}
+
+float Interface::getGroundHeight(const Math::Vec2<float>& position) {
+    NavMeshInstance* const world = findWorld();
+    return world != nullptr ? world->getGroundHeight(position) : Raytracer::noGround;
+}
+
+void Interface::getBoundingRectangle(Math::Vec2<float>& min, Math::Vec2<float>& max) {
+    min = max = {0, 0};
+    if (NavMeshInstance* const world = findWorld(); world != nullptr)
+        world->getBoundingRectangle(min, max);
+}
+
+bool Interface::saveBlockingMap(const BasicString<char>& filename) {
+    ZUNO_CHECK(!filename.isEmpty(), "Filename for saving the blocking map cannot be empty");
+    NavMeshInstance* const world = findWorld();
+    return world != nullptr && world->saveBlockingMap(filename);
+}
+
+} // namespace ZUNO::Pathfinder

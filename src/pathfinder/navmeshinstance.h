@@ -1,0 +1,98 @@
+#pragma once
+
+#include "common/astar/asgoalbase.h"
+#include "common/container/idvector.h"
+#include "common/geom/ray3d.h"
+#include "common/memory/objectcreation.h"
+#include "common/singleton.h"
+#include "navmesh/astarnavmesh.h"
+#include "pathfinder/pathsearch.h"
+#include "pathfinder/planetransform.h"
+#include "pathfinder/raytracer/raytracer.h"
+
+#include <vector>
+
+namespace ZUNO::Pathfinder {
+
+/// The world: one loaded mesh with its graph, its blocking grid and the searches over it. It owns
+/// all of them and takes their memory from its own allocator. For one thread.
+/// Positions in two dimensions are world positions without their up component.
+class NavMeshInstance : public Common::Singleton<NavMeshInstance> {
+public:
+    using Vec2 = Common::Math::Vec2<float>;
+    using Vec3 = Common::Math::Vec3<float>;
+    using Ray2D = Common::Geom::Ray2D<float, float>;
+    using Ray3D = Common::Geom::Ray3D<float, float>;
+
+    NavMeshInstance();
+    ~NavMeshInstance() override;
+
+    /// Loads a mesh and builds the graph over it; a mesh loaded before goes, and its searches with
+    /// it. False, after a report, when the file holds no mesh that a world can run with. What the
+    /// file and the parser raise leaves this function.
+    bool loadNavMesh(const Common::String& fileName);
+
+    /// Builds the blocking grid from the loaded mesh; an earlier one is reported and replaced.
+    /// With `loadFromFile` this raises a NotSupportedException and leaves the world without one.
+    void initRayTracer(const Common::String& fileName, bool loadFromFile);
+
+    /// Opens a search and returns its id, or -1 when one of the points stands on no node.
+    std::int32_t initPathSearch(const Vec3& start, const Vec3& goal);
+    /// Expands at most `budget` nodes and returns the search's SearchResult.
+    /// Raises an ArgumentException for an id that names no search.
+    std::int32_t runPathSearch(std::int32_t id, std::uint32_t budget);
+    /// Gives the centre of the next node that the found path enters; false after the last one, and
+    /// while there is no path. An invalid id is reported and gives false.
+    bool getNextWaypoint(std::int32_t id, Vec3& waypoint);
+    /// The found path's cost, once a waypoint was asked for; else 0. An invalid id is reported.
+    float getPathCost(std::int32_t id);
+    /// Closes a search and returns whether there was one.
+    bool closePathSearch(std::int32_t id);
+
+    /// True outside the grid, and, after a report, without one.
+    bool isBlocked(const Vec2& position);
+    /// These set the hit distance alone, in units of the mesh's plane; -1 without a grid.
+    void traceRay(Ray2D& ray);
+    void traceRay(Ray3D& ray);
+    /// 3.4028235e38 where there is no ground, and, after a report, without a grid.
+    float getGroundHeight(const Vec2& position);
+    /// The rectangle of the mesh's vertices; empty, after a report, without a grid.
+    void getBoundingRectangle(Vec2& min, Vec2& max);
+    /// Raises a NotSupportedException.
+    bool saveBlockingMap(const Common::String& filename);
+
+private:
+    using AStar = Common::Astar::AStar;
+
+    struct AStarDeleter {
+        NavMeshInstance* mWorld;
+        void operator()(AStar* aStar) const { mWorld->destroyAStar(aStar); }
+    };
+    using OwnedAStar = std::unique_ptr<AStar, AStarDeleter>;
+
+    void unloadMesh();
+    OwnedAStar takeAStar(const NavMesh::SearchEnds& ends);
+    OwnedAStar makeAStar(const NavMesh::SearchEnds& ends);
+    void destroyAStar(AStar* aStar);
+    /// The cost and heuristic functions with the goal that carries them.
+    Common::Astar::ASGoalBase* makeGoal(const NavMesh::SearchEnds& ends);
+    void destroyGoal(Common::Astar::AStarGoal* goal);
+    /// Room in the pool for every search that is open or about to be, so that closing one needs
+    /// no memory.
+    void reservePool();
+
+    /// The ray tracer over a loaded mesh; null, with or without a report, when there is none.
+    Raytracer::RayTracer* findRayTracer() const;
+    Raytracer::RayTracer* requireRayTracer() const;
+    float trace(const Vec2& start, const Vec2& end) const;
+
+    Common::SharedPtr<NavMesh::NavMeshContainer> mNavMesh;
+    Raytracer::RayTracer* mRayTracer = nullptr;
+    NavMesh::AStarMapNavMesh* mAStarMap = nullptr;
+    Common::Container::IDVector<PathSearch> mSearches;
+    std::vector<AStar*, Common::Memory::STLAllocator<AStar*>> mAStarPool; ///< last in, first out
+    Matrix2 mPlaneTransform;
+    Matrix2 mInversePlaneTransform;
+};
+
+} // namespace ZUNO::Pathfinder

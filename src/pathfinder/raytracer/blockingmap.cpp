@@ -1,0 +1,81 @@
+#include "pathfinder/raytracer/blockingmap.h"
+
+#include "common/utility/saturate.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace ZUNO::Pathfinder::Raytracer {
+
+using Common::Utility::truncateToInt;
+
+namespace {
+
+float scaleOf(std::uint32_t cells, float extent) {
+    return extent > 0 ? static_cast<float>(cells - 1) / extent : 0.0F;
+}
+
+} // namespace
+
+BlockingMap::~BlockingMap() { Common::Memory::releaseBytes(mAllocator, mCells); }
+
+void BlockingMap::init(const Position& min, const Position& max, std::uint32_t width,
+                       std::uint32_t height, const BlockingCell& cell) {
+    Common::Memory::releaseBytes(mAllocator, mCells);
+    mCells = nullptr;
+    mRect = {min, max};
+    mColumns = width;
+    mRows = height;
+    mScaleX = scaleOf(width, max.mX - min.mX);
+    mScaleY = scaleOf(height, max.mY - min.mY);
+    const std::size_t count = std::size_t{width} * height;
+    mCells = static_cast<BlockingCell*>(
+        Common::Memory::allocateBytes(mAllocator, count, sizeof(BlockingCell)));
+    std::uninitialized_fill_n(mCells, count, cell);
+}
+
+BlockingMap::Cell BlockingMap::worldToCell(const Position& position) const {
+    return {truncateToInt((position.mX - mRect.mMin.mX) * mScaleX),
+            truncateToInt((position.mY - mRect.mMin.mY) * mScaleY)};
+}
+
+BlockingMap::Position BlockingMap::cellToWorld(const Cell& cell) const {
+    const auto coordinate = [](int index, float scale, float min) {
+        return scale != 0 ? static_cast<float>(index) / scale + min : min;
+    };
+    return {coordinate(cell.mX, mScaleX, mRect.mMin.mX),
+            coordinate(cell.mY, mScaleY, mRect.mMin.mY)};
+}
+
+BlockingCell& BlockingMap::cellAt(const Position& position) const {
+    // rounding may carry the upper border of a very fine grid one cell too far
+    const Cell cell = worldToCell(position);
+    const std::size_t x = std::min(static_cast<std::uint32_t>(cell.mX), mColumns - 1);
+    const std::size_t y = std::min(static_cast<std::uint32_t>(cell.mY), mRows - 1);
+    return mCells[y * mColumns + x];
+}
+
+bool BlockingMap::getCellAtWorld(const Position& position, BlockingCell& out) const {
+    if (mCells == nullptr || !mRect.contains(position))
+        return false;
+    out = cellAt(position);
+    return true;
+}
+
+bool BlockingMap::setCellAtWorld(const Position& position, const BlockingCell& cell) {
+    if (mCells == nullptr || !mRect.contains(position))
+        return false;
+    cellAt(position) = cell;
+    return true;
+}
+
+bool BlockingMap::getCell(int x, int y, BlockingCell& out) const {
+    const auto column = static_cast<std::uint32_t>(x);
+    const auto row = static_cast<std::uint32_t>(y);
+    if (column >= mColumns || row >= mRows || mCells == nullptr)
+        return false;
+    out = mCells[std::size_t{row} * mColumns + column];
+    return true;
+}
+
+} // namespace ZUNO::Pathfinder::Raytracer

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "common/basicstring.h"
+#include "navmesh/navmeshcontainer.h"
+#include "pathfinder/raytracer/blockingmap.h"
+#include "pathfinder/raytracer/raytracer.h"
+
+namespace ZUNO::Pathfinder::Raytracer {
+
+/// A ray tracer over a grid that is rasterised from a mesh: a cell whose centre lies on a node is
+/// walkable at the height of the node's first corner, every other one is blocked, and so are the
+/// last column and row. Queries look one cell up; a trace costs the cells that it crosses.
+class BlockingMapRayTracer : public RayTracer {
+public:
+    /// Builds the grid from the mesh. With `loadFromFile` it is to be read from `fileName` instead,
+    /// which raises a NotSupportedException: there is no format for such files.
+    BlockingMapRayTracer(const Common::SharedPtr<NavMesh::NavMeshContainer>& navMesh,
+                         const Common::SharedPtr<Common::Memory::Allocator>& allocator,
+                         const Common::String& fileName, bool loadFromFile);
+
+    void traceRay(Common::Geom::Ray2D<float, float>& ray) override;
+    /// True outside the grid.
+    bool isBlocked(const Common::Math::Vec2<float>& position) override;
+    float getGroundHeight(const Common::Math::Vec2<float>& position) override;
+    /// The rectangle of all vertices in the plane.
+    void getBoundingRectangle(Common::Math::Vec2<float>& min,
+                              Common::Math::Vec2<float>& max) override;
+
+    /// Always raises a NotSupportedException: there is no format for such files.
+    [[noreturn]] static bool saveBlockingMap(const Common::String& filename);
+    [[noreturn]] static void loadBlockingMap(const Common::String& filename);
+
+private:
+    void build(const NavMesh::NavMeshContainer& mesh);
+    /// How far a ray that starts in a cell of `clearance` runs.
+    float walk(const Common::Geom::Ray2D<float, float>& ray, float clearance) const;
+
+    BlockingMap mBlockingMap;
+    Common::Math::Vec2<float> mBoundsMin{0, 0};
+    Common::Math::Vec2<float> mBoundsMax{0, 0};
+    Common::SharedPtr<Common::Memory::Allocator> mAllocator; ///< for what the build needs meanwhile
+};
+
+} // namespace ZUNO::Pathfinder::Raytracer
