@@ -14,7 +14,7 @@ int main(int argc, char** argv) {
     try {
         ZUNO::HostKit::Session session(argv[1]);
         const Vec3<float> start(2, 0, 2);
-        const Vec3<float> goal(60, 0, 40);
+        const Vec3<float> goal(50, 5, 25);
         const int search = Interface::initPathSearch(start, goal);
         if (search < 0) {
             std::puts("start or goal stands on no node");

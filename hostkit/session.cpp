@@ -1,7 +1,5 @@
 #include "hostkit/session.h"
 
-#include "common/interface.h"
-
 #include <stdexcept>
 
 namespace ZUNO::HostKit {
@@ -12,7 +10,6 @@ Session::Session(const std::string& meshFile, const std::string& baseFolder) {
     auto* const heap = new HeapMemoryCallback;
     mHeap = heap;
     mMemory = SharedPtr<Callback::MemoryCallback>(heap);
-    initLibrary({}); // the host's own copy, for its strings; on the process heap
     mIsOpen = true;
     try {
         start(meshFile, baseFolder);
@@ -44,7 +41,6 @@ MemoryFigures Session::close() {
     Pathfinder::Interface::close();
     mLastFigures = mHeap->figures();
     mMemory = nullptr;
-    closeLibrary();
     return mLastFigures;
 }
 

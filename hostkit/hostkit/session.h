@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/exceptions/exception.h"
+#include "hostkit/foundation.h"
 #include "hostkit/heapmemorycallback.h"
 #include "hostkit/stdiofilecallback.h"
 #include "pathfinder/interface.h"
@@ -31,6 +32,7 @@ public:
 private:
     void start(const std::string& meshFile, const std::string& baseFolder);
 
+    Foundation mFoundation; ///< outlives all that is made of strings and pointers here
     Common::SharedPtr<Common::Callback::MemoryCallback> mMemory;
     const HeapMemoryCallback* mHeap = nullptr;
     MemoryFigures mLastFigures;

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "navmesh/navmeshcontainer.h"
+
+#include <functional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace ZUNO::Tools {
+
+/// A path to be drawn: where it was asked from and to, and its waypoints (none: not found).
+struct DrawnPath {
+    Common::Math::Vec3<float> mStart;
+    Common::Math::Vec3<float> mGoal;
+    std::vector<Common::Math::Vec3<float>> mWaypoints;
+    bool mIsFound = false;
+};
+
+/// A mesh seen from above, as an SVG picture: nodes by height and island, borders with and without
+/// neighbour, and whatever is added: blocked cells, paths. A legend explains what is there.
+class MeshPicture {
+public:
+    MeshPicture(const NavMesh::NavMeshContainer& mesh, const std::string& title);
+
+    /// Marks every cell of the mesh's cube size for which `isBlocked` holds at its centre (in
+    /// coordinates of the mesh's plane). Coarser squares are taken where there would be too many.
+    void addBlockedCells(const std::function<bool(const Common::Math::Vec2<float>&)>& isBlocked);
+    void addPath(const DrawnPath& path) { mPaths.push_back(path); }
+
+    void write(std::ostream& out) const;
+
+private:
+    using Point = Common::Math::Vec2<float>;
+    struct Square {
+        Point mCorner;
+        float mWidth;
+        float mHeight;
+    };
+
+    Point onPaper(const Common::Math::Vec3<float>& point) const;
+    Point onPaper(const Point& point) const;
+    float heightOf(const NavMesh::NavMeshContainer::NavNode& node) const;
+    std::string fillOf(std::size_t node) const;
+    void writeNodes(std::ostream& out) const;
+    void writeNode(std::ostream& out, std::size_t id) const;
+    void writeBlocked(std::ostream& out) const;
+    void writePaths(std::ostream& out) const;
+    void writeLegend(std::ostream& out) const;
+
+    const NavMesh::NavMeshContainer& mMesh;
+    std::string mTitle;
+    std::vector<unsigned int> mIslands;
+    std::vector<Square> mBlocked; ///< runs of blocked squares, on paper
+    std::vector<DrawnPath> mPaths;
+    Point mMin{0, 0};
+    float mScale = 1; ///< paper units per unit of the plane
+    float mWidth = 0;
+    float mHeight = 0;
+    float mLowest = 0;
+    float mHighest = 0;
+};
+
+} // namespace ZUNO::Tools
