@@ -24,15 +24,20 @@ Session::Session(const std::string& meshFile, const std::string& baseFolder) {
 }
 
 void Session::start(const std::string& meshFile, const std::string& baseFolder) {
-    auto* const files = baseFolder.empty() ? new StdioFileCallback : new StdioFileCallback(baseFolder);
+    auto* const files =
+        baseFolder.empty() ? new StdioFileCallback : new StdioFileCallback(baseFolder);
     const SharedPtr<Callback::FileIOCallback> fileIO(files);
     if (!Pathfinder::Interface::initWorldRepresentation(meshFile.c_str(), mMemory, fileIO, ""))
         throw std::runtime_error(meshFile + ": no usable navigation mesh");
 }
 
-Session::~Session() { close(); }
+Session::~Session() {
+    close();
+}
 
-const MemoryFigures& Session::memory() const { return mIsOpen ? mHeap->figures() : mLastFigures; }
+const MemoryFigures& Session::memory() const {
+    return mIsOpen ? mHeap->figures() : mLastFigures;
+}
 
 MemoryFigures Session::close() {
     if (!mIsOpen)

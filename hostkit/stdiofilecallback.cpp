@@ -19,12 +19,16 @@ constexpr std::int32_t otherError = -3;
 bool moveTo(std::FILE* file, std::int64_t offset, int origin) {
     return _fseeki64(file, offset, origin) == 0;
 }
-std::int64_t positionOf(std::FILE* file) { return _ftelli64(file); }
+std::int64_t positionOf(std::FILE* file) {
+    return _ftelli64(file);
+}
 #else
 bool moveTo(std::FILE* file, std::int64_t offset, int origin) {
     return fseeko(file, static_cast<off_t>(offset), origin) == 0;
 }
-std::int64_t positionOf(std::FILE* file) { return ftello(file); }
+std::int64_t positionOf(std::FILE* file) {
+    return ftello(file);
+}
 #endif
 
 std::int32_t resultOf(int error) {

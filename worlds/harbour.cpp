@@ -10,32 +10,19 @@ namespace {
 //   .  quay    g  park    w  pier    m  market, under the gallery    #  building
 //   ^  foot of a ramp (the ramp itself is added)    blank  water
 constexpr const char* ground[] = {
-    "..............................gggggggggggg",
-    "..............................gggggggggggg",
-    "..####..####..####..####......gggg##gggggg",
-    "..####..####..####..####......gggg##gggggg",
-    "..####..####..####..####......gggggggggggg",
-    "..............................gggggggggggg",
-    "..............................gggggg##gggg",
-    "..mmmmmmmmmmmmmmmmmmmmmm^^^^..gggggg##gggg",
-    "..mmmmmmmmmmmmmmmmmmmmmm^^^^..gggggggggggg",
-    "..mmmmmmmmmmmmmmmmmmmmmm..................",
-    "..mm##mm##mm##mm##mm##mm......####........",
-    "..mmmmmmmmmmmmmmmmmmmmmm......####....##..",
-    "..mmmmmmmmmmmmmmmmmmmmmm......####....##..",
-    "..^^..................................##..",
-    "..^^......................................",
-    "..^^...####...####...####.................",
-    "..^^...####...####...####.................",
-    "..........................................",
-    "..........................................",
-    "   ww        ww        ww        ww       ",
-    "   ww        ww        ww        ww       ",
-    "   ww        ww        ww        ww       ",
-    "   ww        wwwwwww   ww        wwwwwww  ",
-    "   ww        wwwwwww   ww        wwwwwww  ",
-    "   ww                  ww                 ",
-    "   ww                  ww                 ",
+    "..............................gggggggggggg", "..............................gggggggggggg",
+    "..####..####..####..####......gggg##gggggg", "..####..####..####..####......gggg##gggggg",
+    "..####..####..####..####......gggggggggggg", "..............................gggggggggggg",
+    "..............................gggggg##gggg", "..mmmmmmmmmmmmmmmmmmmmmm^^^^..gggggg##gggg",
+    "..mmmmmmmmmmmmmmmmmmmmmm^^^^..gggggggggggg", "..mmmmmmmmmmmmmmmmmmmmmm..................",
+    "..mm##mm##mm##mm##mm##mm......####........", "..mmmmmmmmmmmmmmmmmmmmmm......####....##..",
+    "..mmmmmmmmmmmmmmmmmmmmmm......####....##..", "..^^..................................##..",
+    "..^^......................................", "..^^...####...####...####.................",
+    "..^^...####...####...####.................", "..........................................",
+    "..........................................", "   ww        ww        ww        ww       ",
+    "   ww        ww        ww        ww       ", "   ww        ww        ww        ww       ",
+    "   ww        wwwwwww   ww        wwwwwww  ", "   ww        wwwwwww   ww        wwwwwww  ",
+    "   ww                  ww                 ", "   ww                  ww                 ",
 };
 constexpr int columns = 42;
 constexpr int rows = 26;
@@ -51,9 +38,13 @@ char at(int x, int z) {
 }
 
 /// Spreads small decisions over the map, the same ones every time.
-int pick(int x, int z, int among) { return (x * 7 + z * 13 + x * z) % among; }
+int pick(int x, int z, int among) {
+    return (x * 7 + z * 13 + x * z) % among;
+}
 
-int surfaceOf(char kind) { return kind == 'g' ? GRASS : (kind == 'w' ? WOOD : STONE); }
+int surfaceOf(char kind) {
+    return kind == 'g' ? GRASS : (kind == 'w' ? WOOD : STONE);
+}
 
 void addGroundSquare(MeshModel& mesh, int x, int z) {
     const char kind = at(x, z);
@@ -112,17 +103,16 @@ void addSquares(MeshModel& mesh, int left, int low, int right, int high, int hei
     };
     for (int z = low; z < high; ++z)
         for (int x = left; x < right; ++x)
-            mesh.addPolygon({corner(x, z), corner(x + 1, z), corner(x + 1, z + 1), corner(x, z + 1)},
-                            heightClass, WOOD);
+            mesh.addPolygon(
+                {corner(x, z), corner(x + 1, z), corner(x + 1, z + 1), corner(x, z + 1)},
+                heightClass, WOOD);
 }
 
 /// The gallery over the market, and its two ramps.
 void addGallery(MeshModel& mesh) {
     addSquares(mesh, 2, 7, 24, 13, OPEN_SKY, [](int, int) { return deckHeight; });
-    addSquares(mesh, 24, 7, 28, 9, SLOPE,
-               [](int x, int) { return deckHeight * (28 - x) / 4; });
-    addSquares(mesh, 2, 13, 4, 17, SLOPE,
-               [](int, int z) { return deckHeight * (17 - z) / 4; });
+    addSquares(mesh, 24, 7, 28, 9, SLOPE, [](int x, int) { return deckHeight * (28 - x) / 4; });
+    addSquares(mesh, 2, 13, 4, 17, SLOPE, [](int, int z) { return deckHeight * (17 - z) / 4; });
 }
 
 /// An island with a lighthouse: a ring of triangles and squares around an octagon.

@@ -26,9 +26,7 @@ std::string textOf(T number) {
 }
 
 std::string textOf(const MeshModel::Corner& corner) {
-    const auto number = [](int quarters) {
-        return textOf(static_cast<float>(quarters) * quarter);
-    };
+    const auto number = [](int quarters) { return textOf(static_cast<float>(quarters) * quarter); };
     return number(corner.mX) + '/' + number(corner.mY) + '/' + number(corner.mZ);
 }
 

@@ -11,7 +11,9 @@ namespace ZUNO::Common {
 
 namespace {
 
-const SharedPtr<Memory::Allocator>& stringAllocator() { return Memory::usable(gStringAllocator); }
+const SharedPtr<Memory::Allocator>& stringAllocator() {
+    return Memory::usable(gStringAllocator);
+}
 
 /// A number's digits, zero-terminated.
 struct Decimal {

@@ -64,7 +64,9 @@ private:
 
 using String = BasicString<char>;
 
-inline String operator+(const char* text, const String& string) { return String(text) + string; }
+inline String operator+(const char* text, const String& string) {
+    return String(text) + string;
+}
 
 std::ostream& operator<<(std::ostream& stream, const String& string);
 

@@ -58,7 +58,7 @@ bool start(const SharedPtr<Callback::MemoryCallback>& cbMemory) {
         return true;
     } catch (const Exceptions::Exception* shortage) {
         delete shortage; // it may live in the allocators that are about to go
-    } catch (...) { // the process heap has nothing either
+    } catch (...) {      // the process heap has nothing either
     }
     return false;
 }
@@ -93,10 +93,16 @@ void closeLibrary() {
     gAllocator = nullptr;
 }
 
-const SharedPtr<Memory::Allocator>& getAllocator() { return gAllocator; }
+const SharedPtr<Memory::Allocator>& getAllocator() {
+    return gAllocator;
+}
 
-bool isLibraryRunning() { return gAllocator != nullptr; }
+bool isLibraryRunning() {
+    return gAllocator != nullptr;
+}
 
-Debug::LogReporter* getLogReporter() { return theReporter; }
+Debug::LogReporter* getLogReporter() {
+    return theReporter;
+}
 
 } // namespace ZUNO::Common

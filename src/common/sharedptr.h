@@ -34,13 +34,11 @@ public:
     explicit SharedPtr(T* ptr) : mPtr(nullptr) { own(ptr); }
 
     SharedPtr(const SharedPtr& other) : mPtr(nullptr) { share(other); }
-    SharedPtr(SharedPtr&& other) noexcept : CP<T>(other), mPtr(other.mPtr) {
-        other.mPtr = nullptr;
-    }
+    SharedPtr(SharedPtr&& other) noexcept : CP<T>(other), mPtr(other.mPtr) { other.mPtr = nullptr; }
 
     /// Shares the object of a pointer to a derived class.
     template <typename Derived>
-        requires std::is_convertible_v<Derived*, T*>
+    requires std::is_convertible_v<Derived*, T*>
     SharedPtr(const SharedPtr<Derived, CP, ObjectPolicy>& other) : mPtr(nullptr) {
         share(other);
     }

@@ -35,7 +35,9 @@ public:
 
     void getOutEdges(Common::Astar::EdgeList& edges, std::uint32_t node) override;
     std::uint32_t getEdgeEndNode(std::uint32_t edge) override;
-    std::uint32_t getEdgeStartNode(std::uint32_t edge) override { return NavMeshEdge::nodeOf(edge); }
+    std::uint32_t getEdgeStartNode(std::uint32_t edge) override {
+        return NavMeshEdge::nodeOf(edge);
+    }
     std::uint32_t getNodeCount() override {
         return static_cast<std::uint32_t>(mNavMesh->mNodes.size());
     }
@@ -48,7 +50,8 @@ private:
 /// centres of the start node (where a path leaves it) and of the goal node (where it enters).
 struct SearchEnds {
     /// The vector's length from what stands for `fromNode` to what stands for `toNode`.
-    float distance(const NavMeshContainer& mesh, std::uint32_t fromNode, std::uint32_t toNode) const;
+    float distance(const NavMeshContainer& mesh, std::uint32_t fromNode,
+                   std::uint32_t toNode) const;
 
     Common::Math::Vec3<float> mStartPos;
     Common::Math::Vec3<float> mGoalPos;

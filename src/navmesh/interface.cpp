@@ -99,6 +99,8 @@ SharedPtr<NavMeshOptimizer> getNavMeshOptimizer() {
     return g.gNavOptimizer;
 }
 
-const SharedPtr<Memory::Allocator>& getAllocator() { return g.gNavAllocator; }
+const SharedPtr<Memory::Allocator>& getAllocator() {
+    return g.gNavAllocator;
+}
 
 } // namespace ZUNO::NavMesh

@@ -121,7 +121,8 @@ NavMeshContainer::findCharacterByName(const Common::String& name) const {
 
 const NavMeshContainer::CharacterInfo*
 NavMeshContainer::findCharacterByUserID(std::int64_t userID) const {
-    return findFirst(mCharacters, [&](const CharacterInfo& info) { return info.mUserID == userID; });
+    return findFirst(mCharacters,
+                     [&](const CharacterInfo& info) { return info.mUserID == userID; });
 }
 
 const NavMeshContainer::SurfaceType*
@@ -129,8 +130,7 @@ NavMeshContainer::findSurfaceTypeByName(const Common::String& name) const {
     return findFirst(mSurfaceTypes, [&](const SurfaceType& type) { return type.mName == name; });
 }
 
-const NavMeshContainer::SurfaceType*
-NavMeshContainer::findSurfaceTypeByID(std::uint16_t id) const {
+const NavMeshContainer::SurfaceType* NavMeshContainer::findSurfaceTypeByID(std::uint16_t id) const {
     return findFirst(mSurfaceTypes, [&](const SurfaceType& type) { return type.mID == id; });
 }
 
@@ -144,10 +144,9 @@ NavMeshContainer::getCharactersForHeightClass(std::uint32_t heightClass) const {
 }
 
 std::uint32_t NavMeshContainer::getMemoryUsage() const {
-    std::size_t bytes = sizeof(*this) + mVertices.size() * sizeof(Vec3<float>) +
-                        mHeights.size() * sizeof(float) +
-                        mCharacters.size() * sizeof(CharacterInfo) +
-                        mSurfaceTypes.size() * sizeof(SurfaceType);
+    std::size_t bytes =
+        sizeof(*this) + mVertices.size() * sizeof(Vec3<float>) + mHeights.size() * sizeof(float) +
+        mCharacters.size() * sizeof(CharacterInfo) + mSurfaceTypes.size() * sizeof(SurfaceType);
     for (const NavNode& node : mNodes)
         bytes += sizeof(NavNode) + 4 * (node.mPolygon.size() + node.mNeighbours.size());
     return static_cast<std::uint32_t>(bytes);

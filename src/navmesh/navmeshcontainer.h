@@ -75,7 +75,9 @@ public:
     float getDistanceToBorder(const Point3& point, std::int32_t nodeID) const;
 
     /// The point's coordinates in the plane of the two axes.
-    Point2 projectToPlane(const Point3& point) const { return {dot(point, mXAxis), dot(point, mYAxis)}; }
+    Point2 projectToPlane(const Point3& point) const {
+        return {dot(point, mXAxis), dot(point, mYAxis)};
+    }
 
     /// Empties nodes, vertices and heights; the rest stays.
     void clearGeometry();
@@ -100,8 +102,8 @@ public:
 
     Vector<Point3> mVertices;
     Vector<NavNode> mNodes;
-    Vector<float> mHeights; ///< per class: how far above a node's plane one still stands on it
-    Point3 mNormal{0, 0, 0};  ///< up
+    Vector<float> mHeights;  ///< per class: how far above a node's plane one still stands on it
+    Point3 mNormal{0, 0, 0}; ///< up
     Point3 mXAxis{0, 0, 0};
     Point3 mYAxis{0, 0, 0};
     float mCubeSize = 0;
@@ -119,8 +121,7 @@ private:
 
 /// Whether a point lies in a convex polygon, both seen along two axes. Points on the border do.
 /// The polygon runs counter-clockwise in the plane of the axes, or clockwise as the flag says.
-bool isPointInConvexPolygon2D(const Common::Math::Vec3<float>& point,
-                              const NavMeshContainer& mesh,
+bool isPointInConvexPolygon2D(const Common::Math::Vec3<float>& point, const NavMeshContainer& mesh,
                               const NavMeshContainer::Vector<std::uint32_t>& polygon,
                               bool isClockwise, const Common::Math::Vec3<float>& firstAxis,
                               const Common::Math::Vec3<float>& secondAxis);

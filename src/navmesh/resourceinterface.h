@@ -18,7 +18,8 @@ public:
         return Common::Callback::openStream(mAllocator, mFileIO, fileName,
                                             Common::IO::FACCESS_READ);
     }
-    Common::SharedPtr<Common::IO::Stream> openReadWriteStream(const Common::String& fileName) const {
+    Common::SharedPtr<Common::IO::Stream>
+    openReadWriteStream(const Common::String& fileName) const {
         return Common::Callback::openStream(mAllocator, mFileIO, fileName,
                                             Common::IO::FACCESS_READWRITE);
     }

@@ -30,7 +30,9 @@ NavMeshInstance* findWorld() {
 
 } // namespace
 
-Interface& Interface::operator=(const Interface&) { return *this; } // NOLINT: nothing to copy
+Interface& Interface::operator=(const Interface&) {
+    return *this;
+} // NOLINT: nothing to copy
 
 bool Interface::initWorldRepresentation(const BasicString<char>& navMeshFile,
                                         const SharedPtr<Callback::MemoryCallback>& cbMemory,
@@ -47,8 +49,8 @@ bool Interface::initWorldRepresentation(const BasicString<char>& navMeshFile,
         return false;
     }
     if (!world->loadNavMesh(navMeshFile)) {
-        ZUNO_REPORT("false", "Cannot initialise the world representation, error in file: "
-                                 << navMeshFile);
+        ZUNO_REPORT("false",
+                    "Cannot initialise the world representation, error in file: " << navMeshFile);
         return false;
     }
     if (blockingMapFile.isEmpty())

@@ -2,6 +2,7 @@
 
 #include "common/debug/logreporter.h"
 #include "common/interface.h"
+#include "navmesh/interface.h"
 #include "navmesh/meshdefects.h"
 #include "navmesh/navmeshfiles.h"
 #include "pathfinder/raytracer/blockingmapraytracer.h"
@@ -33,9 +34,10 @@ bool isFitForWorld(const NavMeshContainer& mesh) {
 
 void warnOfSingularPlane() {
     if (Common::Debug::LogReporter* const log = Common::getLogReporter(); log != nullptr)
-        log->log(Common::Debug::Warning,
-                 "The mesh's plane axes are parallel seen from above: there is no bounding rectangle",
-                 "ZUNO::Pathfinder::NavMeshInstance::loadNavMesh", __FILE__, __LINE__);
+        log->log(
+            Common::Debug::Warning,
+            "The mesh's plane axes are parallel seen from above: there is no bounding rectangle",
+            "ZUNO::Pathfinder::NavMeshInstance::loadNavMesh", __FILE__, __LINE__);
 }
 
 } // namespace
@@ -54,9 +56,11 @@ bool NavMeshInstance::loadNavMesh(const String& fileName) {
         ZUNO_REPORT("false", "cannot load mediagraph from file: " << fileName);
         return false;
     }
+    NavMesh::getAllocator()->compact(); // the document's tree was larger than the mesh
     mAStarMap = Common::Memory::createObject<NavMesh::AStarMapNavMesh>(mAllocator, mesh);
     mNavMesh = mesh;
-    mPlaneTransform = makePlaneTransform(mesh->mXAxis, mesh->mYAxis, mesh->mNormal.getDominantAxis());
+    mPlaneTransform =
+        makePlaneTransform(mesh->mXAxis, mesh->mYAxis, mesh->mNormal.getDominantAxis());
     mInversePlaneTransform = invert(mPlaneTransform);
     if (mPlaneTransform.determinant() == 0)
         warnOfSingularPlane();
@@ -80,8 +84,8 @@ void NavMeshInstance::initRayTracer(const String& fileName, bool loadFromFile) {
         Common::Memory::destroyObject(mAllocator, mRayTracer);
         mRayTracer = nullptr;
     }
-    mRayTracer = Common::Memory::createObject<BlockingMapRayTracer>(mAllocator, mNavMesh, mAllocator,
-                                                                    fileName, loadFromFile);
+    mRayTracer = Common::Memory::createObject<BlockingMapRayTracer>(
+        mAllocator, mNavMesh, mAllocator, fileName, loadFromFile);
 }
 
 Raytracer::RayTracer* NavMeshInstance::findRayTracer() const {
@@ -128,7 +132,9 @@ float NavMeshInstance::trace(const Vec2& start, const Vec2& end) const {
     return ray.mHitDistance;
 }
 
-void NavMeshInstance::traceRay(Ray2D& ray) { ray.mHitDistance = trace(ray.mStart, ray.mEnd); }
+void NavMeshInstance::traceRay(Ray2D& ray) {
+    ray.mHitDistance = trace(ray.mStart, ray.mEnd);
+}
 
 void NavMeshInstance::traceRay(Ray3D& ray) {
     const unsigned int up = mNavMesh != nullptr ? mNavMesh->mNormal.getDominantAxis() : 0;

@@ -10,9 +10,9 @@ struct PathSearch {
         : mPath(allocator), mAllocator(allocator) {}
 
     Common::Astar::AStar* mAStar = nullptr;
-    Common::Astar::EdgeList mPath;     ///< filled when the first waypoint is asked for
-    std::int32_t mNextWaypoint = -1;   ///< the next edge to deliver; -1: no path read yet
-    float mCost = 0;                   ///< 0 until the path is read
+    Common::Astar::EdgeList mPath;   ///< filled when the first waypoint is asked for
+    std::int32_t mNextWaypoint = -1; ///< the next edge to deliver; -1: no path read yet
+    float mCost = 0;                 ///< 0 until the path is read
     std::int32_t mState = Common::Astar::SEARCH_RUNNING; ///< the last SearchResult
     Common::SharedPtr<Common::Memory::Allocator> mAllocator;
 };

@@ -19,7 +19,8 @@ public:
     Common::SharedPtr<Common::IO::Stream> openReadStream(const Common::String& fileName) const {
         return openStream(fileName, Common::IO::FACCESS_READ);
     }
-    Common::SharedPtr<Common::IO::Stream> openReadWriteStream(const Common::String& fileName) const {
+    Common::SharedPtr<Common::IO::Stream>
+    openReadWriteStream(const Common::String& fileName) const {
         return openStream(fileName, Common::IO::FACCESS_READWRITE);
     }
     Common::SharedPtr<Common::IO::Stream> openWriteStream(const Common::String& fileName) const {

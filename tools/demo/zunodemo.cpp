@@ -34,14 +34,21 @@ struct Character {
     float mCost = 0;
 };
 
-/// Points on random nodes, and now and then one that lies on none.
+/// Points on random nodes; now and then one on an island apart, or on no node at all.
 class PointPicker {
 public:
     PointPicker(const ZUNO::NavMesh::NavMeshContainer& mesh, unsigned int seed)
-        : mMesh(mesh), mRandom(seed) {}
+        : mMesh(mesh), mRandom(seed) {
+        const std::vector<unsigned int> islands = ZUNO::Tools::findIslands(mesh);
+        for (std::size_t id = 0; id < islands.size(); ++id)
+            if (islands[id] != 0)
+                mRemote.push_back(static_cast<std::int32_t>(id));
+    }
 
     Vec3<float> pick() {
-        const auto id = static_cast<std::int32_t>(mRandom() % mMesh.mNodes.size());
+        auto id = static_cast<std::int32_t>(mRandom() % mMesh.mNodes.size());
+        if (!mRemote.empty() && mRandom() % 40 == 0)
+            id = mRemote[mRandom() % mRemote.size()];
         Vec3<float> point = mMesh.getNodeCenter(id);
         if (mRandom() % 60 == 0)
             point = point + Vec3<float>(0, 1000, 0);
@@ -51,6 +58,7 @@ public:
 private:
     const ZUNO::NavMesh::NavMeshContainer& mMesh;
     std::mt19937 mRandom;
+    std::vector<std::int32_t> mRemote; ///< nodes apart from the largest island
 };
 
 std::vector<Character> openSearches(PointPicker& points, unsigned int count) {

@@ -72,7 +72,9 @@ void LoadedMesh::close() {
     NavMesh::closeLibrary();
 }
 
-LoadedMesh::~LoadedMesh() { close(); }
+LoadedMesh::~LoadedMesh() {
+    close();
+}
 
 std::vector<unsigned int> findIslands(const NavMesh::NavMeshContainer& mesh) {
     const std::size_t count = mesh.mNodes.size();
@@ -92,7 +94,8 @@ std::vector<unsigned int> findIslands(const NavMesh::NavMeshContainer& mesh) {
         ++size[leaderOf(id)];
     std::vector<unsigned int> order(count);
     std::iota(order.begin(), order.end(), 0U);
-    std::ranges::stable_sort(order, [&](unsigned int a, unsigned int b) { return size[a] > size[b]; });
+    std::ranges::stable_sort(order,
+                             [&](unsigned int a, unsigned int b) { return size[a] > size[b]; });
     std::vector<unsigned int> rank(count);
     for (unsigned int i = 0; i < count; ++i)
         rank[order[i]] = i;

@@ -30,7 +30,8 @@ std::string hex(const Colour& from, const Colour& to, float share) {
     std::string text = "#";
     constexpr char digits[] = "0123456789abcdef";
     for (std::size_t i = 0; i < 3; ++i) {
-        const float mixed = static_cast<float>(from[i]) + share * static_cast<float>(to[i] - from[i]);
+        const float mixed =
+            static_cast<float>(from[i]) + share * static_cast<float>(to[i] - from[i]);
         const auto value = static_cast<unsigned int>(std::clamp(mixed, 0.0F, 255.0F));
         text += digits[value / 16];
         text += digits[value % 16];
@@ -166,8 +167,8 @@ void MeshPicture::writePaths(std::ostream& out) const {
         const Point start = onPaper(path.mStart);
         const Point goal = onPaper(path.mGoal);
         if (path.mIsFound) {
-            out << "<polyline class=\"path\" stroke=\"" << colour << "\" points=\"" << start.mX << ','
-                << start.mY << ' ';
+            out << "<polyline class=\"path\" stroke=\"" << colour << "\" points=\"" << start.mX
+                << ',' << start.mY << ' ';
             for (const auto& waypoint : path.mWaypoints) {
                 const Point p = onPaper(waypoint);
                 out << p.mX << ',' << p.mY << ' ';
@@ -221,8 +222,9 @@ void MeshPicture::write(std::ostream& out) const {
     const float width = mWidth + 2 * margin + legendWidth;
     const float height = std::max(mHeight + header + margin, 400.0F);
     out.imbue(std::locale::classic());
-    out << std::fixed << std::setprecision(1) << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\""
-        << width << "\" height=\"" << height << "\" font-family=\"sans-serif\" font-size=\"14\">\n"
+    out << std::fixed << std::setprecision(1)
+        << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << width << "\" height=\"" << height
+        << "\" font-family=\"sans-serif\" font-size=\"14\">\n"
         << "<style>.node polygon{stroke:#fff;stroke-width:1}"
            ".upper polygon{stroke:#fff;stroke-width:1;fill-opacity:.82}"
            ".wall{stroke:#4e4a42;stroke-width:2;stroke-linecap:round}"

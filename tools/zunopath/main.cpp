@@ -1,1 +1,253 @@
-int main() {}
+// The command for people: asks a mesh what a host would ask, through the same exports.
+#include "hostkit/session.h"
+#include "tools/picture/loadedmesh.h"
+#include "tools/zunopath/query.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <sstream>
+
+namespace ZUNO::Tools {
+namespace {
+
+struct Options {
+    std::string mMesh;
+    bool mIsJson = false;
+    std::string mFrom;
+    std::string mTo;
+    std::string mAt;
+    unsigned int mBudget = 0;
+    std::string mScript = "-";
+    std::string mPicture;
+    std::vector<std::string> mPaths;
+    bool mShowsBlocked = false;
+};
+
+/// The mesh, looked over for errors that deserve one clear line, and then the world over it.
+class World {
+public:
+    explicit World(const std::string& file) : mMesh(file), mSession(file) {}
+    const NavMesh::NavMeshContainer& mesh() const { return *mMesh; }
+    const HostKit::Session& session() const { return mSession; }
+
+private:
+    LoadedMesh mMesh;
+    HostKit::Session mSession;
+};
+
+ExitStatus show(const Answer& answer, bool isJson) {
+    std::cout << (isJson ? answer.mJson.dump() : answer.mText) << '\n';
+    return answer.mStatus;
+}
+
+ExitStatus runQuery(const Options& options, const std::vector<std::string>& words) {
+    const Query query = parseQuery(words);
+    const World world(options.mMesh);
+    return show(ask(query), options.mIsJson);
+}
+
+ExitStatus runScript(const Options& options) {
+    const bool isStandardInput = options.mScript == "-";
+    std::ifstream file;
+    if (!isStandardInput) {
+        file.open(options.mScript);
+        if (!file)
+            throw std::runtime_error(options.mScript + ": cannot be opened; expected a script");
+    }
+    const World world(options.mMesh);
+    std::istream& in = isStandardInput ? std::cin : file;
+    ExitStatus status = STATUS_OK;
+    std::string line;
+    for (unsigned int number = 1; std::getline(in, line); ++number) {
+        std::istringstream stream(line.substr(0, line.find('#')));
+        std::vector<std::string> words;
+        for (std::string word; stream >> word;)
+            words.push_back(word);
+        if (words.empty())
+            continue;
+        try {
+            if (show(ask(parseQuery(words)), options.mIsJson) == STATUS_NOTHING)
+                status = STATUS_NOTHING;
+        } catch (const std::invalid_argument& error) {
+            throw std::runtime_error((isStandardInput ? "standard input" : options.mScript) + ":" +
+                                     std::to_string(number) + ": " + error.what());
+        }
+    }
+    return status;
+}
+
+ExitStatus draw(const Options& options) {
+    std::vector<Query> queries;
+    for (std::size_t i = 0; i + 1 < options.mPaths.size(); i += 2)
+        queries.push_back(parseQuery({"path", options.mPaths[i], options.mPaths[i + 1]}));
+    const World world(options.mMesh);
+    MeshPicture picture(world.mesh(), options.mMesh);
+    // the picture lies in the mesh's plane; a host's position is what maps there
+    if (options.mShowsBlocked) {
+        const unsigned int up = world.mesh().mNormal.getDominantAxis();
+        const auto& x = world.mesh().mXAxis;
+        const auto& y = world.mesh().mYAxis;
+        picture.addBlockedCells([&](const Common::Math::Vec2<float>& p) {
+            const Common::Math::Vec3<float> position(
+                x.mX * p.mX + y.mX * p.mY, x.mY * p.mX + y.mY * p.mY, x.mZ * p.mX + y.mZ * p.mY);
+            return Pathfinder::Interface::isBlocked(position.killComponent(up));
+        });
+    }
+    ExitStatus status = STATUS_OK;
+    for (const Query& query : queries) {
+        const Answer answer = ask(query);
+        status = std::max(status, answer.mStatus);
+        picture.addPath(answer.mPath);
+    }
+    std::ofstream out(options.mPicture);
+    picture.write(out);
+    if (!out.flush())
+        throw std::runtime_error(options.mPicture + ": cannot be written");
+    return status;
+}
+
+ExitStatus showInfo(const Options& options) {
+    const World world(options.mMesh);
+    const NavMesh::NavMeshContainer& mesh = world.mesh();
+    std::size_t borders = 0;
+    std::size_t links = 0;
+    std::map<std::int32_t, unsigned int> classes;
+    for (const auto& node : mesh.mNodes) {
+        borders += node.mPolygon.size();
+        links += static_cast<std::size_t>(
+            std::ranges::count_if(node.mNeighbours, [](std::int32_t id) { return id >= 0; }));
+        ++classes[node.mHeightClass];
+    }
+    const std::vector<unsigned int> islands = findIslands(mesh);
+    std::map<unsigned int, unsigned int> islandSizes;
+    for (const unsigned int island : islands)
+        ++islandSizes[island];
+    const Answer bounds = ask({});
+    nlohmann::ordered_json json = {{"mesh", options.mMesh},
+                                   {"nodes", mesh.mNodes.size()},
+                                   {"vertices", mesh.mVertices.size()},
+                                   {"borders", borders},
+                                   {"links", links},
+                                   {"cubesize", mesh.mCubeSize},
+                                   {"bounds", {bounds.mJson["min"], bounds.mJson["max"]}}};
+    for (const auto& [number, count] : classes)
+        json["heightclasses"].push_back(
+            {{"class", number},
+             {"height", mesh.mHeights[static_cast<std::size_t>(number)]},
+             {"nodes", count}});
+    for (const auto& [number, size] : islandSizes)
+        json["islands"].push_back(size);
+    for (const auto& info : mesh.mCharacters)
+        json["characters"].push_back(info.mName.getConstCharPtr());
+    for (const auto& type : mesh.mSurfaceTypes)
+        json["surfacetypes"].push_back(type.mName.getConstCharPtr());
+    json["memory"] = {{"mesh", mesh.getMemoryUsage()},
+                      {"world", world.session().memory().mBytes},
+                      {"peak", world.session().memory().mPeakBytes}};
+    if (options.mIsJson) {
+        std::cout << json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
+                  << '\n';
+        return STATUS_OK;
+    }
+    for (const auto& [key, value] : json.items())
+        std::cout << key << std::string(15 - key.size(), ' ')
+                  << (value.is_string()
+                          ? value.get<std::string>()
+                          : value.dump(-1, ' ', false,
+                                       nlohmann::ordered_json::error_handler_t::replace))
+                  << '\n';
+    return STATUS_OK;
+}
+
+int run(int argc, char** argv) {
+    Options options;
+    ExitStatus status = STATUS_OK;
+    CLI::App app{"Asks a navigation mesh for paths, rays, heights and pictures."};
+    app.require_subcommand(1);
+    app.footer("Exit status: 0 success, 1 no path or no node there, 2 error.");
+    const auto command = [&](const char* name, const char* description, auto action) {
+        CLI::App* const sub = app.add_subcommand(name, description);
+        sub->add_option("mesh", options.mMesh, "the mesh file")->required();
+        sub->callback([&status, action] { status = action(); });
+        return sub;
+    };
+    const auto withJson = [&](CLI::App* sub) {
+        sub->add_flag("--json", options.mIsJson, "answer in JSON, one line an answer");
+        return sub;
+    };
+
+    withJson(command("info", "Tell what is in a mesh", [&] { return showInfo(options); }));
+
+    CLI::App* const path = withJson(command("path", "Search a path", [&] {
+        std::vector<std::string> words{"path", options.mFrom, options.mTo};
+        if (options.mBudget != 0)
+            words.push_back(std::to_string(options.mBudget));
+        return runQuery(options, words);
+    }));
+    path->add_option("--from", options.mFrom, "the start: x,y,z")->required();
+    path->add_option("--to", options.mTo, "the goal: x,y,z")->required();
+    path->add_option("--budget", options.mBudget, "expansions per call (default: no limit)")
+        ->check(CLI::PositiveNumber);
+
+    CLI::App* const ray = withJson(command("ray", "Trace a ray against the blocking map", [&] {
+        return runQuery(options, {"ray", options.mFrom, options.mTo});
+    }));
+    ray->add_option("--from", options.mFrom, "where it begins: x,y (without up) or x,y,z")
+        ->required();
+    ray->add_option("--to", options.mTo, "where it ends, likewise")->required();
+
+    CLI::App* const blocked =
+        withJson(command("blocked", "Tell whether a position is blocked", [&] {
+            return runQuery(options, {"blocked", options.mAt});
+        }));
+    blocked->add_option("--at", options.mAt, "the position without up: x,y")->required();
+
+    CLI::App* const height = withJson(command("height", "Tell the height of the ground", [&] {
+        return runQuery(options, {"height", options.mAt});
+    }));
+    height->add_option("--at", options.mAt, "the position without up: x,y")->required();
+
+    withJson(command("bounds", "Tell the world's bounding rectangle",
+                     [&] { return runQuery(options, {"bounds"}); }));
+
+    CLI::App* const script = withJson(command("run", "Answer the queries of a script, one a line",
+                                              [&] { return runScript(options); }));
+    script->add_option("script", options.mScript, "the script; - is standard input")
+        ->capture_default_str();
+    script->footer("Queries: path X,Y,Z X,Y,Z [BUDGET]; ray X,Y X,Y; ray X,Y,Z X,Y,Z;\n"
+                   "blocked X,Y; height X,Y; bounds. What follows a # is a comment.");
+
+    CLI::App* const drawing =
+        command("draw", "Draw a mesh as an SVG picture", [&] { return draw(options); });
+    drawing->add_option("picture", options.mPicture, "the file to write")->required();
+    drawing
+        ->add_option("--path", options.mPaths,
+                     "a path to draw, with its start and goal: x,y,z x,y,z")
+        ->type_size(2)
+        ->allow_extra_args();
+    drawing->add_flag("--blocked", options.mShowsBlocked, "mark what is blocked");
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? STATUS_OK : STATUS_ERROR;
+    }
+    return status;
+}
+
+} // namespace
+} // namespace ZUNO::Tools
+
+int main(int argc, char** argv) {
+    try {
+        return ZUNO::Tools::run(argc, argv);
+    } catch (ZUNO::Common::Exceptions::Exception* exception) {
+        std::cerr << "zunopath: " << ZUNO::HostKit::takeMessage(exception) << '\n';
+    } catch (const std::exception& error) {
+        std::cerr << "zunopath: " << error.what() << '\n';
+    }
+    return ZUNO::Tools::STATUS_ERROR;
+}

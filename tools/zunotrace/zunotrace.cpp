@@ -15,7 +15,9 @@ namespace {
 
 volatile std::sig_atomic_t gIsInterrupted = 0;
 
-void interrupt(int) { gIsInterrupted = 1; }
+void interrupt(int) {
+    gIsInterrupted = 1;
+}
 
 /// The payload as a text, without its zero.
 std::string textOf(const std::byte* bytes, std::size_t length) {

@@ -6,7 +6,9 @@
 
 namespace ZUNO::Common::Astar {
 
-bool ASGoalBase::isGoal(AStarNode* record) { return mStorage->getNodeOfRecord(record) == mGoalNode; }
+bool ASGoalBase::isGoal(AStarNode* record) {
+    return mStorage->getNodeOfRecord(record) == mGoalNode;
+}
 
 float ASGoalBase::getPath(EdgeList& edges) {
     const AStarNode* record = mStorage->peekBest();

@@ -11,8 +11,8 @@ void AStarOpenList::push(AStarNode* record) {
         return;
     }
     // behind all records of the same cost
-    const auto place = std::ranges::find_if(
-        mSorted, [&](const AStarNode* other) { return less(record, other); });
+    const auto place =
+        std::ranges::find_if(mSorted, [&](const AStarNode* other) { return less(record, other); });
     mSorted.insert(place, record);
 }
 

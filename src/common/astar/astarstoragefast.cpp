@@ -45,7 +45,9 @@ AStarNode* AStarStorageFast::popBest() {
     return best;
 }
 
-AStarNode* AStarStorageFast::peekBest() { return mOpenList.empty() ? nullptr : mOpenList.top(); }
+AStarNode* AStarStorageFast::peekBest() {
+    return mOpenList.empty() ? nullptr : mOpenList.top();
+}
 
 void AStarStorageFast::addOpen(std::uint32_t edge, std::uint32_t node, float g, float h) {
     AStarNode& record = mRecords[node];
@@ -54,7 +56,9 @@ void AStarStorageFast::addOpen(std::uint32_t edge, std::uint32_t node, float g, 
     setState(node, OPEN);
 }
 
-void AStarStorageFast::closeNode(AStarNode* record) { setState(getNodeOfRecord(record), CLOSED); }
+void AStarStorageFast::closeNode(AStarNode* record) {
+    setState(getNodeOfRecord(record), CLOSED);
+}
 
 void AStarStorageFast::reopenBest(AStarNode* record) {
     mOpenList.pushFront(record);
@@ -110,7 +114,8 @@ AStarNode* AStarStorageFast::getRecordOfNode(std::uint32_t node) {
 void AStarStorageFast::setState(std::uint32_t node, State state) {
     const unsigned int shift = node % 4 * 2;
     const unsigned int others = mStates[node / 4] & ~(3U << shift);
-    mStates[node / 4] = static_cast<std::uint8_t>(others | static_cast<unsigned int>(state) << shift);
+    mStates[node / 4] =
+        static_cast<std::uint8_t>(others | static_cast<unsigned int>(state) << shift);
 }
 
 } // namespace ZUNO::Common::Astar

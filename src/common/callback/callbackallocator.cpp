@@ -7,8 +7,7 @@ namespace ZUNO::Common::Callback {
 
 using Pending = Memory::PendingHandles<SharedPtr<MemoryCallback>>;
 
-CallbackAllocator::CallbackAllocator()
-    : Allocator("Callback"), mCallback(Pending::take(this)) {}
+CallbackAllocator::CallbackAllocator() : Allocator("Callback"), mCallback(Pending::take(this)) {}
 
 CallbackAllocator::~CallbackAllocator() {
     ZUNO_CHECK_AS(CallbackAllocator::isClean(), "isClean()",

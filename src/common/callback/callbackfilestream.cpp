@@ -14,7 +14,9 @@ CallbackFileStream::CallbackFileStream(const SharedPtr<FileIOCallback>& fileIO) 
         mHandle = mFileIO->getInvalidHandle();
 }
 
-CallbackFileStream::~CallbackFileStream() { CallbackFileStream::close(); }
+CallbackFileStream::~CallbackFileStream() {
+    CallbackFileStream::close();
+}
 
 bool CallbackFileStream::canRead() {
     return !isClosed() && (mMode == IO::FACCESS_READ || mMode == IO::FACCESS_READWRITE ||
@@ -25,7 +27,9 @@ bool CallbackFileStream::canWrite() {
     return !isClosed() && (mMode == IO::FACCESS_READWRITE || mMode == IO::FACCESS_WRITE);
 }
 
-bool CallbackFileStream::canSeek() { return !isClosed(); }
+bool CallbackFileStream::canSeek() {
+    return !isClosed();
+}
 
 bool CallbackFileStream::isClosed() {
     return mFileIO == nullptr || !mFileIO->isValidHandle(mHandle);
@@ -70,8 +74,7 @@ void CallbackFileStream::write(const void* srcBuffer, std::uint64_t numBytes) {
     if (static_cast<std::uint32_t>(written) == length)
         return;
     if (written == FILE_DISK_FULL)
-        throw new IO::OutOfSpaceException(
-            "CallbackFileStream: Cannot write to file, disk full.");
+        throw new IO::OutOfSpaceException("CallbackFileStream: Cannot write to file, disk full.");
     ZUNO_REPORT("", "Internal error: Unhandeled error condition during write.");
 }
 

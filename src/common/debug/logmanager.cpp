@@ -6,10 +6,9 @@ namespace ZUNO::Common::Debug {
 
 LogManager::LogManager()
     : mOwnReporter(Memory::createObject<LogReporter>(mAllocator, "LogManager", this)),
-      mRegistry(mAllocator),
-      mDispatchers{{DispatcherList(mAllocator), DispatcherList(mAllocator),
-                    DispatcherList(mAllocator), DispatcherList(mAllocator),
-                    DispatcherList(mAllocator)}} {}
+      mRegistry(mAllocator), mDispatchers{{DispatcherList(mAllocator), DispatcherList(mAllocator),
+                                           DispatcherList(mAllocator), DispatcherList(mAllocator),
+                                           DispatcherList(mAllocator)}} {}
 
 LogManager::~LogManager() {
     for (const auto& [name, reporter] : mRegistry)

@@ -42,9 +42,8 @@ public:
 
 private:
     using DispatcherList = std::list<LogDispatcher*, Memory::STLAllocator<LogDispatcher*>>;
-    using Registry =
-        std::map<String, LogReporter*, std::less<String>,
-                 Memory::STLAllocator<std::pair<const String, LogReporter*>>>;
+    using Registry = std::map<String, LogReporter*, std::less<String>,
+                              Memory::STLAllocator<std::pair<const String, LogReporter*>>>;
 
     LogReporter* mOwnReporter;
     Registry mRegistry;

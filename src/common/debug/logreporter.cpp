@@ -34,9 +34,13 @@ void enable(std::uint32_t& mask, std::uint32_t bits, bool on) {
 LogReporter::LogReporter(const String& name, LogManager* manager)
     : mName(name, gDebugAllocator), mManager(manager) {}
 
-void LogReporter::enableLogTypes(std::uint32_t mask, bool on) { enable(mLogMask, mask, on); }
+void LogReporter::enableLogTypes(std::uint32_t mask, bool on) {
+    enable(mLogMask, mask, on);
+}
 
-void LogReporter::enableBreakTypes(std::uint32_t mask, bool on) { enable(mBreakMask, mask, on); }
+void LogReporter::enableBreakTypes(std::uint32_t mask, bool on) {
+    enable(mBreakMask, mask, on);
+}
 
 void LogReporter::log(std::uint32_t type, const String& message, const String& function,
                       const String& file, std::uint32_t line) {
@@ -45,8 +49,8 @@ void LogReporter::log(std::uint32_t type, const String& message, const String& f
     mManager->dispatch(this, {type, message, mName, function, file, line});
     if ((type & mBreakMask) != 0) {
         // the text of a log break brings its own "Error Message: "
-        ZUNO_REPORT("", "\nError Message: " << message << "\nLogBreak ErrorType: "
-                                            << typeName(type) << "\nInstance: " << mName);
+        ZUNO_REPORT("", "\nError Message: " << message << "\nLogBreak ErrorType: " << typeName(type)
+                                            << "\nInstance: " << mName);
     }
 }
 

@@ -9,8 +9,7 @@ namespace ZUNO::Common::Debug {
 namespace {
 
 #if defined(ZUNO_REPORTS_STOP)
-constexpr ReportHandler defaultHandler = [](const char* text, const char* file,
-                                            unsigned int line) {
+constexpr ReportHandler defaultHandler = [](const char* text, const char* file, unsigned int line) {
     Platform::stopOnAssertion(text, file, line);
 };
 #else

@@ -26,8 +26,8 @@ public:
 
     /// Integers in decimal, floating-point numbers as "%g" writes them.
     template <typename Number>
-        requires std::integral<Number> || std::floating_point<Number>
-    ReportText& operator<<(Number number) {
+    requires std::integral<Number> || std::floating_point<Number> ReportText&
+    operator<<(Number number) {
         char digits[32];
         std::to_chars_result end{};
         if constexpr (std::floating_point<Number>)

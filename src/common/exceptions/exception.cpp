@@ -88,9 +88,13 @@ Exception::Exception(const String& message)
     : mAllocator(Memory::PendingAllocators::take(this)), mCallStack(captureCallStack()),
       mMessage(keep(message)) {}
 
-Exception::~Exception() { delete mInner; }
+Exception::~Exception() {
+    delete mInner;
+}
 
-String Exception::getName() const { return "Exception"; }
+String Exception::getName() const {
+    return "Exception";
+}
 
 void Exception::getParameters(ParameterList&) const {}
 

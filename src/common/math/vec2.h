@@ -36,9 +36,13 @@ constexpr T dot(const Vec2<T>& a, const Vec2<T>& b) {
     return a.mX * b.mX + a.mY * b.mY;
 }
 
-inline float length(const Vec2<float>& a) { return std::sqrt(dot(a, a)); }
+inline float length(const Vec2<float>& a) {
+    return std::sqrt(dot(a, a));
+}
 
-inline bool isFinite(const Vec2<float>& a) { return std::isfinite(a.mX) && std::isfinite(a.mY); }
+inline bool isFinite(const Vec2<float>& a) {
+    return std::isfinite(a.mX) && std::isfinite(a.mY);
+}
 
 /// Twice the signed area of the triangle (a, b, q): positive when q lies left of the line from a
 /// to b. The order of the operations is part of the result.

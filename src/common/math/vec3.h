@@ -98,7 +98,9 @@ constexpr T dot(const Vec3<T>& a, const Vec3<T>& b) {
     return a.mX * b.mX + a.mY * b.mY + a.mZ * b.mZ;
 }
 
-inline float length(const Vec3<float>& a) { return std::sqrt(dot(a, a)); }
+inline float length(const Vec3<float>& a) {
+    return std::sqrt(dot(a, a));
+}
 
 inline bool isFinite(const Vec3<float>& a) {
     return std::isfinite(a.mX) && std::isfinite(a.mY) && std::isfinite(a.mZ);

@@ -21,7 +21,8 @@ void* tryAllocateBytes(const SharedPtr<Allocator>& allocator, std::size_t size) 
         return allocator->allocate(size);
     } catch (Exceptions::Exception* exception) {
         delete exception;
-    } catch (...) { // a host's callback may throw what it likes: to us it is memory that isn't there
+    } catch (
+        ...) { // a host's callback may throw what it likes: to us it is memory that isn't there
     }
     return nullptr;
 }
@@ -43,8 +44,7 @@ void releaseBytes(const SharedPtr<Allocator>& allocator, void* storage) noexcept
         allocator->free(storage);
 }
 
-Allocator::Allocator(const char* name)
-    : mOwner(PendingAllocators::take(this)), mName() {
+Allocator::Allocator(const char* name) : mOwner(PendingAllocators::take(this)), mName() {
     constexpr std::size_t maxLength = 14;
     for (std::size_t i = 0; name != nullptr && name[i] != '\0' && i < maxLength; ++i)
         mName[i] = name[i];
@@ -58,7 +58,9 @@ void* Allocator::operator new(std::size_t size, const SharedPtr<Allocator>& pare
     return acquireStorage(size, parent);
 }
 
-void Allocator::operator delete(void* storage) noexcept { std::free(storage); }
+void Allocator::operator delete(void* storage) noexcept {
+    std::free(storage);
+}
 
 void Allocator::operator delete(void* storage, const SharedPtr<Allocator>& parent) noexcept {
     abandonStorage(storage, parent);

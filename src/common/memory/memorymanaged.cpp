@@ -11,8 +11,7 @@ void* MemoryManaged::operator new(std::size_t size,
     return acquireStorage(size, allocator);
 }
 
-void MemoryManaged::operator delete(void* storage,
-                                    const SharedPtr<Allocator>& allocator) noexcept {
+void MemoryManaged::operator delete(void* storage, const SharedPtr<Allocator>& allocator) noexcept {
     abandonStorage(storage, allocator);
 }
 

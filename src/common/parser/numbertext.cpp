@@ -12,14 +12,18 @@ namespace ZUNO::Common::Parser {
 
 namespace {
 
-bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool isSpace(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 /// Whether a floating-point text that no type can hold is too large, rather than too small.
 bool isHuge(const char* text, const char* end) {
-    const char* const exponent =
-        std::find_if(text, end, [](char c) { return c == 'e' || c == 'E' || c == 'p' || c == 'P'; });
+    const char* const exponent = std::find_if(
+        text, end, [](char c) { return c == 'e' || c == 'E' || c == 'p' || c == 'P'; });
     if (exponent != end)
         return exponent[1] != '-';
     const char* const point = std::find(text, end, '.');
@@ -90,11 +94,21 @@ T parseWhole(const char* text) {
 
 } // namespace
 
-std::int32_t toInt32(const char* text) { return parseWhole<std::int32_t>(text); }
-std::int64_t toInt64(const char* text) { return parseWhole<std::int64_t>(text); }
-std::uint64_t toUInt64(const char* text) { return parseWhole<std::uint64_t>(text); }
-float toFloat(const char* text) { return static_cast<float>(parseWhole<double>(text)); }
-double toDouble(const char* text) { return parseWhole<double>(text); }
+std::int32_t toInt32(const char* text) {
+    return parseWhole<std::int32_t>(text);
+}
+std::int64_t toInt64(const char* text) {
+    return parseWhole<std::int64_t>(text);
+}
+std::uint64_t toUInt64(const char* text) {
+    return parseWhole<std::uint64_t>(text);
+}
+float toFloat(const char* text) {
+    return static_cast<float>(parseWhole<double>(text));
+}
+double toDouble(const char* text) {
+    return parseWhole<double>(text);
+}
 
 template <typename T>
 std::size_t toNumbers(const char* text, char separator, T* numbers, std::size_t count) {
@@ -117,8 +131,8 @@ template <typename T>
 char* formatNumber(char* buffer, T number) {
     std::to_chars_result end{};
     if constexpr (std::is_floating_point_v<T>)
-        end = std::to_chars(buffer, buffer + numberTextSize - 1, number,
-                            std::chars_format::general, 6);
+        end = std::to_chars(buffer, buffer + numberTextSize - 1, number, std::chars_format::general,
+                            6);
     else
         end = std::to_chars(buffer, buffer + numberTextSize - 1, number);
     *end.ptr = '\0';
@@ -133,8 +147,8 @@ template char* formatNumber(char*, std::int64_t);
 template char* formatNumber(char*, std::uint64_t);
 
 char* formatFixed(char* buffer, float number) {
-    const auto end = std::to_chars(buffer, buffer + numberTextSize - 1, number,
-                                   std::chars_format::fixed, 6);
+    const auto end =
+        std::to_chars(buffer, buffer + numberTextSize - 1, number, std::chars_format::fixed, 6);
     *end.ptr = '\0';
     return end.ptr;
 }

@@ -17,7 +17,9 @@ float scaleOf(std::uint32_t cells, float extent) {
 
 } // namespace
 
-BlockingMap::~BlockingMap() { Common::Memory::releaseBytes(mAllocator, mCells); }
+BlockingMap::~BlockingMap() {
+    Common::Memory::releaseBytes(mAllocator, mCells);
+}
 
 void BlockingMap::init(const Position& min, const Position& max, std::uint32_t width,
                        std::uint32_t height, const BlockingCell& cell) {

@@ -16,18 +16,30 @@ bool beginsWith(const char* text, const char* lowered) {
     return true;
 }
 
-bool isText(const char* text, const char* other) { return std::strcmp(text, other) == 0; }
+bool isText(const char* text, const char* other) {
+    return std::strcmp(text, other) == 0;
+}
 
 // How the text of a node becomes a value of each type.
 
-void convert(const char* text, std::int32_t& out) { out = toInt32(text); }
+void convert(const char* text, std::int32_t& out) {
+    out = toInt32(text);
+}
 void convert(const char* text, std::uint32_t& out) {
     out = static_cast<std::uint32_t>(toInt64(text));
 }
-void convert(const char* text, std::int64_t& out) { out = toInt64(text); }
-void convert(const char* text, std::uint64_t& out) { out = toUInt64(text); }
-void convert(const char* text, float& out) { out = toFloat(text); }
-void convert(const char* text, double& out) { out = toDouble(text); }
+void convert(const char* text, std::int64_t& out) {
+    out = toInt64(text);
+}
+void convert(const char* text, std::uint64_t& out) {
+    out = toUInt64(text);
+}
+void convert(const char* text, float& out) {
+    out = toFloat(text);
+}
+void convert(const char* text, double& out) {
+    out = toDouble(text);
+}
 void convert(const char* text, bool& out) {
     out = isText(text, "1") || (!isText(text, "0") && beginsWith(text, "true"));
 }

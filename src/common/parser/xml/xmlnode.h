@@ -26,9 +26,8 @@ public:
     struct StringComp {
         bool operator()(const char* a, const char* b) const { return std::strcmp(a, b) < 0; }
     };
-    using Attributes =
-        std::map<const char*, const char*, StringComp,
-                 Memory::STLAllocator<std::pair<const char* const, const char*>>>;
+    using Attributes = std::map<const char*, const char*, StringComp,
+                                Memory::STLAllocator<std::pair<const char* const, const char*>>>;
 
     /// What a name or a text is until it is set.
     static constexpr char noString[] = "";

@@ -34,7 +34,9 @@ constexpr ByteClass nameStartClass = makeClass(nameStartCharacters);
 constexpr ByteClass nameClass = makeClass(nameCharacters);
 constexpr ByteClass whitespaceClass = makeClass(whitespaceCharacters);
 
-bool isIn(const ByteClass& members, char byte) { return members[static_cast<unsigned char>(byte)]; }
+bool isIn(const ByteClass& members, char byte) {
+    return members[static_cast<unsigned char>(byte)];
+}
 
 } // namespace
 
@@ -94,7 +96,9 @@ bool XMLScanner::startsWith(const char* position, const char* text) const {
     return std::string_view(position, mEnd).starts_with(text);
 }
 
-bool XMLScanner::isWhitespace(char byte) { return isIn(whitespaceClass, byte); }
+bool XMLScanner::isWhitespace(char byte) {
+    return isIn(whitespaceClass, byte);
+}
 
 void XMLScanner::recordNewline(const char* position) {
     const auto offset = static_cast<std::uint32_t>(position - mBegin);
@@ -118,6 +122,8 @@ void XMLScanner::failAtByte(const char* before, const char* behind) const {
     fail((String(before) + byte + behind).getConstCharPtr());
 }
 
-void XMLScanner::failAtEnd() const { fail("XMLParser: End of buffer reached."); }
+void XMLScanner::failAtEnd() const {
+    fail("XMLParser: End of buffer reached.");
+}
 
 } // namespace ZUNO::Common::Parser::XML

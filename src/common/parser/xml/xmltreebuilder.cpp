@@ -36,7 +36,9 @@ char* format(char* buffer, const Math::Vec3<T>& vector) {
 
 XMLTreeBuilder::XMLTreeBuilder() : mOpenElements(mAllocator), mScratch() {}
 
-XMLTreeBuilder::~XMLTreeBuilder() { destroyTree(mRoot); }
+XMLTreeBuilder::~XMLTreeBuilder() {
+    destroyTree(mRoot);
+}
 
 void XMLTreeBuilder::begin(bool copyStrings) {
     destroyTree(mRoot);
@@ -53,7 +55,8 @@ void XMLTreeBuilder::begin(const char* rootName, bool copyStrings) {
 
 void XMLTreeBuilder::beginNode(std::int32_t kind) {
     const bool isElements = kind == NODE_ELEMENTS;
-    ZUNO_CHECK_AS(isElements || mRoot != nullptr, "root", "The root must be an element with children");
+    ZUNO_CHECK_AS(isElements || mRoot != nullptr, "root",
+                  "The root must be an element with children");
     if (!isElements && mRoot == nullptr)
         return;
     XMLNode* node = nullptr;
@@ -282,9 +285,8 @@ void XMLTreeBuilder::destroyTree(XMLNode* root) {
     // without recursion: a document may be nested deeper than the stack bears
     XMLNode* node = root;
     while (node != nullptr) {
-        const bool hasChildren =
-            node->mKind == NODE_ELEMENTS &&
-            !static_cast<XMLNodeElements*>(node)->children().empty();
+        const bool hasChildren = node->mKind == NODE_ELEMENTS &&
+                                 !static_cast<XMLNodeElements*>(node)->children().empty();
         if (hasChildren) {
             node = static_cast<XMLNodeElements*>(node)->removeLastElement();
             continue;

@@ -23,12 +23,20 @@ Mutex::Mutex() {
     pthread_mutexattr_destroy(&attributes);
 }
 
-Mutex::~Mutex() { pthread_mutex_destroy(native(mNative)); }
+Mutex::~Mutex() {
+    pthread_mutex_destroy(native(mNative));
+}
 
-void Mutex::lock() { pthread_mutex_lock(native(mNative)); }
+void Mutex::lock() {
+    pthread_mutex_lock(native(mNative));
+}
 
-bool Mutex::tryLock() { return pthread_mutex_trylock(native(mNative)) == 0; }
+bool Mutex::tryLock() {
+    return pthread_mutex_trylock(native(mNative)) == 0;
+}
 
-void Mutex::unlock() { pthread_mutex_unlock(native(mNative)); }
+void Mutex::unlock() {
+    pthread_mutex_unlock(native(mNative));
+}
 
 } // namespace ZUNO::Common::Platform

@@ -49,12 +49,14 @@ bool findAddress(sockaddr_un& address, bool create) noexcept {
     if (lstat(folder, &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != getuid() ||
         (status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
         return false;
-    length = std::snprintf(address.sun_path, sizeof(address.sun_path), "%s/%s", folder,
-                           traceViewerName);
+    length =
+        std::snprintf(address.sun_path, sizeof(address.sun_path), "%s/%s", folder, traceViewerName);
     return length > 0 && static_cast<std::size_t>(length) < sizeof(address.sun_path);
 }
 
-int openSocket() noexcept { return socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0); }
+int openSocket() noexcept {
+    return socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+}
 
 const sockaddr* general(const sockaddr_un& address) noexcept {
     return reinterpret_cast<const sockaddr*>(&address);
