@@ -1,0 +1,134 @@
+// What is delivered, seen from outside: exports, programs, the README's listing.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+
+namespace ZUNO::Tests {
+namespace {
+
+const std::string tools = ZUNO_TOOL_FOLDER;
+const std::string sources = ZUNO_SOURCE_FOLDER;
+
+struct Outcome {
+    std::string mOutput; ///< standard output and error
+    int mStatus;
+};
+
+Outcome runCommand(const std::string& command) {
+    std::FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
+    Outcome outcome{"", -1};
+    std::array<char, 4096> buffer{};
+    while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
+        outcome.mOutput.append(buffer.data(), count);
+    outcome.mStatus = WEXITSTATUS(pclose(pipe));
+    return outcome;
+}
+
+std::string contentOf(const std::string& file) {
+    std::ifstream in(file, std::ios::binary);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return content.str();
+}
+
+} // namespace
+
+TEST(Delivery, ExportsTheInterfaceAndNothingElse) {
+    const Outcome symbols = runCommand("nm -DC --defined-only " ZUNO_LIBRARY);
+    ASSERT_EQ(symbols.mStatus, 0) << symbols.mOutput;
+    std::multiset<std::string> names;
+    std::istringstream lines(symbols.mOutput);
+    const std::string scope = "ZUNO::Pathfinder::Interface::";
+    for (std::string line; std::getline(lines, line);) {
+        const std::string name = line.substr(19);
+        ASSERT_TRUE(name.starts_with(scope)) << line;
+        names.insert(name.substr(scope.size(), name.find('(') - scope.size()));
+    }
+    EXPECT_EQ(names, (std::multiset<std::string>{
+                         "operator=", "initWorldRepresentation", "close", "initPathSearch",
+                         "runPathSearch", "getNextWaypoint", "getPathCost", "closePathSearch",
+                         "isBlocked", "traceRay", "traceRay", "getGroundHeight",
+                         "getBoundingRectangle", "saveBlockingMap"}));
+}
+
+TEST(Delivery, ShowsTheSmallestHostInTheReadme) {
+    const std::string listing = contentOf(sources + "/examples/smallesthost.cpp");
+    EXPECT_NE(contentOf(sources + "/README.md").find(listing), std::string::npos);
+    EXPECT_LT(std::count(listing.begin(), listing.end(), '\n'), 41);
+    const Outcome run = runCommand(tools + "/smallesthost " + sources + "/worlds/harbour.xml");
+    EXPECT_EQ(run.mStatus, 0);
+    EXPECT_NE(run.mOutput.find("to 48.75 5 23.75\ncost 109.594\nleft behind: 0 blocks\n"),
+              std::string::npos)
+        << run.mOutput;
+}
+
+TEST(Delivery, CommitsTheHarbourThatItsGeneratorMakes) {
+    const std::string made = testing::TempDir() + "/harbour.xml";
+    ASSERT_EQ(runCommand(tools + "/makeworld harbour " + made).mStatus, 0);
+    EXPECT_TRUE(contentOf(made) == contentOf(sources + "/worlds/harbour.xml"));
+}
+
+TEST(Delivery, DemonstratesWithoutLeaks) {
+    const std::string picture = testing::TempDir() + "/demo.svg";
+    const Outcome run =
+        runCommand(tools + "/zunodemo " + sources + "/worlds/harbour.xml --picture " + picture);
+    EXPECT_EQ(run.mStatus, 0);
+    EXPECT_NE(run.mOutput.find("memory left behind     0 blocks, 0 bytes"), std::string::npos);
+    EXPECT_TRUE(contentOf(picture).ends_with("</svg>\n"));
+}
+
+TEST(Delivery, AnswersPeopleAtTheCommandLine) {
+    const std::string mesh = sources + "/worlds/harbour.xml";
+    const std::string broken = testing::TempDir() + "/broken.xml";
+    std::ofstream(broken) << "<a>\n<navmesh>\n<b></c></navmesh></a>";
+    struct Case {
+        std::string mArguments;
+        int mStatus;
+        std::string mOutput; ///< part of it
+    };
+    const Case cases[] = {
+        {"--help", 0, "Exit status"},
+        {"path --help", 0, "--budget"},
+        {"info " + mesh, 0, "nodes          873"},
+        {"info --json " + mesh, 0, "\"islands\":[864,9]"},
+        {"path " + mesh + " --from 2,0,2 --to 50,5,25 --budget 10", 0, "found: cost 109.593971"},
+        {"path " + mesh + " --from -2,0,2 --to 50,5,25", 1, "stands on no node"},
+        {"path " + mesh + " --from 2,0,2 --to 100,1,75", 1, "no path"},
+        {"path " + mesh + " --from 2,0 --to 1,1,1", 2, "zunopath: expected x,y,z instead of '2,0'"},
+        {"path " + mesh + " --from 2,0,2 --to 1,1,nope", 2, "instead of '1,1,nope'"},
+        {"ray " + mesh + " --from 2,2 --to 90,2 --json", 0, "{\"query\":\"ray\",\"hit\":false}"},
+        {"ray " + mesh + " --from 2,0,2 --to 2,0,90", 0, "hit at 45.5"},
+        {"blocked " + mesh + " --at 2,2", 0, "free"},
+        {"height " + mesh + " --at 20,20 --json", 0, "\"height\":5.0"},
+        {"height " + mesh + " --at -9,20", 1, "no ground"},
+        {"bounds " + mesh, 0, "0 0 to 105 80"},
+        {"draw " + mesh + " " + testing::TempDir() + "/d.svg --path 2,0,2 50,5,25 --blocked", 0, ""},
+        {"draw " + mesh + " /nowhere/d.svg", 2, "zunopath: /nowhere/d.svg: cannot be written"},
+        {"info /nowhere/mesh.xml", 2, "zunopath: /nowhere/mesh.xml: CallbackFileStream: File or "},
+        {"info " + sources, 2, "Given path is a directory"},
+        {"info " + broken, 2, "are not equal (Line: 3, Row: "},
+        {"info", 2, "mesh is required"},
+        {"run " + mesh + " /nowhere/script", 2, "/nowhere/script: cannot be opened"},
+    };
+    for (const Case& row : cases) {
+        const Outcome run = runCommand(tools + "/zunopath " + row.mArguments);
+        EXPECT_EQ(run.mStatus, row.mStatus) << row.mArguments << '\n' << run.mOutput;
+        EXPECT_NE(run.mOutput.find(row.mOutput), std::string::npos)
+            << row.mArguments << '\n' << run.mOutput;
+    }
+    const Outcome script = runCommand("printf 'bounds # all\\n\\nblocked 2,2\\nray 1,1 2\\n' | " +
+                                      tools + "/zunopath run " + mesh);
+    EXPECT_EQ(script.mStatus, 2);
+    EXPECT_NE(script.mOutput.find("0 0 to 105 80\nfree\n"), std::string::npos) << script.mOutput;
+    EXPECT_NE(script.mOutput.find("standard input:4: expected x,y or x,y,z instead of '2'"),
+              std::string::npos);
+}
+
+} // namespace ZUNO::Tests

@@ -1,0 +1,53 @@
+// A host and the trace viewer talk.
+#include "tests/host/hosttest.h"
+
+#include "common/debug/trace.h"
+
+#include <cstdlib>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace ZUNO::Tests {
+
+TEST_F(HostTest, TalksToTheTraceViewer) {
+    const std::string folder = testing::TempDir() + "/trace" + std::to_string(getpid());
+    ASSERT_EQ(std::system(("mkdir -m 700 -p " + folder).c_str()), 0);
+    setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
+    EXPECT_EQ(Common::Debug::Trace::send(1, "nobody listens"), 0);
+    std::FILE* const viewer = popen(ZUNO_TOOL_FOLDER "/zunotrace --count 7", "r");
+    char line[200] = "";
+    ASSERT_NE(std::fgets(line, sizeof(line), viewer), nullptr); // it waits for messages now
+
+    // from the library: a blocking map that is asked for
+    EXPECT_FALSE(raisedBy([&] { start("floor", "map.blk"); }).empty());
+    // from this host: both kinds of text, and values of each type
+    EXPECT_EQ(Common::Debug::Trace::send(0, "0123456789"), 10);
+    const std::int32_t number = -5;
+    const float vector[] = {1, 2.5F, -3};
+    Common::Debug::Trace::sendValue(7, "count", 0, reinterpret_cast<const char*>(&number));
+    Common::Debug::Trace::sendValue(8, "place", 2, reinterpret_cast<const char*>(vector));
+    Common::Debug::Trace::sendValue(9, "name", 6, "harbour");
+    Common::Debug::Trace::sendValue(10, "odd", 3, "");
+    const std::string longText(20000, 'x');
+    EXPECT_EQ(Common::Debug::Trace::send(1, longText.c_str()), 20000);
+
+    std::string output;
+    while (std::fgets(line, sizeof(line), viewer) != nullptr)
+        output += line;
+    EXPECT_EQ(WEXITSTATUS(pclose(viewer)), 0);
+    EXPECT_EQ(output,
+              "message  ZUNO::Pathfinder::Raytracer::BlockingMapRayTracer::BlockingMapRayTracer : "
+              "load blockingmap: map.blk\n"
+              "error    0123456789\n"
+              "value    7 count = -5\n"
+              "value    8 place = 1.000000 / 2.500000 / -3.000000\n"
+              "value    9 name = \"harbour\"\n"
+              "error    ZUNO::Common::Debug::Trace::ZUNMessage : datatype: 3 not defined "
+              "(10/odd)\n"
+              "message  " +
+                  longText + "\n");
+    unsetenv("XDG_RUNTIME_DIR");
+    std::system(("rm -rf " + folder).c_str());
+}
+
+} // namespace ZUNO::Tests
