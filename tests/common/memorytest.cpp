@@ -154,7 +154,8 @@ TEST_F(MemoryTest, FreeListPassesOnThatThereIsNoMemory) {
 TEST_F(MemoryTest, AllocatorsReportWhatIsOutstanding) {
     {
         DefaultAllocator allocator;
-        void* const blocks[] = {allocator.allocate(1), allocator.allocate(0), allocator.allocate(9)};
+        void* const blocks[] = {allocator.allocate(1), allocator.allocate(0),
+                                allocator.allocate(9)};
         EXPECT_FALSE(allocator.isClean());
         allocator.free(nullptr);
         for (void* const block : blocks)
@@ -194,9 +195,7 @@ TEST_F(MemoryTest, FoundationStartsAndClosesItsGlobals) {
     EXPECT_TRUE(mMemory->mBlocks.empty());
     for (const auto* global : {&gAllocator, &gDebugAllocator, &gObjectAllocator, &gStringAllocator})
         EXPECT_EQ(global->get(), nullptr);
-    {
-        const String early("made while it is closed");
-    }
+    { const String early("made while it is closed"); }
     EXPECT_EQ(Reports::take(), Texts{"mPtr|Try to dereference a NULL pointer"});
     initLibrary({});
     EXPECT_STREQ(getAllocator()->getName(), "Default");

@@ -96,8 +96,8 @@ TEST_F(VocabularyTest, SharedPointersReportMisuse) {
     alone.destroy();
     EXPECT_EQ(destroyed, 1);
     EXPECT_EQ(Reports::take(), Texts{});
-    auto* const shared = new SharedPtr<LockedReferenceCounted>(
-        new Counted<LockedReferenceCounted>(destroyed));
+    auto* const shared =
+        new SharedPtr<LockedReferenceCounted>(new Counted<LockedReferenceCounted>(destroyed));
     alignas(SharedPtr<LockedReferenceCounted>) unsigned char
         rest[sizeof(SharedPtr<LockedReferenceCounted>)];
     new (rest) SharedPtr<LockedReferenceCounted>(*shared); // a holder that is never heard of again
@@ -116,8 +116,7 @@ TEST_F(VocabularyTest, SingletonsKeepTheFirst) {
     One::createInstance(second);
     EXPECT_EQ(One::getInstance(), first);
     delete second;
-    EXPECT_EQ(Reports::take(),
-              Texts(2, "|there is already an instance of this singleton object"));
+    EXPECT_EQ(Reports::take(), Texts(2, "|there is already an instance of this singleton object"));
     One::destroyInstance();
     EXPECT_EQ(One::getInstance(), nullptr);
 }
@@ -165,8 +164,8 @@ TEST_F(VocabularyTest, IdsBehaveAsTheModelUnderRandomUse) {
             }
             model[id] = step;
         } else if (!model.empty()) {
-            const auto place = std::next(model.begin(), static_cast<std::ptrdiff_t>(
-                                                            random() % model.size()));
+            const auto place =
+                std::next(model.begin(), static_cast<std::ptrdiff_t>(random() % model.size()));
             items.remove(place->first);
             freed.push_back(place->first);
             model.erase(place);

@@ -109,7 +109,8 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
         {"height " + mesh + " --at 20,20 --json", 0, "\"height\":5.0"},
         {"height " + mesh + " --at -9,20", 1, "no ground"},
         {"bounds " + mesh, 0, "0 0 to 105 80"},
-        {"draw " + mesh + " " + testing::TempDir() + "/d.svg --path 2,0,2 50,5,25 --blocked", 0, ""},
+        {"draw " + mesh + " " + testing::TempDir() + "/d.svg --path 2,0,2 50,5,25 --blocked", 0,
+         ""},
         {"draw " + mesh + " /nowhere/d.svg", 2, "zunopath: /nowhere/d.svg: cannot be written"},
         {"info /nowhere/mesh.xml", 2, "zunopath: /nowhere/mesh.xml: CallbackFileStream: File or "},
         {"info " + sources, 2, "Given path is a directory"},
@@ -120,8 +121,8 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
     for (const Case& row : cases) {
         const Outcome run = runCommand(tools + "/zunopath " + row.mArguments);
         EXPECT_EQ(run.mStatus, row.mStatus) << row.mArguments << '\n' << run.mOutput;
-        EXPECT_NE(run.mOutput.find(row.mOutput), std::string::npos)
-            << row.mArguments << '\n' << run.mOutput;
+        EXPECT_NE(run.mOutput.find(row.mOutput), std::string::npos) << row.mArguments << '\n'
+                                                                    << run.mOutput;
     }
     const Outcome script = runCommand("printf 'bounds # all\\n\\nblocked 2,2\\nray 1,1 2\\n' | " +
                                       tools + "/zunopath run " + mesh);

@@ -39,7 +39,8 @@ protected:
     }
 
     bool start(const char* mesh = "floor", const char* blockingMap = "") {
-        return Interface::initWorldRepresentation(mesh, mMemoryCallback, mFileCallback, blockingMap);
+        return Interface::initWorldRepresentation(mesh, mMemoryCallback, mFileCallback,
+                                                  blockingMap);
     }
 
     SharedPtr<Common::Callback::MemoryCallback> mMemoryCallback;

@@ -49,8 +49,8 @@ TEST_F(HostTest, RefusesFilesThatHoldNoMesh) {
         return changed;
     };
     const std::string swapped = with("<normal>0/1/0</normal>", "");
-    const std::string noNodes = floor.substr(0, floor.find("<node>")) +
-                                floor.substr(floor.rfind("</node>") + 7);
+    const std::string noNodes =
+        floor.substr(0, floor.find("<node>")) + floor.substr(floor.rfind("</node>") + 7);
     const std::string badCorner = with("<vert_id>0</vert_id>", "<vert_id>5000</vert_id>");
     const std::string badNeighbour = with("<node_id>-1</node_id>", "<node_id>60</node_id>");
     const std::string badClass =
@@ -123,7 +123,8 @@ TEST_F(HostTest, TurnsTheHostsFileErrorsIntoExceptions) {
               "IOException: CallbackFileStream: Unknown file open error");
     Interface::close();
     mFiles->mOpenResult = 0;
-    for (const std::int64_t length : {std::int64_t{-1}, std::int64_t{1} << 32, std::int64_t{100000}}) {
+    for (const std::int64_t length :
+         {std::int64_t{-1}, std::int64_t{1} << 32, std::int64_t{100000}}) {
         mFiles->mLength = length;
         EXPECT_EQ(raisedBy([&] { start(); }),
                   "IOException: XMLParser: Cannot read complete file from stream")
@@ -168,10 +169,10 @@ TEST_F(HostTest, RefusesBlockingMapFiles) {
     Stderr saving;
     EXPECT_EQ(raisedBy([] { Interface::saveBlockingMap(""); }),
               "NotSupportedException: No serialization yet");
-    EXPECT_TRUE(holdsInOrder(saving.text(),
-                             {"pathfinder/interface.cpp(",
-                              "!filename.isEmpty()\nError Message: Filename for saving the "
-                              "blocking map cannot be empty"}));
+    EXPECT_TRUE(
+        holdsInOrder(saving.text(), {"pathfinder/interface.cpp(",
+                                     "!filename.isEmpty()\nError Message: Filename for saving the "
+                                     "blocking map cannot be empty"}));
 }
 
 TEST_F(HostTest, AnswersNeutrallyWithoutAWorld) {
@@ -194,8 +195,9 @@ TEST_F(HostTest, AnswersNeutrallyWithoutAWorld) {
     EXPECT_EQ(min, Vec2<float>(0, 0));
     EXPECT_EQ(max, Vec2<float>(0, 0));
     EXPECT_FALSE(Interface::saveBlockingMap("map"));
-    EXPECT_TRUE(holdsInOrder(
-        reports.text(), std::vector<std::string>(10, "no world: call initWorldRepresentation first")));
+    EXPECT_TRUE(
+        holdsInOrder(reports.text(),
+                     std::vector<std::string>(10, "no world: call initWorldRepresentation first")));
 }
 
 TEST_F(HostTest, ReportsASecondStartAndLoadsTheNewMesh) {

@@ -60,8 +60,8 @@ public:
         for (std::size_t id = 0; id < graph.size(); ++id)
             for (const std::int32_t neighbour : mMesh.mNodes[id].mNeighbours)
                 if (neighbour >= 0)
-                    graph[id].push_back({neighbour, distance(leaving(static_cast<int>(id)),
-                                                             entering(neighbour))});
+                    graph[id].push_back(
+                        {neighbour, distance(leaving(static_cast<int>(id)), entering(neighbour))});
         return NaiveAStar::search(graph, start, goal,
                                   [&](int node) { return distance(leaving(node), to); });
     }
@@ -152,7 +152,9 @@ protected:
     }
 };
 
-TEST_F(SearchTest, FindsTheModelsPathsOnTheHarbour) { compare(Worlds::makeHarbour(), 150, 1); }
+TEST_F(SearchTest, FindsTheModelsPathsOnTheHarbour) {
+    compare(Worlds::makeHarbour(), 150, 1);
+}
 
 TEST_F(SearchTest, FindsTheModelsPathsOnAFloorFullOfTies) {
     compare(Worlds::makeFloor(400, 5), 150, 2);
@@ -195,9 +197,9 @@ TEST_F(SearchTest, PaysForPathsWithinAndBetweenNodes) {
         float mCost;
     };
     const Case cases[] = {
-        {{0.5F, 0, 0.5F}, {0.5F, 1, 1.5F}, 0, std::sqrt(2.0F)},   // one node: the straight line
-        {{1, 0, 1}, {3, 0, 1}, 1, 2},                             // the goal on the node's centre
-        {{1, 0, 1}, {3.5F, 0, 1}, 1, 2.5F + 0.5F},                // and off it
+        {{0.5F, 0, 0.5F}, {0.5F, 1, 1.5F}, 0, std::sqrt(2.0F)}, // one node: the straight line
+        {{1, 0, 1}, {3, 0, 1}, 1, 2},                           // the goal on the node's centre
+        {{1, 0, 1}, {3.5F, 0, 1}, 1, 2.5F + 0.5F},              // and off it
         {{1, 0, 1}, {3, 0, 3}, 2, 4},
     };
     for (const Case& row : cases) {
@@ -211,8 +213,8 @@ TEST_F(SearchTest, PaysForPathsWithinAndBetweenNodes) {
         Interface::closePathSearch(search);
     }
     const float huge = std::numeric_limits<float>::infinity();
-    const Vec3<float> nowhere[] = {{-1, 0, -1},   {1, 2.1F, 1},  {1, -1.1F, 1},
-                                   {huge, 0, 1},  {1, std::nanf(""), 1}, {std::nanf(""), 0, 1}};
+    const Vec3<float> nowhere[] = {{-1, 0, -1},  {1, 2.1F, 1},          {1, -1.1F, 1},
+                                   {huge, 0, 1}, {1, std::nanf(""), 1}, {std::nanf(""), 0, 1}};
     for (const Vec3<float>& point : nowhere) {
         EXPECT_EQ(Interface::initPathSearch(point, {1, 0, 1}), -1);
         EXPECT_EQ(Interface::initPathSearch({1, 0, 1}, point), -1);

@@ -12,7 +12,9 @@ namespace ZUNO::Tests {
 class CountingMemory : public Common::Callback::MemoryCallback {
 public:
     void* allocateMemory(unsigned int size) override {
-        if (++mRequests == mFailingRequest || (mFailsOnwards && mRequests > mFailingRequest)) {
+        ++mRequests;
+        if (mFailingRequest != 0 &&
+            (mRequests == mFailingRequest || (mFailsOnwards && mRequests > mFailingRequest))) {
             if (mThrows)
                 throw new Common::Memory::OutOfMemoryException("the host has none");
             return nullptr;

@@ -29,8 +29,7 @@ public:
     }
     void closeFile(Handle handle) override { mOpen.erase(handle); }
     std::int64_t getFileLength(Handle handle) override {
-        return mLength != noLength ? mLength
-                                   : static_cast<std::int64_t>(contentOf(handle).size());
+        return mLength != noLength ? mLength : static_cast<std::int64_t>(contentOf(handle).size());
     }
     std::int32_t readFile(void* dstBuffer, std::uint32_t numBytes, Handle handle) override {
         if (mReadResult != noResult)

@@ -1,0 +1,314 @@
+#include "common/callback/callbackfilestream.h"
+#include "common/memory/objectcreation.h"
+#include "common/parser/numbertext.h"
+#include "common/parser/xml/xmlparser.h"
+#include "tests/support/foundation.h"
+#include "tests/support/memoryfiles.h"
+
+#include <clocale>
+#include <cmath>
+#include <memory>
+
+namespace ZUNO::Tests {
+
+using namespace Common;
+using namespace Common::Parser::XML;
+
+class XmlTest : public FoundationTest {
+protected:
+    XmlTest() {
+        mFiles = new MemoryFiles;
+        mFileCallback = mFiles;
+        mParser.reset(Memory::createManaged<XMLParser>(gObjectAllocator));
+    }
+
+    const XMLNodeElements* parse(const std::string& document) {
+        mFiles->mFiles["d"] = document;
+        Callback::CallbackFileStream stream(mFileCallback);
+        stream.open("d", 1);
+        return mParser->parse(&stream);
+    }
+
+    /// The tree as one line: name{attributes}[children] or name{attributes}'text'.
+    static std::string describe(const XMLNode* node) {
+        std::string text = node->mName;
+        for (const auto& [name, value] : node->mAttributes)
+            text += std::string("{") + name + "=" + value + "}";
+        if (node->mKind == NODE_TEXT)
+            return text + "'" + node->mText + "'";
+        if (node->mKind == NODE_EMPTY)
+            return text + "/";
+        text += "[";
+        for (const XMLNode* const child : static_cast<const XMLNodeElements*>(node)->children())
+            text += describe(child) + " ";
+        return text + "]";
+    }
+
+    MemoryFiles* mFiles;
+    SharedPtr<Callback::FileIOCallback> mFileCallback;
+    std::unique_ptr<XMLParser> mParser;
+};
+
+TEST_F(XmlTest, BuildsTreesOfWhatItAccepts) {
+    struct Case {
+        std::string mDocument;
+        const char* mTree;
+    };
+    const Case cases[] = {
+        {"<a></a>", "a[]"},
+        {"\xEF\xBB\xBF junk <?xml version='1'?><!-- c --> <a>\n<!-- <x> --><?p ?><b/> </a>rest <",
+         "a[b/ ]"},
+        {"<a><b>t</b><c> two words </c><d x=\"1\" y = \"2\">3</d></a>",
+         "a[b't' c' two words ' d{x=1}{y=2}'3' ]"},
+        {"<a z=\"1\" b=\"2\" z=\"3\"><x/></a>", "a{b=2}{z=3}[x/ ]"},
+        {"<a><x/><xi/><xi:in/></a>", "a[x/ xi/ xi:in/ ]"},
+        {"<a><b>&amp;&#228;</b></a>", "a[b'&amp;&#228;' ]"},
+        {"<a\nb=\"\n\"\t><c\n/></a\n>", "a{b=\n}[c/ ]"},
+        {"<a><b/><c></c><d>\n</d></a>", "a[b/ c[] d[] ]"},
+        {"<a><n.1,2-3:4/></a>", "a[n.1,2-3:4/ ]"},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.mDocument);
+        const XMLNodeElements* root = nullptr;
+        EXPECT_EQ(raisedBy([&] { root = parse(row.mDocument); }), "");
+        if (root != nullptr) {
+            EXPECT_EQ(describe(root), row.mTree);
+        }
+    }
+}
+
+TEST_F(XmlTest, SaysWhatIsWrongAndWhere) {
+    struct Case {
+        const char* mDocument;
+        const char* mMessage;
+        int mLine;
+        int mRow;
+    };
+    const char* const end = "XMLParser: End of buffer reached.";
+    const char* const first = "name has invalid first char '1' , must be in "
+                              "'abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_'";
+    const Case cases[] = {
+        {"", end, 1, 0},
+        {"no markup", end, 1, 0},
+        {"<a", end, 1, 0},
+        {"<a/>", "XMLParser: First tag must be a root node", 1, 0},
+        {"<a>text</a>", "XMLParser: First tag must be a root node", 1, 0},
+        {"</a>", "XMLParser: Invalid XML format. Found nodetype : -3", 1, 0},
+        {"<!DOCTYPE a><a></a>", "XMLParser: Invalid XML format. Found nodetype : -4", 1, 0},
+        {"<? <a></a>", "XMLParser: Invalid XML format. Found nodetype : -4", 1, 0},
+        {"<a><b></c></a>", "XMLParser: Name in starttag and endtag are not equal", 1, 8},
+        {"<a>\n<b>\n</c></a>", "XMLParser: Name in starttag and endtag are not equal", 3, 3},
+        {"<a>\n  <1/></a>", first, 2, 4},
+        {"<a><b x='1'/></a>", "XMLParser: Expected envelop char '\"' , found '''", 1, 8},
+        {"<a><b x 1/></a>", "XMLParser: Expected assign operator '=' but found '1'", 1, 8},
+        {"<a><b x=\"1></b></a>", end, 1, 8},
+        {"<a><b c=\"1\"/x></a>", "XMLParser: Invalid character 'x' in starttag.", 1, 11},
+        {"<a><b$></b></a>", "XMLParser: Invalid character '$' in name.", 1, 5},
+        {"<a><b>t<c/></b></a>", "XMLParser: Expected '/' but found 'c'", 1, 7},
+        {"<a><b>t", end, 1, 6},
+        {"<a><b></b>", end, 1, 8},
+        {"<a>x</a>", "XMLParser: First tag must be a root node", 1, 0},
+        {"<a><b/>x</a>", "XMLParser: Invalid tag found.", 1, 7},
+        {"<a><b>t</b x></a>", "XMLParser: Invalid character 'x' in starttag.", 1, 11},
+        {"<a><xi:include href=\"b\"/></a>",
+         "XMLParser: We have no FileSystem defined, but there is an xi:include tag in the current "
+         "xml definition",
+         -1, -1},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.mDocument);
+        const std::string raised = raisedBy([&] { parse(row.mDocument); });
+        const std::string message = std::string("XMLParserException: ") + row.mMessage;
+        EXPECT_EQ(raised.substr(0, message.size()), message);
+        if (row.mLine >= 0) {
+            EXPECT_EQ(raised.substr(message.size()), " {Line=" + std::to_string(row.mLine) +
+                                                         "} {Row=" + std::to_string(row.mRow) +
+                                                         "}");
+        }
+    }
+    EXPECT_EQ(raisedBy([&] { mParser->parse(nullptr); }),
+              "ArgumentNullException: XMLParser: Stream is a null pointer {ArgumentName=stream}");
+}
+
+TEST_F(XmlTest, NestsAsDeepAsItPromises) {
+    const auto nested = [](int depth) {
+        std::string document;
+        for (int i = 0; i < depth; ++i)
+            document += "<a>";
+        for (int i = 0; i < depth; ++i)
+            document += "</a>";
+        return document;
+    };
+    EXPECT_EQ(raisedBy([&] { parse(nested(4096)); }), "");
+    EXPECT_EQ(raisedBy([&] { parse(nested(4097)); }).substr(0, 76),
+              "XMLParserException: XMLParser: Elements are nested deeper than 4096 levels {");
+}
+
+TEST_F(XmlTest, ReadsChildrenInTheirOrder) {
+    const XMLNodeElements* const root =
+        parse("<r i=\"12x\" t=\"TRUE\" u=\"yes\" f=\"falsehood\"><a>12abc</a><b/><c>1/2.5/-3</c>"
+              "<d>7/8</d><e>True or so</e><f><g/></f><h>18446744073709551615</h><k></k></r>");
+    int number = 0;
+    bool truth = false;
+    EXPECT_TRUE(root->getAttribute(number, "i"));
+    EXPECT_EQ(number, 12);
+    EXPECT_TRUE(root->getAttribute(truth, "t"));
+    EXPECT_TRUE(truth);
+    EXPECT_FALSE(root->getAttribute(truth, "u"));
+    EXPECT_TRUE(root->getAttribute(truth, "f"));
+    EXPECT_FALSE(truth);
+    EXPECT_EQ(root->getChild("b"), nullptr) << "not its turn";
+    EXPECT_EQ(root->getLastReadElement(), nullptr);
+    EXPECT_TRUE(root->getChildValue(number, "a"));
+    EXPECT_EQ(number, 12);
+    EXPECT_TRUE(root->getChildValue(number, "b"));
+    EXPECT_EQ(number, 0) << "an empty element";
+    EXPECT_STREQ(root->getLastReadElement()->mName, "b");
+    Math::Vec3<float> space;
+    EXPECT_TRUE(root->getChildValue(space, "c"));
+    EXPECT_EQ(space, Math::Vec3<float>(1, 2.5F, -3));
+    Math::Vec3<int> whole;
+    EXPECT_TRUE(root->getChildValue(whole, "d"));
+    EXPECT_EQ(whole, Math::Vec3<int>(7, 8, 0)) << "what is missing is 0";
+    EXPECT_TRUE(root->getChildValue(truth, "e"));
+    EXPECT_TRUE(truth);
+    EXPECT_FALSE(root->getChildValue(number, "f")) << "it has children";
+    std::uint64_t large = 0;
+    EXPECT_TRUE(root->getChildValue(large, "h"));
+    EXPECT_EQ(large, 18446744073709551615U);
+    const char* text = nullptr;
+    EXPECT_TRUE(root->getChildText(text, "k"));
+    EXPECT_STREQ(text, "");
+    EXPECT_EQ(root->getNextElement(), nullptr);
+    EXPECT_EQ(root->getChildElements("a"), nullptr);
+}
+
+TEST_F(XmlTest, BuildsTreesWithCopiedStrings) {
+    XMLTreeBuilder builder;
+    {
+        const std::string gone = "root";
+        builder.begin(gone.c_str(), true);
+    }
+    builder.addTextNode("v", Math::Vec3<float>(1, 2.5F, -3));
+    builder.addAttribute("b", 2);
+    builder.addAttribute("a", 0.5F);
+    builder.addAttribute("b", true);
+    builder.beginElements("list");
+    builder.addTextNode("n", std::int64_t{-9000000000});
+    builder.addTextNode("t", false);
+    builder.addEmptyNode("last");
+    builder.removeLastNode();
+    EXPECT_STREQ(builder.getCurrent()->mName, "t");
+    EXPECT_FALSE(builder.endElement("other"));
+    EXPECT_TRUE(builder.endElement("list"));
+    EXPECT_FALSE(builder.endElement()) << "the root stays open";
+    XMLTreeBuilder grafted;
+    grafted.begin("more", true);
+    builder.addTree(&grafted);
+    EXPECT_EQ(grafted.getRoot(), nullptr);
+    EXPECT_EQ(describe(builder.getRoot()),
+              "root[v{a=0.500000}{b=1}'1/2.5/-3' list[n'-9000000000' t'false' ] more[] ]");
+    EXPECT_EQ(Reports::take(), Texts{});
+
+    builder.setText("x");
+    builder.beginNode(5);
+    builder.addTree(nullptr);
+    grafted.begin("plain", false);
+    builder.addTree(&grafted);
+    grafted.addTextNode("n", 1.0);
+    static_cast<void>(grafted.getRoot()->getLastElement());
+    EXPECT_EQ(Reports::take(),
+              (Texts{"|Cannot set text for node of type : 2", "|Unknown node type: 5",
+                     "tree|Tree cannot be a NULL pointer",
+                     "tree->copyStrings == copyStrings|We cannot add a tree with a different "
+                     "copyStrings flag",
+                     "copyStrings|Used without copyStrings enabled !",
+                     "!elements.empty()|Cannot get last element from an empty elements node"}));
+}
+
+TEST_F(XmlTest, ConvertsNumbersLikeTheCLibraryWithoutItsLocale) {
+    std::setlocale(LC_ALL, "de_DE.UTF-8"); // where it is installed, a comma country
+    for (const char* text :
+         {"1.5", "-0", " +2.25x", "1e-40", "1e39", "-1e400", "1e-400", "0x1p3", "inf", "", "abc",
+          "--3", "16777217", "1.40129846e-45", "3.4028236e38"}) {
+        float expected[3] = {};
+        const std::string copy = text;
+        std::setlocale(LC_ALL, "C");
+        std::sscanf(copy.c_str(), "%f/%f/%f", &expected[0], &expected[1], &expected[2]);
+        const double whole = std::strtod(copy.c_str(), nullptr);
+        std::setlocale(LC_ALL, "de_DE.UTF-8");
+        float numbers[3];
+        Parser::toNumbers(text, '/', numbers, 3);
+        EXPECT_EQ(numbers[0], expected[0]) << text;
+        EXPECT_EQ(Parser::toDouble(text), whole) << text;
+    }
+    std::setlocale(LC_ALL, "C");
+    for (const float number : {0.1F, 1e-7F, 123456789.0F, -2.5F, 1e20F, 3.4028235e38F}) {
+        char expected[64];
+        char text[Parser::numberTextSize];
+        std::snprintf(expected, sizeof(expected), "%g", static_cast<double>(number));
+        Parser::formatNumber(text, number);
+        EXPECT_STREQ(text, expected);
+        std::snprintf(expected, sizeof(expected), "%f", static_cast<double>(number));
+        Parser::formatFixed(text, number);
+        EXPECT_STREQ(text, expected);
+    }
+    EXPECT_EQ(Parser::toInt32("4294967296"), 2147483647);
+    EXPECT_EQ(Parser::toInt64(" -12z"), -12);
+}
+
+TEST_F(XmlTest, CallbackStreamsMapTheHostsAnswers) {
+    mFiles->mFiles["f"] = "0123456789";
+    Callback::CallbackFileStream stream(mFileCallback);
+    char buffer[4];
+    EXPECT_FALSE(stream.canRead() || stream.canWrite() || stream.canSeek());
+    stream.flush();
+    stream.close();
+    const std::string closed = "InvalidStateException: CallbackFileStream: ";
+    EXPECT_EQ(raisedBy([&] { stream.getLength(); }), closed + "Try to get length of closed stream");
+    EXPECT_EQ(raisedBy([&] { stream.getPosition(); }),
+              closed + "Try to get position of closed stream.");
+    EXPECT_EQ(raisedBy([&] { stream.getFilename(); }),
+              closed + "Try to get filename from a closed stream");
+    EXPECT_EQ(raisedBy([&] { stream.read(buffer, 1); }), closed + "Cannot read on closed streams.");
+    EXPECT_EQ(raisedBy([&] { stream.write(buffer, 1); }),
+              closed + "Cannot write on closed streams.");
+    EXPECT_EQ(raisedBy([&] { stream.seek(0, IO::ORIGIN_END); }),
+              closed + "Cannot seek on closed streams.");
+
+    stream.open("f", IO::FACCESS_READ);
+    EXPECT_STREQ(stream.getFilename().getConstCharPtr(), "f");
+    EXPECT_EQ(stream.read(buffer, 4), 4);
+    EXPECT_EQ(stream.getPosition(), 4);
+    EXPECT_EQ(raisedBy([&] { stream.read(nullptr, 1); }),
+              "ArgumentNullException: CallbackFileStream: The destination buffer in a read cannot "
+              "be NULL. {ArgumentName=dstBuffer}");
+    EXPECT_EQ(raisedBy([&] { stream.write(buffer, 1); }),
+              "NotSupportedException: CallbackFileStream: Cannot write to the file. Not opened "
+              "for writing.");
+    EXPECT_EQ(stream.seek(5, IO::ORIGIN_END), 52) << "the origin goes through unchanged";
+    mFiles->mSeekResult = -4;
+    EXPECT_EQ(raisedBy([&] { stream.seek(5, IO::ORIGIN_END); }),
+              "ArgumentOutOfRangeException: FileStream: Offset seeks out of file range. "
+              "{ArgumentName=offset}");
+    mFiles->mSeekResult = -9;
+    EXPECT_EQ(stream.seek(5, IO::ORIGIN_END), 0);
+    stream.open("f", IO::FACCESS_WRITE);
+    EXPECT_EQ(mFiles->openCount(), 1U) << "the open one was closed";
+    EXPECT_TRUE(stream.canRead()) << "a stream opened for writing counts as readable";
+    stream.write(buffer, 4);
+    mFiles->mWriteResult = 3;
+    stream.write(buffer, 4);
+    mFiles->mWriteResult = -5;
+    EXPECT_EQ(raisedBy([&] { stream.write(buffer, 4); }),
+              "OutOfSpaceException: CallbackFileStream: Cannot write to file, disk full.");
+    EXPECT_EQ(Reports::take(),
+              (Texts{"|Unhandled error condition from seekFile callback.",
+                     "|Internal error: Unhandeled error condition during write."}));
+    Callback::CallbackFileStream without({});
+    EXPECT_EQ(Reports::take(), Texts{"mFileIO != NULL|File callback cannot be a NULL pointer"});
+    EXPECT_TRUE(without.isClosed());
+    EXPECT_EQ(raisedBy([&] { without.open("f", 1); }).substr(0, 21), "InvalidStateException");
+}
+
+} // namespace ZUNO::Tests

@@ -1,0 +1,258 @@
+#include "common/callback/fileiocallback.h"
+#include "common/memory/objectcreation.h"
+#include "navmesh/astarnavmesh.h"
+#include "navmesh/interface.h"
+#include "navmesh/navmeshfiles.h"
+#include "navmesh/resourceinterface.h"
+#include "tests/support/foundation.h"
+#include "tests/support/memoryfiles.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace ZUNO::Tests {
+
+using namespace Common;
+using NavMesh::NavMeshContainer;
+using Point = Math::Vec3<float>;
+
+class NavMeshTest : public FoundationTest {
+protected:
+    NavMeshTest() {
+        mFiles = new MemoryFiles;
+        mFileCallback = mFiles;
+        NavMesh::initLibrary(mCallback, mFileCallback);
+    }
+    ~NavMeshTest() override {
+        mMesh = nullptr;
+        NavMesh::closeLibrary();
+    }
+
+    /// z is up; the nodes are squares of 10 x 10: 0 and 1 side by side, 2 four above 0, and 3 a
+    /// clockwise one beside 1.
+    void makeMesh() {
+        mMesh = Memory::createManaged<NavMeshContainer>(NavMesh::getAllocator());
+        mMesh->mNormal = {0, 0, 1};
+        mMesh->mXAxis = {1, 0, 0};
+        mMesh->mYAxis = {0, 1, 0};
+        mMesh->mCubeSize = 0.5F;
+        for (const float height : {3.0F, 2.0F})
+            mMesh->mHeights.push_back(height);
+        addSquare(0, 0, {-1, 1, -1, -1});
+        addSquare(10, 0, {-1, -1, -1, 0});
+        addSquare(0, 4, {-1, -1, -1, -1});
+        addSquare(20, 0, {-1, -1, -1, -1});
+        std::ranges::reverse(mMesh->mNodes.back().mPolygon);
+    }
+
+    void addSquare(float x, float z, std::initializer_list<std::int32_t> neighbours) {
+        NavMeshContainer::NavNode node(NavMesh::getAllocator());
+        for (const Point& corner :
+             {Point(x, 0, z), Point(x + 10, 0, z), Point(x + 10, 10, z), Point(x, 10, z)}) {
+            node.mPolygon.push_back(static_cast<std::uint32_t>(mMesh->mVertices.size()));
+            mMesh->mVertices.push_back(corner);
+        }
+        node.mNeighbours.assign(neighbours);
+        node.mHeightClass = 0;
+        mMesh->mNodes.push_back(node);
+    }
+
+    SharedPtr<NavMeshContainer> load(const std::string& document) {
+        mFiles->mFiles["m"] = document;
+        return NavMesh::loadNavMeshXML("m");
+    }
+
+    MemoryFiles* mFiles;
+    SharedPtr<Callback::FileIOCallback> mFileCallback;
+    SharedPtr<NavMeshContainer> mMesh;
+};
+
+TEST_F(NavMeshTest, FindsTheLowestNodeWithinItsHeights) {
+    makeMesh();
+    struct Case {
+        Point mPoint;
+        std::int32_t mNode;
+    };
+    const float below = std::nextafter(-1.0F, -2.0F);
+    const float above = std::nextafter(3.0F, 4.0F);
+    for (const Case& row : {Case{{5, 5, 0}, 0},
+                            {{10, 5, 0}, 0},
+                            {{10.5F, 5, 0}, 1},
+                            {{0, 0, 0}, 0},
+                            {{-0.1F, 5, 0}, -1},
+                            {{5, 5, -1}, 0},
+                            {{5, 5, below}, -1},
+                            {{5, 5, 3}, 0},
+                            {{5, 5, above}, 2},
+                            {{15, 5, above}, -1},
+                            {{5, 5, 7}, 2},
+                            {{25, 5, 0}, -1},
+                            {{5, std::numeric_limits<float>::infinity(), 0}, -1},
+                            {{std::nanf(""), 5, 0}, -1}})
+        EXPECT_EQ(mMesh->findNode(row.mPoint), row.mNode)
+            << row.mPoint.mX << ' ' << row.mPoint.mY << ' ' << row.mPoint.mZ;
+    EXPECT_EQ(mMesh->getNodeCenter(1), Point(15, 5, 0));
+    EXPECT_FLOAT_EQ(mMesh->getDistanceToBorder({2, 5, 9}, 0), 2);
+    EXPECT_FLOAT_EQ(mMesh->getDistanceToBorder({13, 14, 0}, 0), 5) << "beyond a corner";
+    EXPECT_FALSE(mMesh->isPointInNode({0, 0, 0}, 99));
+    mMesh->getNodeCenter(4);
+    mMesh->isPointInNode({0, 0, 0}, -1);
+    mMesh->getDistanceToBorder({0, 0, 0}, -1);
+    EXPECT_EQ(Reports::take(),
+              (Texts{"nodeIndex >= 0 && nodeIndex < (int32)mNodes.size()|nodeID out of range",
+                     "nodeID >= 0|nodeID out of range", "nodeID >= 0|nodeID out of range"}));
+    const auto before = mMesh->getMemoryUsage();
+    mMesh->clearGeometry();
+    EXPECT_EQ(before - mMesh->getMemoryUsage(),
+              16 * 16 + 2 * 4 + 4 * (sizeof(NavMeshContainer::NavNode) + 32));
+}
+
+TEST_F(NavMeshTest, GivesEdgesForBordersWithNeighbours) {
+    makeMesh();
+    mMesh->mNodes[0].mNeighbours.assign({-1, 3, -7, 2});
+    NavMesh::AStarMapNavMesh map(mMesh);
+    Astar::EdgeList edges(gObjectAllocator);
+    map.getOutEdges(edges, 0);
+    ASSERT_EQ(edges.size(), 2U);
+    EXPECT_EQ(edges[0], 1U << 20);
+    EXPECT_EQ(edges[1], 3U << 20);
+    EXPECT_EQ(map.getEdgeEndNode(edges[1]), 2U);
+    EXPECT_EQ(map.getEdgeStartNode(edges[1] | 1), 1U);
+    map.getEdgeEndNode(0);
+    EXPECT_EQ(Reports::take(),
+              Texts{"endNode >= 0|getOutEdge has delivered a wrong set of out nodes"});
+    mMesh->mNodes[0].mNeighbours.assign(4096, -1);
+    mMesh->mNodes[0].mNeighbours[4094] = 1;
+    edges.clear();
+    map.getOutEdges(edges, 0);
+    EXPECT_EQ(edges.size(), 1U);
+    mMesh->mNodes[0].mNeighbours[4095] = 1;
+    map.getOutEdges(edges, 0);
+    EXPECT_EQ(edges.size(), 2U);
+    EXPECT_EQ(Reports::take(),
+              Texts{"i < (ZUNO::Common::Utility::BitMask<(32-ZUNO_ASTARMAP_NAVMESH_EDGEINDEX_"
+                    "NODEBITS)>::MASK)|Number of borders in a navmesh node exceeds the available "
+                    "range of 4095"});
+    NavMesh::NMCostFunc cost(mMesh);
+    cost.mEnds = {{1, 1, 0}, {12, 1, 0}, 0, 1};
+    mMesh->mNodes[0].mNeighbours.assign({1});
+    EXPECT_EQ(cost.getCost(0), 11) << "from the start into the goal: point to point";
+    EXPECT_EQ(cost.mEnds.distance(*mMesh, 2, 1), std::sqrt(49.0F + 16 + 16));
+}
+
+TEST_F(NavMeshTest, ReportsGraphsBeyondTheLimits) {
+    NavMesh::AStarMapNavMesh nothing({});
+    makeMesh();
+    mMesh->clearGeometry();
+    NavMesh::AStarMapNavMesh empty(mMesh);
+    mMesh->mNodes.resize(1048574, NavMeshContainer::NavNode(NavMesh::getAllocator()));
+    NavMesh::AStarMapNavMesh largest(mMesh);
+    mMesh->mNodes.resize(1048575, NavMeshContainer::NavNode(NavMesh::getAllocator()));
+    NavMesh::AStarMapNavMesh tooLarge(mMesh);
+    EXPECT_EQ(Reports::take(),
+              (Texts{"navMesh != NULL|Navmesh container is a null pointer",
+                     "navMesh->mNodes.size() != 0|Navmesh container is empty",
+                     "navMesh->mNodes.size() < STARTNODE_MASK|Number of nodes in the navmesh "
+                     "exceed the available range of 1048575"}));
+}
+
+TEST_F(NavMeshTest, ReadsElementsInTheirOrder) {
+    const std::string body =
+        "<heightmap><height id=\"5\">2</height><height id=\"2\">1.5</height><x/></heightmap>"
+        "<normal>0/0/1</normal><vertices><pos>1/2</pos><pos/></vertices>"
+        "<nodes><node><heightclass>1</heightclass><polygon><vert_id>1</vert_id></polygon>"
+        "<neighbour><node_id>-1</node_id></neighbour><surfacetypeid>65537</surfacetypeid></node>"
+        "<node><heightclass>0</heightclass><polygon></polygon><neighbour/></node></nodes>"
+        "<xaxis>1/0/0</xaxis><yaxis>0/1/0</yaxis><cubesize>0.25</cubesize>";
+    const std::string tables =
+        "<characters><character><name>a</name><userid>-5000000000</userid>"
+        "<physicalheight>2</physicalheight><jumpheight>1</jumpheight><fallheight>3</fallheight>"
+        "<maxheightclassid>1</maxheightclassid></character></characters>"
+        "<surfacetypes><surfacetype><name>stone</name><id>7</id></surfacetype></surfacetypes>";
+    const auto whole = [](const std::string& content) {
+        return "<ANY><navmesh version=\"x\">" + content + "</navmesh></ANY>";
+    };
+    mMesh = load(whole(body + tables + "<ignored/>"));
+    ASSERT_NE(mMesh.get(), nullptr);
+    EXPECT_EQ(mMesh->mHeights.size(), 2U);
+    EXPECT_EQ(mMesh->mHeights[1], 1.5F);
+    EXPECT_EQ(mMesh->mVertices[0], Point(1, 2, 0));
+    EXPECT_EQ(mMesh->mVertices[1], Point(0, 0, 0));
+    EXPECT_EQ(mMesh->mNodes[0].mSurfaceTypeID, 1);
+    EXPECT_EQ(mMesh->mNodes[1].mSurfaceTypeID, 0xFFFF);
+    EXPECT_EQ(mMesh->mCubeSize, 0.25F);
+    EXPECT_EQ(mMesh->findCharacterByUserID(-5000000000)->mFallHeight, 3);
+    EXPECT_EQ(mMesh->findCharacterByName("b"), nullptr);
+    EXPECT_EQ(mMesh->getCharactersForHeightClass(0).size(), 0U);
+    EXPECT_EQ(mMesh->getCharactersForHeightClass(1).size(), 1U);
+    EXPECT_EQ(mMesh->findSurfaceTypeByName("stone"), mMesh->findSurfaceTypeByID(7));
+    EXPECT_EQ(mMesh->findSurfaceTypeByID(0xFFFF), nullptr);
+
+    mMesh = load(whole(body + "<unknown/>" + tables));
+    ASSERT_NE(mMesh.get(), nullptr);
+    EXPECT_TRUE(mMesh->mCharacters.empty()) << "hidden behind an unknown element";
+
+    struct Case {
+        std::string mFrom;
+        std::string mTo;
+        const char* mMissing;
+    };
+    const Case cases[] = {
+        {"<xaxis>1/0/0</xaxis>", "", "'navmesh' the tag 'xaxis'"},
+        {"<cubesize>0.25</cubesize>", "<cubesize></cubesize>", "'navmesh' the tag 'cubesize'"},
+        {"<heightclass>0</heightclass>", "", "'navmesh'->'nodes'->'node' the tag 'heightclass'"},
+        {"<neighbour/>", "", "'navmesh'->'nodes'->'node' the tag 'neighbour'"},
+        {"<vertices>", "<vertices><b/></vertices><old>", "'navmesh' the tag 'nodes'"},
+        {"<userid>-5000000000</userid>", "",
+         "'navmesh'->'characters'->'character' the tag 'userid'"},
+        {"<id>7</id>", "", "'navmesh'->'surfacetypes'->'surfacetype' the tag 'id'"},
+    };
+    for (const Case& row : cases) {
+        std::string changed = whole(body + tables);
+        changed.replace(changed.find(row.mFrom), row.mFrom.size(), row.mTo);
+        if (row.mTo.ends_with("<old>"))
+            changed.replace(changed.find("</vertices><nodes>"), 11, "</old>");
+        EXPECT_EQ(load(changed).get(), nullptr);
+        EXPECT_EQ(Reports::take(),
+                  Texts{std::string("|In 'ANY'->") + row.mMissing + " is required !"});
+    }
+    EXPECT_EQ(mFiles->openCount(), 0U);
+}
+
+TEST_F(NavMeshTest, LibraryChecksItsLifetimes) {
+    NavMesh::initLibrary(mCallback, mFileCallback);
+    EXPECT_EQ(Reports::take(), Texts{"gNavBuilder == NULL|NavMesh library is already initialised"});
+    {
+        const auto builder = NavMesh::getNavMeshBuilder();
+        const auto optimizer = NavMesh::getNavMeshOptimizer();
+        // they would outlive their allocator's owner, so only the reports are looked at here
+        EXPECT_FALSE(builder.isLastReference());
+        EXPECT_FALSE(optimizer.isLastReference());
+        NavMesh::closeLibrary();
+        EXPECT_EQ(Reports::take(),
+                  (Texts{"gNavBuilder.isLastReference()|NavMeshBuilder instance is referenced from "
+                         "outside the library, cannot delete the object !",
+                         "gNavOptimizer.isLastReference()|NavMeshOptimizer instance is referenced "
+                         "from outside the library, cannot delete the object !"}));
+    }
+    NavMesh::closeLibrary();
+    EXPECT_EQ(NavMesh::getNavMeshBuilder().get(), nullptr);
+    EXPECT_EQ(NavMesh::getNavMeshOptimizer().get(), nullptr);
+    EXPECT_EQ(NavMesh::loadNavMeshXML("m").get(), nullptr);
+    NavMesh::initLibrary({}, {});
+    EXPECT_EQ(Reports::take(),
+              (Texts{"gNavBuilder != NULL|NavMesh library is not initialised",
+                     "gNavBuilder != NULL|NavMesh library is not initialised, navmesh builder will "
+                     "be a NULL pointer",
+                     "gNavOptimizer != NULL|NavMesh library is not initialised, navmesh optimizer "
+                     "will be a NULL pointer",
+                     "resources != NULL|NavMesh library is not initialised",
+                     "cbMemory != NULL|Callback pointer for memory must not be a NULL pointer",
+                     "cbFileIO != NULL|Callback pointer for file io must not be a NULL pointer"}));
+    EXPECT_EQ(raisedBy([] { NavMesh::loadNavMeshXML("m"); }).substr(0, 21),
+              "InvalidStateException");
+    EXPECT_EQ(Reports::take(), Texts{"mFileIO != NULL|File callback cannot be a NULL pointer"});
+}
+
+} // namespace ZUNO::Tests
