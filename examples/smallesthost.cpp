@@ -21,10 +21,8 @@ int main(int argc, char** argv) {
             return 1;
         }
         int result = 1;
-        for (int frame = 1; result == 1; ++frame) {
+        while (result == 1)
             result = Interface::runPathSearch(search, 20); // at most 20 expansions a frame
-            std::printf("frame %d: %s\n", frame, result == 1 ? "searching" : "done");
-        }
         Vec3<float> waypoint;
         while (Interface::getNextWaypoint(search, waypoint))
             std::printf("to %g %g %g\n", waypoint.mX, waypoint.mY, waypoint.mZ);

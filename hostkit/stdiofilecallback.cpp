@@ -1,6 +1,7 @@
 #include "hostkit/stdiofilecallback.h"
 
 #include "common/io/stream.h"
+#include "common/platform/largefile.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -10,26 +11,11 @@ namespace ZUNO::HostKit {
 
 namespace fs = std::filesystem;
 using namespace Common::Callback;
+using Common::Platform::tellFile;
 
 namespace {
 
 constexpr std::int32_t otherError = -3;
-
-#if defined(_WIN32)
-bool moveTo(std::FILE* file, std::int64_t offset, int origin) {
-    return _fseeki64(file, offset, origin) == 0;
-}
-std::int64_t positionOf(std::FILE* file) {
-    return _ftelli64(file);
-}
-#else
-bool moveTo(std::FILE* file, std::int64_t offset, int origin) {
-    return fseeko(file, static_cast<off_t>(offset), origin) == 0;
-}
-std::int64_t positionOf(std::FILE* file) {
-    return ftello(file);
-}
-#endif
 
 std::int32_t resultOf(int error) {
     switch (error) {
@@ -114,11 +100,11 @@ std::int64_t StdioFileCallback::getFileLength(Handle handle) {
     std::FILE* const file = find(handle);
     if (file == nullptr)
         return -1;
-    const std::int64_t position = positionOf(file);
-    if (position < 0 || !moveTo(file, 0, SEEK_END))
+    const std::int64_t position = tellFile(file);
+    if (position < 0 || !Common::Platform::seekFile(file, 0, SEEK_END))
         return -1;
-    const std::int64_t length = positionOf(file);
-    return moveTo(file, position, SEEK_SET) ? length : -1;
+    const std::int64_t length = tellFile(file);
+    return Common::Platform::seekFile(file, position, SEEK_SET) ? length : -1;
 }
 
 std::int32_t StdioFileCallback::readFile(void* dstBuffer, std::uint32_t numBytes, Handle handle) {
@@ -144,7 +130,7 @@ std::int32_t StdioFileCallback::writeFile(const void* srcBuffer, std::uint32_t n
 
 std::int64_t StdioFileCallback::getFilePosition(Handle handle) {
     std::FILE* const file = find(handle);
-    return file != nullptr ? positionOf(file) : -1;
+    return file != nullptr ? tellFile(file) : -1;
 }
 
 std::int64_t StdioFileCallback::seekFile(std::int64_t offset, std::int32_t origin, Handle handle) {
@@ -154,7 +140,8 @@ std::int64_t StdioFileCallback::seekFile(std::int64_t offset, std::int32_t origi
     const int base = origin == Common::IO::ORIGIN_CURRENT ? SEEK_CUR
                      : origin == Common::IO::ORIGIN_END   ? SEEK_END
                                                           : SEEK_SET;
-    return moveTo(file, offset, base) ? positionOf(file) : std::int64_t{FILE_OUT_OF_RANGE};
+    return Common::Platform::seekFile(file, offset, base) ? tellFile(file)
+                                                          : std::int64_t{FILE_OUT_OF_RANGE};
 }
 
 Common::String StdioFileCallback::getFullPathName(const String& filename) {

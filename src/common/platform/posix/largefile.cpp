@@ -1,0 +1,16 @@
+#define _FILE_OFFSET_BITS 64 // NOLINT: 64-bit offsets on 32-bit systems too
+#include "common/platform/largefile.h"
+
+#include <sys/types.h>
+
+namespace ZUNO::Common::Platform {
+
+bool seekFile(std::FILE* file, std::int64_t offset, int origin) noexcept {
+    return fseeko(file, static_cast<off_t>(offset), origin) == 0;
+}
+
+std::int64_t tellFile(std::FILE* file) noexcept {
+    return ftello(file);
+}
+
+} // namespace ZUNO::Common::Platform

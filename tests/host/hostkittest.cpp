@@ -1,0 +1,107 @@
+#include "hostkit/session.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+namespace ZUNO::Tests {
+
+namespace fs = std::filesystem;
+using HostKit::StdioFileCallback;
+
+class HostKitTest : public testing::Test {
+protected:
+    HostKitTest() : mFolder(fs::path(testing::TempDir()) / "hostkit") {
+        fs::remove_all(mFolder);
+        fs::create_directories(mFolder / "base" / "sub");
+        write(mFolder / "base" / "sub" / "in", "0123456789");
+        write(mFolder / "out", "secret");
+        fs::create_symlink(mFolder / "out", mFolder / "base" / "link");
+    }
+    ~HostKitTest() override { fs::remove_all(mFolder); }
+
+    static void write(const fs::path& file, const std::string& content) {
+        std::ofstream(file, std::ios::binary) << content;
+    }
+
+    HostKit::Foundation mFoundation;
+    fs::path mFolder;
+};
+
+TEST_F(HostKitTest, FilesCantLeaveTheBaseFolder) {
+    StdioFileCallback files(mFolder / "base");
+    struct Case {
+        std::string mName;
+        std::int32_t mMode;
+        std::int32_t mResult;
+    };
+    const Case cases[] = {
+        {"sub/in", 1, 0},
+        {"sub/../sub/in", 1, 0},
+        {"../out", 1, -1},
+        {"sub/../../out", 1, -1},
+        {(mFolder / "out").string(), 1, -1},
+        {"link", 1, -1},
+        {"missing", 1, -1},
+        {"sub", 1, -2},
+        {"sub/in/x", 1, -1},
+        {"sub/new", 3, 0},
+        {"../new", 3, -1},
+        {"sub/rw", 2, 0},
+    };
+    for (const Case& row : cases) {
+        StdioFileCallback::Handle handle = 0;
+        EXPECT_EQ(files.openFile(&handle, row.mName.c_str(), row.mMode), row.mResult) << row.mName;
+        EXPECT_EQ(files.isValidHandle(handle), row.mResult == 0);
+        files.closeFile(handle);
+    }
+    EXPECT_FALSE(fs::exists(mFolder / "new"));
+    EXPECT_EQ(std::string(files.getFullPathName("sub/in").getConstCharPtr()),
+              (mFolder / "base" / "sub" / "in").string());
+}
+
+TEST_F(HostKitTest, FilesAreReadWrittenAndSought) {
+    StdioFileCallback files;
+    StdioFileCallback::Handle handle = 0;
+    const std::string name = (mFolder / "base" / "sub" / "in").string();
+    ASSERT_EQ(files.openFile(&handle, name.c_str(), 2), 0);
+    char buffer[8] = "";
+    EXPECT_EQ(files.readFile(buffer, 4, handle), 4);
+    EXPECT_EQ(files.getFilePosition(handle), 4);
+    EXPECT_EQ(files.getFileLength(handle), 10);
+    EXPECT_EQ(files.getFilePosition(handle), 4) << "asking for the length moves nothing";
+    EXPECT_EQ(files.seekFile(-2, 2, handle), 8);
+    EXPECT_EQ(files.readFile(buffer, 8, handle), 2);
+    EXPECT_EQ(files.seekFile(-1, 1, handle), 9);
+    EXPECT_EQ(files.writeFile("ab", 2, handle), 2);
+    EXPECT_EQ(files.seekFile(-1, 3, handle), -4);
+    EXPECT_EQ(files.seekFile(std::int64_t{5} << 32, 3, handle), std::int64_t{5} << 32);
+    EXPECT_EQ(files.getFileLength(handle), 11);
+    files.closeFile(handle);
+    EXPECT_EQ(files.readFile(buffer, 1, handle), -1);
+    EXPECT_EQ(files.getFileLength(handle), -1);
+    EXPECT_EQ(files.bytesRead(), 6U);
+}
+
+TEST_F(HostKitTest, SessionsSayWhyTheyDidNotStart) {
+    write(mFolder / "mesh", "<a>\n<b></a>");
+    const auto reason = [&](const std::string& file) -> std::string {
+        try {
+            const HostKit::Session session(file, mFolder.string());
+        } catch (const std::runtime_error& error) {
+            return error.what();
+        }
+        return "";
+    };
+    EXPECT_EQ(reason("mesh").substr(0, 40), "XMLParser: Name in starttag and endtag a");
+    EXPECT_EQ(reason("../etc/passwd").substr(0, 42), "CallbackFileStream: File or path not found");
+    write(mFolder / "mesh", "<a><b/></a>");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(reason("mesh"), "mesh: no usable navigation mesh");
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("'navmesh' is required"),
+              std::string::npos);
+}
+
+} // namespace ZUNO::Tests
