@@ -11,7 +11,12 @@
 
 namespace ZUNO::Common::Parser::XML {
 class XMLNodeElements;
-}
+class XMLTreeBuilder;
+} // namespace ZUNO::Common::Parser::XML
+
+namespace ZUNO::Common::IO {
+class Stream;
+} // namespace ZUNO::Common::IO
 
 namespace ZUNO::NavMesh {
 
@@ -97,6 +102,17 @@ public:
     /// Fills the mesh from a "navmesh" element. False, after a report, when something that must be
     /// there is missing; values are taken as they are.
     bool readXML(const Common::Parser::XML::XMLNodeElements& element);
+    /// Appends the "navmesh" element to a document that copies its strings. Floats keep six
+    /// significant digits.
+    void writeXML(Common::Parser::XML::XMLTreeBuilder& builder) const;
+
+    /// Fills a new mesh from its binary form; keeps every bit. True, or an exception of the
+    /// storage's: for a stream that is cut or no such mesh.
+    bool readBinary(const Common::SharedPtr<Common::IO::Stream>& stream);
+    /// `option` is the byte order to write (1: little-endian). A node's neighbours beyond its
+    /// corners are left out, missing ones become -1: the form has one count for both.
+    void writeBinary(const Common::SharedPtr<Common::IO::Stream>& stream,
+                     std::int32_t option) const;
 
     const Common::SharedPtr<Common::Memory::Allocator>& getAllocator() const { return mAllocator; }
 

@@ -3,6 +3,7 @@
 #include "common/memory/objectcreation.h"
 #include "common/parser/xml/xmlparser.h"
 #include "common/parser/xml/xmltreereader.h"
+#include "common/parser/xml/xmlwriter.h"
 #include "navmesh/resourceinterface.h"
 
 #include <memory>
@@ -11,9 +12,25 @@ namespace ZUNO::NavMesh {
 
 using namespace Common;
 
-SharedPtr<NavMeshContainer> loadNavMeshXML(const String& fileName) {
+namespace {
+
+/// The library's resources; null, after a report, while it is closed.
+ResourceInterface* findResources() {
     ResourceInterface* const resources = ResourceInterface::getInstance();
     ZUNO_CHECK_AS(resources != nullptr, "resources != NULL", "NavMesh library is not initialised");
+    return resources;
+}
+
+/// The same, for saving a mesh, which must not be null.
+ResourceInterface* findResourcesFor(const SharedPtr<NavMeshContainer>& mesh) {
+    ZUNO_CHECK_AS(mesh != nullptr, "mesh != NULL", "There is no mesh to save");
+    return mesh != nullptr ? findResources() : nullptr;
+}
+
+} // namespace
+
+SharedPtr<NavMeshContainer> loadNavMeshXML(const String& fileName) {
+    ResourceInterface* const resources = findResources();
     if (resources == nullptr)
         return {};
     const SharedPtr<Memory::Allocator>& allocator = resources->getAllocator();
@@ -30,6 +47,43 @@ SharedPtr<NavMeshContainer> loadNavMeshXML(const String& fileName) {
     }
     stream->close();
     return mesh;
+}
+
+void saveNavMeshXML(const String& fileName, const SharedPtr<NavMeshContainer>& mesh) {
+    ResourceInterface* const resources = findResourcesFor(mesh);
+    if (resources == nullptr)
+        return;
+    const SharedPtr<IO::Stream> stream = resources->openWriteStream(fileName);
+    const std::unique_ptr<Parser::XML::XMLTreeBuilder> builder(
+        Memory::createManaged<Parser::XML::XMLTreeBuilder>(resources->getAllocator()));
+    builder->begin("ZUNO", true);
+    mesh->writeXML(*builder);
+    Parser::XML::XMLWriter writer;
+    writer.writeHeader(*stream);
+    writer.write(*stream, builder->getRoot());
+    stream->close();
+}
+
+SharedPtr<NavMeshContainer> loadNavMeshBinary(const String& fileName) {
+    ResourceInterface* const resources = findResources();
+    if (resources == nullptr)
+        return {};
+    const SharedPtr<IO::Stream> stream = resources->openReadStream(fileName);
+    SharedPtr<NavMeshContainer> mesh(
+        Memory::createManaged<NavMeshContainer>(resources->getAllocator()));
+    if (!mesh->readBinary(stream))
+        mesh = nullptr;
+    stream->close();
+    return mesh;
+}
+
+void saveNavMeshBinary(const String& fileName, const SharedPtr<NavMeshContainer>& mesh) {
+    ResourceInterface* const resources = findResourcesFor(mesh);
+    if (resources == nullptr)
+        return;
+    const SharedPtr<IO::Stream> stream = resources->openWriteStream(fileName);
+    mesh->writeBinary(stream, 1);
+    stream->close();
 }
 
 } // namespace ZUNO::NavMesh

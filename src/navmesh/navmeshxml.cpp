@@ -1,4 +1,5 @@
 // The mesh's XML form.
+#include "common/parser/xml/xmltreebuilder.h"
 #include "common/parser/xml/xmltreereader.h"
 #include "navmesh/navmeshcontainer.h"
 
@@ -127,6 +128,77 @@ bool NavMeshContainer::readXML(const XMLNodeElements& element) {
            getRequiredValue(mYAxis, &element, "yaxis") &&
            getRequiredValue(mCubeSize, &element, "cubesize") && readCharacters(*this, element) &&
            readSurfaceTypes(*this, element);
+}
+
+namespace {
+
+template <typename T>
+void writeValues(XMLTreeBuilder& builder, const char* list, const char* name,
+                 const NavMeshContainer::Vector<T>& values) {
+    builder.beginElements(list);
+    for (const T& value : values)
+        builder.addTextNode(name, value);
+    builder.endElement(list);
+}
+
+void writeHeights(XMLTreeBuilder& builder, const NavMeshContainer::Vector<float>& heights) {
+    builder.beginElements("heightmap");
+    int id = 0;
+    for (const float height : heights) {
+        builder.addTextNode("height", height);
+        builder.addAttribute("id", id++);
+    }
+    builder.endElement("heightmap");
+}
+
+void writeNode(XMLTreeBuilder& builder, const NavMeshContainer::NavNode& node) {
+    builder.beginElements("node");
+    builder.addTextNode("heightclass", node.mHeightClass);
+    writeValues(builder, "polygon", "vert_id", node.mPolygon);
+    writeValues(builder, "neighbour", "node_id", node.mNeighbours);
+    builder.addTextNode("surfacetypeid", std::uint32_t{node.mSurfaceTypeID});
+    builder.endElement("node");
+}
+
+void writeCharacter(XMLTreeBuilder& builder, const NavMeshContainer::CharacterInfo& info) {
+    builder.beginElements("character");
+    builder.addTextNode("name", info.mName.getConstCharPtr());
+    builder.addTextNode("userid", info.mUserID);
+    builder.addTextNode("physicalheight", info.mPhysicalHeight);
+    builder.addTextNode("jumpheight", info.mJumpHeight);
+    builder.addTextNode("fallheight", info.mFallHeight);
+    builder.addTextNode("maxheightclassid", info.mMaxHeightClassID);
+    builder.endElement("character");
+}
+
+void writeSurfaceType(XMLTreeBuilder& builder, const NavMeshContainer::SurfaceType& type) {
+    builder.beginElements("surfacetype");
+    builder.addTextNode("name", type.mName.getConstCharPtr());
+    builder.addTextNode("id", std::uint32_t{type.mID});
+    builder.endElement("surfacetype");
+}
+
+} // namespace
+
+void NavMeshContainer::writeXML(XMLTreeBuilder& builder) const {
+    const auto writeAll = [&](const char* list, const auto& records, auto write) {
+        builder.beginElements(list);
+        for (const auto& record : records)
+            write(builder, record);
+        builder.endElement(list);
+    };
+    builder.beginElements("navmesh");
+    builder.addAttribute("version", "2.5.0");
+    writeHeights(builder, mHeights);
+    builder.addTextNode("normal", mNormal);
+    writeValues(builder, "vertices", "pos", mVertices);
+    writeAll("nodes", mNodes, writeNode);
+    builder.addTextNode("xaxis", mXAxis);
+    builder.addTextNode("yaxis", mYAxis);
+    builder.addTextNode("cubesize", mCubeSize);
+    writeAll("characters", mCharacters, writeCharacter);
+    writeAll("surfacetypes", mSurfaceTypes, writeSurfaceType);
+    builder.endElement("navmesh");
 }
 
 } // namespace ZUNO::NavMesh

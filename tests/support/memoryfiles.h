@@ -17,10 +17,13 @@ public:
 
     bool isValidHandle(Handle handle) override { return mOpen.contains(handle); }
     Handle getInvalidHandle() override { return 77; }
-    std::int32_t openFile(Handle* handle, const Common::String& filename, std::int32_t) override {
+    std::int32_t openFile(Handle* handle, const Common::String& filename,
+                          std::int32_t mode) override {
         if (mOpenResult < 0)
             return mOpenResult;
         const std::string name = filename.getConstCharPtr();
+        if (mode == Common::IO::FACCESS_WRITE)
+            mFiles[name] = "";
         if (!mFiles.contains(name))
             return Common::Callback::FILE_NOT_FOUND;
         *handle = 1000 + ++mOpened;
@@ -41,14 +44,31 @@ public:
         position += count;
         return static_cast<std::int32_t>(count);
     }
-    std::int32_t writeFile(const void*, std::uint32_t numBytes, Handle) override {
-        return mWriteResult != noResult ? mWriteResult : static_cast<std::int32_t>(numBytes);
+    std::int32_t writeFile(const void* srcBuffer, std::uint32_t numBytes, Handle handle) override {
+        if (mWriteResult != noResult)
+            return mWriteResult;
+        auto& [name, position] = mOpen[handle];
+        std::string& content = mFiles[name];
+        content.resize(std::max<std::size_t>(content.size(), position + numBytes));
+        std::memcpy(content.data() + position, srcBuffer, numBytes);
+        position += numBytes;
+        return static_cast<std::int32_t>(numBytes);
     }
     std::int64_t getFilePosition(Handle handle) override {
         return static_cast<std::int64_t>(mOpen[handle].second);
     }
-    std::int64_t seekFile(std::int64_t offset, std::int32_t origin, Handle) override {
-        return mSeekResult != noResult ? mSeekResult : offset * 10 + origin;
+    std::int64_t seekFile(std::int64_t offset, std::int32_t origin, Handle handle) override {
+        if (mSeekResult != noResult)
+            return mSeekResult;
+        auto& position = mOpen[handle].second;
+        const auto base = origin == Common::IO::ORIGIN_END       ? contentOf(handle).size()
+                          : origin == Common::IO::ORIGIN_CURRENT ? position
+                                                                 : 0;
+        const std::int64_t target = static_cast<std::int64_t>(base) + offset;
+        if (target < 0 || target > static_cast<std::int64_t>(contentOf(handle).size()))
+            return Common::Callback::FILE_OUT_OF_RANGE;
+        position = static_cast<std::size_t>(target);
+        return target;
     }
     Common::String getFullPathName(const Common::String& filename) override {
         return "/full/" + filename;

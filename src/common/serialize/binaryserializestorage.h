@@ -1,0 +1,160 @@
+#pragma once
+
+#include "common/serialize/nametable.h"
+#include "common/serialize/serializestorage.h"
+
+namespace ZUNO::Common::Serialize {
+
+/// Byte orders, as streams carry them.
+struct Endian {
+    static constexpr int little = 1;
+    static constexpr int big = 0;
+    /// The marker of this machine's byte order.
+    static int getSystemEncoding();
+};
+
+/// A storage in bytes: each item is a type code, the id of its name and the value; the names stand
+/// once each in two tables at the stream's end. The stream must be at its start and seekable.
+/// A stream that is cut or damaged raises a SerializeException ("The stream is corrupted. ...") or
+/// gives some value; it never makes the storage ask for more memory than its length accounts for.
+class BinarySerializeStorage : public SerializeStorage {
+public:
+    class BinaryPosition : public Position {
+    public:
+        explicit BinaryPosition(std::uint64_t offset) : Position(STORAGE_BINARY), mOffset(offset) {}
+        bool operator==(const Position& other) const override;
+        std::uint64_t getOffset() const { return mOffset; }
+
+    private:
+        std::uint64_t mOffset;
+    };
+
+    /// `marker`: the byte order to write with; reading takes it from the stream.
+    BinarySerializeStorage(std::int32_t mode, int marker);
+    /// Closes; a failure of that is reported. Call `close` to get its exception.
+    ~BinarySerializeStorage() override;
+
+    SharedPtr<Position> getPosition() override;
+    void setPosition(const SharedPtr<Position>& position) override;
+    /// Raises an ArgumentException for a stream that can't do what the mode needs, a
+    /// VersionMismatchException, or a SerializeException. Another byte order is reported.
+    void open(const SharedPtr<IO::Stream>& stream) override;
+    /// Writes the tables and lets the stream go. Does nothing on a closed storage.
+    void close() override;
+    void skipItem(String& name, int& type) override;
+    int peekItemType() override;
+
+    void readClassEnter(String& name, String& typeName, String& typeName2,
+                        std::uint32_t& version) override;
+    void readClassExit() override;
+    void readWString(String& name, WideText& value) override;
+    void readBString(String& name, String& value) override;
+    void readFloat64(String& name, double& value) override { read(ITEM_FLOAT64, name, value); }
+    void readFloat32(String& name, float& value) override { read(ITEM_FLOAT32, name, value); }
+    void readInt64(String& name, std::int64_t& value) override { read(ITEM_INT64, name, value); }
+    void readUInt64(String& name, std::uint64_t& value) override { read(ITEM_UINT64, name, value); }
+    void readInt32(String& name, std::int32_t& value) override { read(ITEM_INT32, name, value); }
+    void readUInt32(String& name, std::uint32_t& value) override { read(ITEM_UINT32, name, value); }
+    void readInt16(String& name, std::int16_t& value) override { read(ITEM_INT16, name, value); }
+    void readUInt16(String& name, std::uint16_t& value) override { read(ITEM_UINT16, name, value); }
+    void readInt8(String& name, std::int8_t& value) override { read(ITEM_INT8, name, value); }
+    void readUInt8(String& name, std::uint8_t& value) override { read(ITEM_UINT8, name, value); }
+    void readBool(String& name, bool& value) override;
+
+    /// Names above 2,047 bytes and texts above 65,535 units raise an ArgumentOutOfRangeException.
+    void writeClassEnter(const String& name, const String& typeName, const String& typeName2,
+                         std::uint32_t version) override;
+    void writeClassExit() override;
+    void writeWString(const String& name, const WideText& value) override;
+    void writeBString(const String& name, const String& value) override;
+    void writeFloat64(const String& name, double value) override {
+        write(ITEM_FLOAT64, name, value);
+    }
+    void writeFloat32(const String& name, float value) override {
+        write(ITEM_FLOAT32, name, value);
+    }
+    void writeInt64(const String& name, std::int64_t value) override {
+        write(ITEM_INT64, name, value);
+    }
+    void writeUInt64(const String& name, std::uint64_t value) override {
+        write(ITEM_UINT64, name, value);
+    }
+    void writeInt32(const String& name, std::int32_t value) override {
+        write(ITEM_INT32, name, value);
+    }
+    void writeUInt32(const String& name, std::uint32_t value) override {
+        write(ITEM_UINT32, name, value);
+    }
+    void writeInt16(const String& name, std::int16_t value) override {
+        write(ITEM_INT16, name, value);
+    }
+    void writeUInt16(const String& name, std::uint16_t value) override {
+        write(ITEM_UINT16, name, value);
+    }
+    void writeInt8(const String& name, std::int8_t value) override {
+        write(ITEM_INT8, name, value);
+    }
+    void writeUInt8(const String& name, std::uint8_t value) override {
+        write(ITEM_UINT8, name, value);
+    }
+    void writeBool(const String& name, bool value) override {
+        write(ITEM_BOOL, name, static_cast<std::uint8_t>(value ? 1 : 0));
+    }
+
+private:
+    static constexpr std::size_t bufferSize = 16384;
+    static constexpr std::uint32_t formatVersion = 1;
+    static constexpr std::int64_t tableOffsetPlace = 5;
+
+    template <typename T>
+    void put(T value) {
+        putNumber(&value, sizeof(T));
+    }
+    template <typename T>
+    T get() {
+        T value;
+        getNumber(&value, sizeof(T));
+        return value;
+    }
+    template <typename T>
+    void write(ItemType type, const String& name, T value) {
+        writeHead(type, name);
+        put(value);
+    }
+    template <typename T>
+    void read(ItemType type, String& name, T& value) {
+        readHead(type, name);
+        value = get<T>();
+    }
+
+    void writeHead(ItemType type, const String& name);
+    void readHead(ItemType expected, String& name);
+    void readType(ItemType expected);
+    void readTypeName(String& name);
+    void requireOpen() const;
+
+    void openOutput();
+    void openInput();
+    void writeTable(const NameTable& table);
+    void readTable(NameTable& table);
+
+    /// These swap the bytes in place when the stream's byte order asks for it.
+    void putNumber(void* bytes, std::size_t size);
+    void getNumber(void* bytes, std::size_t size);
+    // reading goes through a buffer: an item is a handful of bytes
+    void getBytes(void* bytes, std::size_t count);
+    std::uint64_t offset();
+    void seekTo(std::uint64_t offset);
+    /// Bytes from here to the stream's end.
+    std::uint64_t remaining();
+
+    SharedPtr<IO::Stream> mStream;
+    int mEndiness;
+    NameTable mInstanceNames;
+    NameTable mTypeNames;
+    std::vector<std::byte, Memory::STLAllocator<std::byte>> mBuffer;
+    std::size_t mBufferPosition = 0;
+    std::size_t mBufferEnd = 0;
+};
+
+} // namespace ZUNO::Common::Serialize

@@ -1,0 +1,240 @@
+#include "common/callback/callbackfilestream.h"
+#include "common/memory/objectcreation.h"
+#include "common/serialize/binaryserializestorage.h"
+#include "tests/support/foundation.h"
+#include "tests/support/memoryfiles.h"
+
+#include <memory>
+
+namespace ZUNO::Tests {
+
+using namespace Common;
+using namespace Common::Serialize;
+
+class SerializeTest : public FoundationTest {
+protected:
+    SerializeTest() {
+        mFiles = new MemoryFiles;
+        mFileCallback = mFiles;
+    }
+
+    SharedPtr<IO::Stream> open(const char* name, int mode) {
+        auto* const stream =
+            Memory::createManaged<Callback::CallbackFileStream>(gObjectAllocator, mFileCallback);
+        SharedPtr<IO::Stream> shared(stream);
+        stream->open(name, mode);
+        return shared;
+    }
+    std::unique_ptr<BinarySerializeStorage> make(int mode, int marker) {
+        return std::unique_ptr<BinarySerializeStorage>(
+            Memory::createManaged<BinarySerializeStorage>(gObjectAllocator, mode, marker));
+    }
+    std::unique_ptr<BinarySerializeStorage> reader(const char* name) {
+        auto storage = make(SMODE_INPUT, 2);
+        storage->open(open(name, 1));
+        return storage;
+    }
+
+    /// One item of each type, within two classes.
+    void writeAll(const char* name, int marker) {
+        auto out = make(SMODE_OUTPUT, marker);
+        out->open(open(name, 3));
+        out->writeClassEnter("outer", "T", "U", 25);
+        out->writeBool("b", true);
+        out->writeUInt8("u8", 200);
+        out->writeInt8("i8", -100);
+        out->writeUInt16("u16", 60000);
+        out->writeInt16("i16", -30000);
+        out->writeUInt32("u32", 4000000000U);
+        out->writeInt32("i32", -2000000000);
+        out->writeClassEnter("inner", "U", "T", 1);
+        out->writeUInt64("u64", 18000000000000000000U);
+        out->writeInt64("i64", -9000000000000000000);
+        out->writeFloat32("f", 0.1F);
+        out->writeFloat64("d", 0.1);
+        out->writeClassExit();
+        out->writeBString("b", "text");
+        out->writeWString("w", WideText({u'\u00e4', u'b'}, gObjectAllocator));
+        out->writeClassExit();
+        out->writeInt32("last", 7);
+        out->close();
+        out->close(); // once more does nothing
+    }
+
+    void readAll(BinarySerializeStorage& in) {
+        String name;
+        String type;
+        String type2;
+        std::uint32_t version = 0;
+        in.readClassEnter(name, type, type2, version);
+        EXPECT_TRUE(name == "outer" && type == "T" && type2 == "U");
+        EXPECT_EQ(version, 25U);
+        const auto expect = [&](auto value, auto read, const char* expectedName) {
+            decltype(value) found{};
+            (in.*read)(name, found);
+            EXPECT_EQ(found, value);
+            EXPECT_STREQ(name.getConstCharPtr(), expectedName);
+        };
+        using S = BinarySerializeStorage;
+        expect(true, &S::readBool, "b");
+        expect(std::uint8_t{200}, &S::readUInt8, "u8");
+        expect(std::int8_t{-100}, &S::readInt8, "i8");
+        expect(std::uint16_t{60000}, &S::readUInt16, "u16");
+        expect(std::int16_t{-30000}, &S::readInt16, "i16");
+        expect(4000000000U, &S::readUInt32, "u32");
+        expect(-2000000000, &S::readInt32, "i32");
+        in.readClassEnter(name, type, type2, version);
+        EXPECT_TRUE(name == "inner" && type == "U" && type2 == "T");
+        expect(std::uint64_t{18000000000000000000U}, &S::readUInt64, "u64");
+        expect(std::int64_t{-9000000000000000000}, &S::readInt64, "i64");
+        expect(0.1F, &S::readFloat32, "f");
+        expect(0.1, &S::readFloat64, "d");
+        in.readClassExit();
+        expect(String("text"), &S::readBString, "b");
+        WideText wide(gObjectAllocator);
+        in.readWString(name, wide);
+        EXPECT_EQ(wide, WideText({u'\u00e4', u'b'}, gObjectAllocator));
+        in.readClassExit();
+        expect(7, &S::readInt32, "last");
+    }
+
+    MemoryFiles* mFiles;
+    SharedPtr<Callback::FileIOCallback> mFileCallback;
+};
+
+TEST_F(SerializeTest, WritesTheseBytes) {
+    const auto write = [&](int marker) {
+        auto out = make(SMODE_OUTPUT, marker);
+        out->open(open("g", 3));
+        out->writeInt32("a", 0x01020304);
+        out->writeFloat32("b", 1.0F);
+        out->writeClassEnter("a", "T", "T", 25);
+        out->writeClassExit();
+        out.reset();
+        return mFiles->mFiles["g"];
+    };
+    const auto bytes = [](std::initializer_list<int> list) {
+        std::string text;
+        for (const int byte : list)
+            text += static_cast<char>(byte);
+        return text;
+    };
+    EXPECT_EQ(write(1),
+              bytes({1,  1, 0, 0, 0, 49, 0,   0,    0,    0, 0, 0, 0,               // header
+                     7,  0, 0, 0, 0, 4,  3,   2,    1,                              // a
+                     10, 1, 0, 0, 0, 0,  0,   0x80, 0x3F,                           // b
+                     14, 0, 0, 0, 0, 0,  0,   0,    0,    0, 0, 0, 0, 25,  0, 0, 0, // enter
+                     15,                                                            // exit
+                     2,  0, 0, 0, 1, 0,  'a', 0,    0,    0, 0, 1, 0, 'b', 1, 0, 0,
+                     0,  1, 0, 0, 0, 1,  0,   'T',  0,    0, 0, 0}));
+    EXPECT_EQ(write(0),
+              bytes({0, 0, 0,   0, 1, 0, 0, 0,    0,    0, 0, 0,  49, 7,   0, 0,   0, 0, 1, 2,
+                     3, 4, 10,  0, 0, 0, 1, 0x3F, 0x80, 0, 0, 14, 0,  0,   0, 0,   0, 0, 0, 0,
+                     0, 0, 0,   0, 0, 0, 0, 25,   15,   0, 0, 0,  2,  0,   1, 'a', 0, 0, 0, 0,
+                     0, 1, 'b', 0, 0, 0, 1, 0,    0,    0, 1, 0,  1,  'T', 0, 0,   0, 0}));
+}
+
+TEST_F(SerializeTest, ReadsBackWhatItWroteInBothByteOrders) {
+    for (const int marker : {1, 0}) {
+        writeAll("s", marker);
+        auto in = reader("s");
+        EXPECT_EQ(Reports::take().size(), marker == 1 ? 0U : 1U) << "a foreign byte order is told";
+        readAll(*in);
+    }
+}
+
+TEST_F(SerializeTest, SkipsAndReturns) {
+    writeAll("s", 1);
+    auto in = reader("s");
+    const SharedPtr<SerializeStorage::Position> begin = in->getPosition();
+    EXPECT_EQ(in->peekItemType(), ITEM_CLASS_ENTER);
+    String name;
+    int type = 0;
+    in->skipItem(name, type);
+    EXPECT_EQ(type, ITEM_CLASS_ENTER);
+    EXPECT_STREQ(name.getConstCharPtr(), "outer");
+    EXPECT_FALSE(*in->getPosition() == *begin);
+    in->skipItem(name, type);
+    EXPECT_EQ(type, ITEM_INT32);
+    EXPECT_STREQ(name.getConstCharPtr(), "last");
+    in->setPosition(begin);
+    EXPECT_TRUE(*in->getPosition() == *begin);
+    readAll(*in);
+    in->setPosition({});
+    auto out = make(SMODE_OUTPUT, 1);
+    out->skipItem(name, type);
+    EXPECT_EQ(Reports::take(),
+              (Texts{"storagePos->getStorageType() == STORAGE_BINARY|Cannot use StoragePosition "
+                     "from wrong type",
+                     "getSerializeMode() == SMODE_INPUT|Cannot read on a write stream"}));
+}
+
+TEST_F(SerializeTest, SaysWhatIsWrong) {
+    writeAll("s", 1);
+    const std::string good = mFiles->mFiles["s"];
+    const auto opening = [&](const std::string& content) {
+        mFiles->mFiles["s"] = content;
+        return raisedBy([&] { reader("s"); });
+    };
+    std::string version = good;
+    version[1] = 2;
+    EXPECT_EQ(opening(version),
+              "VersionMismatchException: The input stream has a wrong version for this serialize "
+              "storage. We found version '2' but expected version '1' {FoundVersion=2} "
+              "{ExpectedVersion=1}");
+    std::string unfinished = good;
+    unfinished.replace(5, 8, 8, '\0');
+    EXPECT_EQ(opening(unfinished),
+              "SerializeException: Stream is corrupted, no lookup table stored in the stream");
+    mFiles->mFiles["s"] = good;
+    EXPECT_EQ(raisedBy([&] {
+                  String name;
+                  float value = 0;
+                  reader("s")->readFloat32(name, value);
+              }),
+              "TypeMismatchException: Expected an item of type: 'float32' but found an item of "
+              "type: 'Class enter' {FoundType=Class enter} {ExpectedType=float32}");
+    const auto refused = [&](int mode, int access) {
+        return raisedBy([&] { make(mode, 1)->open(open("s", access)); });
+    };
+    EXPECT_EQ(refused(SMODE_OUTPUT, 1), "ArgumentException: IO stream has to be writable for an "
+                                        "output serialize stream {ArgumentName=stream}");
+    EXPECT_EQ(raisedBy([&] { make(SMODE_INPUT, 1)->open({}); }),
+              "ArgumentException: IO stream has to be readable for an input serialize stream "
+              "{ArgumentName=stream}");
+    auto out = make(SMODE_OUTPUT, 1);
+    out->open(open("o", 3));
+    const std::string longName(2048, 'n');
+    const std::string longText(65536, 't');
+    EXPECT_EQ(raisedBy([&] { out->writeBool(longName.c_str(), true); }).substr(0, 27),
+              "ArgumentOutOfRangeException");
+    EXPECT_EQ(raisedBy([&] { out->writeBString("n", longText.c_str()); }).substr(0, 27),
+              "ArgumentOutOfRangeException");
+}
+
+TEST_F(SerializeTest, SurvivesStreamsThatAreCutOrDamaged) {
+    writeAll("s", 1);
+    const std::string good = mFiles->mFiles["s"];
+    const auto skipAll = [&](const std::string& content) {
+        mFiles->mFiles["s"] = content;
+        return raisedBy([&] {
+            auto in = reader("s");
+            String name;
+            int type = 0;
+            for (int item = 0; item < 2; ++item)
+                in->skipItem(name, type);
+        });
+    };
+    ASSERT_EQ(skipAll(good), "");
+    for (std::size_t length = 0; length < good.size(); ++length)
+        EXPECT_TRUE(skipAll(good.substr(0, length)).starts_with("SerializeException: ")) << length;
+    for (std::size_t i = 0; i < good.size(); ++i)
+        for (const int damage : {0x01, 0x80, 0xFF}) {
+            std::string bad = good;
+            bad[i] = static_cast<char>(bad[i] ^ damage);
+            skipAll(bad); // some value or an exception; never an overrun
+        }
+    Reports::take();
+}
+
+} // namespace ZUNO::Tests

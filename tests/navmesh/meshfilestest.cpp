@@ -1,0 +1,90 @@
+#include "navmesh/interface.h"
+#include "navmesh/navmeshfiles.h"
+#include "tests/support/foundation.h"
+#include "tests/support/memoryfiles.h"
+#include "worlds/meshmodel.h"
+
+#include <bit>
+
+namespace ZUNO::Tests {
+
+using namespace Common;
+using NavMesh::NavMeshContainer;
+
+class MeshFilesTest : public FoundationTest {
+protected:
+    MeshFilesTest() {
+        mFiles = new MemoryFiles;
+        mFileCallback = mFiles;
+        NavMesh::initLibrary(mCallback, mFileCallback);
+        mFiles->mFiles["in"] = Worlds::makeHarbour().toXML("harbour");
+    }
+    ~MeshFilesTest() override { NavMesh::closeLibrary(); }
+
+    MemoryFiles* mFiles;
+    SharedPtr<Callback::FileIOCallback> mFileCallback;
+};
+
+TEST_F(MeshFilesTest, XmlWrittenAndReadAgainGivesTheSameBytes) {
+    NavMesh::saveNavMeshXML("once", NavMesh::loadNavMeshXML("in"));
+    NavMesh::saveNavMeshXML("twice", NavMesh::loadNavMeshXML("once"));
+    EXPECT_TRUE(mFiles->mFiles["once"] == mFiles->mFiles["twice"]);
+    const std::string& text = mFiles->mFiles["once"];
+    EXPECT_TRUE(text.starts_with("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n"
+                                 "<ZUNO>\n\t<navmesh version=\"2.5.0\">\n\t\t<heightmap>\n"
+                                 "\t\t\t<height id=\"0\">2.5</height>\n"));
+    // but for the comment and empty surfaces it is the generator's own text
+    const std::string& made = mFiles->mFiles["in"];
+    EXPECT_EQ(text.substr(text.find("<ZUNO>")), made.substr(made.find("<ZUNO>")));
+}
+
+TEST_F(MeshFilesTest, BinaryKeepsEveryBit) {
+    SharedPtr<NavMeshContainer> mesh = NavMesh::loadNavMeshXML("in");
+    mesh->mVertices[0].mX = std::bit_cast<float>(0x7FC12345U); // a NaN with a payload
+    mesh->mVertices[1].mY = 0.1F + 1e-8F;
+    mesh->mVertices[2].mZ = -0.0F;
+    mesh->mSurfaceTypes[0].mName = "<\"&\xFF>";
+    mesh->mCharacters.clear();
+    NavMesh::saveNavMeshBinary("b", mesh);
+    const SharedPtr<NavMeshContainer> read = NavMesh::loadNavMeshBinary("b");
+    NavMesh::saveNavMeshBinary("again", read);
+    EXPECT_TRUE(mFiles->mFiles["b"] == mFiles->mFiles["again"]);
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(read->mVertices[0].mX), 0x7FC12345U);
+    EXPECT_EQ(read->mVertices[1].mY, mesh->mVertices[1].mY);
+    EXPECT_TRUE(read->mSurfaceTypes[0].mName == mesh->mSurfaceTypes[0].mName);
+    EXPECT_TRUE(read->mCharacters.empty());
+    ASSERT_EQ(read->mNodes.size(), mesh->mNodes.size());
+    for (std::size_t i = 0; i < mesh->mNodes.size(); ++i) {
+        EXPECT_EQ(read->mNodes[i].mPolygon, mesh->mNodes[i].mPolygon);
+        EXPECT_EQ(read->mNodes[i].mNeighbours, mesh->mNodes[i].mNeighbours);
+    }
+}
+
+TEST_F(MeshFilesTest, EmptyTablesAndBrokenFiles) {
+    mFiles->mFiles["e"] = "<a><navmesh><heightmap/><normal/><vertices/><nodes/><xaxis/><yaxis/>"
+                          "<cubesize/></navmesh></a>";
+    NavMesh::saveNavMeshBinary("b", NavMesh::loadNavMeshXML("e"));
+    NavMesh::saveNavMeshXML("x", NavMesh::loadNavMeshBinary("b"));
+    EXPECT_NE(mFiles->mFiles["x"].find("\t\t<characters>\n\t\t</characters>\n"), std::string::npos);
+    const std::string good = mFiles->mFiles["b"];
+    for (std::size_t i = 0; i < good.size(); ++i)
+        for (const int damage : {0x01, 0x40, 0xFF}) {
+            mFiles->mFiles["b"] = good;
+            mFiles->mFiles["b"][i] = static_cast<char>(good[i] ^ damage);
+            raisedBy([] { NavMesh::loadNavMeshBinary("b"); });
+            mFiles->mFiles["b"] = good.substr(0, i);
+            EXPECT_TRUE(raisedBy([] { NavMesh::loadNavMeshBinary("b"); }).starts_with("Serialize"));
+        }
+    Reports::take();
+    NavMesh::saveNavMeshXML("n", {});
+    EXPECT_EQ(Reports::take(), Texts{"mesh != NULL|There is no mesh to save"});
+    mFiles->mWriteResult = -5;
+    EXPECT_EQ(raisedBy([] { NavMesh::saveNavMeshXML("n", NavMesh::loadNavMeshXML("in")); }),
+              "OutOfSpaceException: CallbackFileStream: Cannot write to file, disk full.");
+    EXPECT_EQ(raisedBy([] { NavMesh::saveNavMeshBinary("n", NavMesh::loadNavMeshXML("in")); }),
+              "OutOfSpaceException: CallbackFileStream: Cannot write to file, disk full.");
+    EXPECT_EQ(mFiles->openCount(), 0U);
+    Reports::take();
+}
+
+} // namespace ZUNO::Tests
