@@ -9,8 +9,9 @@
 
 namespace ZUNO::Common::Parser::XML {
 
-XMLParser::XMLParser()
-    : mScanner(mAllocator), mBuilder(Memory::createManaged<XMLTreeBuilder>(mAllocator)) {}
+XMLParser::XMLParser() : mScanner(mAllocator), mBuilder(nullptr), mIncluded(mAllocator) {
+    mBuilder = Memory::createManaged<XMLTreeBuilder>(mAllocator);
+}
 
 XMLParser::~XMLParser() {
     delete mBuilder;
@@ -26,9 +27,25 @@ const XMLNodeElements* XMLParser::parse(IO::Stream* stream) {
     return mBuilder->getRoot();
 }
 
+const XMLNodeElements* XMLParser::parseFile(const String& filename, IO::FileSystem* fSystem) {
+    if (fSystem == nullptr)
+        throw new Exceptions::ArgumentNullException(
+            "fSystem", "XMLParser: FileSystem cannot be a NULL pointer in parseFile");
+    const SharedPtr<IO::Stream> stream =
+        fSystem->openFile(filename, IO::FACCESS_READ, IO::FMODE_OPEN);
+    mFullName = fSystem->getFullPath(filename);
+    struct Clear {
+        IO::FileSystem*& mPointer;
+        ~Clear() { mPointer = nullptr; }
+    } const clear{mFileSystem};
+    mFileSystem = fSystem;
+    return parse(stream.get());
+}
+
 void XMLParser::readDocument(IO::Stream* stream) {
     constexpr const char* unreadable = "XMLParser: Cannot read complete file from stream";
-    mBuilder->begin(false); // the former tree refers to the former buffer
+    mBuilder->begin(false); // the former tree refers to the former buffers
+    mIncluded.clear();
     Memory::releaseBytes(mAllocator, mBuffer);
     mBuffer = nullptr;
     const std::int64_t length = stream->getLength();
@@ -166,8 +183,44 @@ void XMLParser::readText() {
 
 void XMLParser::readInclude() {
     readEmpty();
-    mScanner.fail("XMLParser: We have no FileSystem defined, but there is an xi:include tag in the "
-                  "current xml definition");
+    const XMLNode* const element = mBuilder->getCurrent();
+    ZUNO_CHECK_AS(std::strcmp(element->mName, "xi:include") == 0,
+                  "!strcmp(incNode->name,\"xi:include\")",
+                  "Error in xi:include tag read, wrong behaviour of readNodeEmpty");
+    if (mFileSystem == nullptr)
+        mScanner.fail("XMLParser: We have no FileSystem defined, but there is an xi:include tag in "
+                      "the current xml definition");
+    const char* const form = element->getAttribute("parse");
+    if (form != nullptr && std::strcmp(form, "xml") != 0)
+        mScanner.fail("XMLParser: We support currently only xi:include tags with attribute "
+                      "parse=\"xml\" or no parse attribute.");
+    const char* const href = element->getAttribute("href");
+    if (href == nullptr)
+        mScanner.fail("XMLParser: xi:include tag without href attribute found");
+    const String name(href);
+    mBuilder->removeLastNode();
+    include(name);
+}
+
+void XMLParser::include(const String& href) {
+    checkInclusion(href, mFileSystem->getFullPath(href));
+    mIncluded.push_back(SharedPtr<XMLParser>(Memory::createManaged<XMLParser>(mAllocator)));
+    XMLParser& parser = *mIncluded.back();
+    parser.mIncluder = this;
+    parser.parseFile(href, mFileSystem);
+    mBuilder->addTree(parser.mBuilder);
+}
+
+void XMLParser::checkInclusion(const String& href, const String& fullName) const {
+    unsigned int depth = 0;
+    for (const XMLParser* reading = this; reading != nullptr; reading = reading->mIncluder) {
+        if (reading->mFullName == fullName) {
+            const String message = "XMLParser: The document '" + href + "' is being read already";
+            mScanner.fail(message.getConstCharPtr());
+        }
+        if (++depth == maxIncludes)
+            mScanner.fail("XMLParser: Documents are included deeper than 32 levels");
+    }
 }
 
 const char* XMLParser::readStartTag() {

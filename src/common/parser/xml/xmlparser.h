@@ -1,8 +1,10 @@
 #pragma once
 
-#include "common/io/stream.h"
+#include "common/io/filesystem.h"
 #include "common/parser/xml/xmlscanner.h"
 #include "common/parser/xml/xmltreebuilder.h"
+
+#include <list>
 
 namespace ZUNO::Common::Parser::XML {
 
@@ -24,6 +26,17 @@ public:
     /// parser's. Raises an XMLParserException (with line and row) for what is no such document,
     /// an IOException when the stream can't be read whole, an ArgumentNullException without one.
     const XMLNodeElements* parse(IO::Stream* stream);
+
+    /// Parses a file. Where it holds an element `xi:include` with the attribute "href", the
+    /// document of that name takes the element's place (a relative name is looked up from the
+    /// working directory); its errors carry its own lines. Inclusion deeper than `maxIncludes`, or
+    /// of a document that is being read already, raises an XMLParserException. Raises what opening
+    /// the file raises, and an ArgumentNullException without a file system, which must live as
+    /// long as the call.
+    const XMLNodeElements* parseFile(const String& filename, IO::FileSystem* fSystem);
+
+    /// How many documents may be read within each other.
+    static constexpr unsigned int maxIncludes = 32;
 
 private:
     /// What stands at a place of the document.
@@ -56,6 +69,9 @@ private:
     void readEmpty();
     void readText();
     void readInclude();
+    void include(const String& href);
+    /// Fails when the document can't be included here.
+    void checkInclusion(const String& href, const String& fullName) const;
     const char* readStartTag();
     void readAttributes();
     void readEndTag(const char* startName);
@@ -64,6 +80,11 @@ private:
     std::uint64_t mBufferLength = 0;
     XMLScanner mScanner;
     XMLTreeBuilder* mBuilder;
+    IO::FileSystem* mFileSystem = nullptr; ///< set while `parseFile` runs
+    String mFullName;                      ///< of the file that `parseFile` reads
+    const XMLParser* mIncluder = nullptr;  ///< the parser that this one reads a document for
+    /// One for each inclusion: the tree refers to their buffers.
+    std::list<SharedPtr<XMLParser>, Memory::STLAllocator<SharedPtr<XMLParser>>> mIncluded;
 };
 
 } // namespace ZUNO::Common::Parser::XML

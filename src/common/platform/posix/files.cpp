@@ -1,0 +1,210 @@
+#define _FILE_OFFSET_BITS 64 // NOLINT: 64-bit offsets on 32-bit systems too
+#include "common/platform/files.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ZUNO::Common::Platform {
+
+namespace {
+
+FileError errorOf(int code) noexcept {
+    switch (code) {
+    case 0:
+        return FileError::NONE;
+    case EACCES:
+    case EPERM:
+    case EISDIR:
+    case EROFS:
+    case EBUSY:
+        return FileError::ACCESS_DENIED;
+    case EEXIST:
+        return FileError::EXISTS;
+    case EINVAL:
+        return FileError::INVALID_ARGUMENT;
+    case EMFILE:
+    case ENFILE:
+        return FileError::TOO_MANY_OPEN;
+    case ENOENT:
+    case ENOTDIR:
+    case ENAMETOOLONG:
+    case ELOOP:
+        return FileError::NOT_FOUND;
+    case ENOTEMPTY:
+        return FileError::NOT_EMPTY;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+        return FileError::NO_SPACE;
+    default:
+        return FileError::OTHER;
+    }
+}
+
+int openModeOf(unsigned int flags) noexcept {
+    int mode = O_CLOEXEC;
+    const bool reads = (flags & OPEN_READ) != 0;
+    const bool writes = (flags & OPEN_WRITE) != 0;
+    mode |= reads && writes ? O_RDWR : (writes ? O_WRONLY : O_RDONLY);
+    mode |= (flags & OPEN_APPEND) != 0 ? O_APPEND : 0;
+    mode |= (flags & OPEN_CREATE) != 0 ? O_CREAT : 0;
+    mode |= (flags & OPEN_TRUNCATE) != 0 ? O_TRUNC : 0;
+    mode |= (flags & OPEN_EXCLUSIVE) != 0 ? O_EXCL : 0;
+    return mode;
+}
+
+bool copyTo(char* buffer, std::size_t size, std::string_view text) noexcept {
+    if (text.size() >= size)
+        return false;
+    std::memcpy(buffer, text.data(), text.size());
+    buffer[text.size()] = '\0';
+    return true;
+}
+
+} // namespace
+
+FileError openFile(const char* name, unsigned int flags, int& descriptor) noexcept {
+    constexpr mode_t readAndWrite = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+    const int opened = open(name, openModeOf(flags), readAndWrite);
+    if (opened < 0)
+        return errorOf(errno);
+    struct stat status {};
+    if (fstat(opened, &status) == 0 && S_ISDIR(status.st_mode)) {
+        close(opened);
+        return FileError::ACCESS_DENIED;
+    }
+    descriptor = opened;
+    return FileError::NONE;
+}
+
+void closeFile(int descriptor) noexcept {
+    close(descriptor);
+}
+
+std::int64_t readFile(int descriptor, void* buffer, std::uint32_t size) noexcept {
+    return read(descriptor, buffer, size);
+}
+
+std::int64_t writeFile(int descriptor, const void* buffer, std::uint32_t size,
+                       FileError& error) noexcept {
+    const ssize_t written = write(descriptor, buffer, size);
+    error = written < 0 ? errorOf(errno) : FileError::NONE;
+    // a device that fills up takes a part first; asking for the rest tells why
+    if (written >= 0 && static_cast<std::size_t>(written) < size) {
+        const char* const rest = static_cast<const char*>(buffer) + written;
+        error = write(descriptor, rest, size - static_cast<std::size_t>(written)) < 0
+                    ? errorOf(errno)
+                    : FileError::OTHER;
+    }
+    return written < 0 ? 0 : written;
+}
+
+std::int64_t seekFile(int descriptor, std::int64_t offset, int origin) noexcept {
+    return lseek(descriptor, static_cast<off_t>(offset), origin);
+}
+
+std::int64_t getFileLength(int descriptor) noexcept {
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 ? std::int64_t{status.st_size} : -1;
+}
+
+bool commitFile(int descriptor) noexcept {
+    // what can't be synchronised (a pipe, a terminal) has nothing to commit
+    return fsync(descriptor) == 0 || errno == EINVAL || errno == EROFS;
+}
+
+bool removeFile(const char* name) noexcept {
+    return unlink(name) == 0;
+}
+
+bool makeTemporaryFile(char* name, std::size_t size) noexcept {
+    if (!copyTo(name, size, "/tmp/zunoXXXXXX"))
+        return false;
+    const int descriptor = mkstemp(name);
+    if (descriptor < 0)
+        return false;
+    close(descriptor);
+    return true;
+}
+
+bool makeFullPath(const char* path, char* buffer, std::size_t size) noexcept {
+    char whole[4096];
+    int length = 0;
+    if (path[0] == '/') {
+        length = std::snprintf(whole, sizeof(whole), "%s", path);
+    } else {
+        char folder[4096];
+        if (getcwd(folder, sizeof(folder)) == nullptr)
+            return false;
+        length = std::snprintf(whole, sizeof(whole), "%s/%s", folder, path);
+    }
+    if (length < 0 || static_cast<std::size_t>(length) >= sizeof(whole))
+        return false;
+    std::size_t end = 0; // of what is kept, in place
+    const auto total = static_cast<std::size_t>(length);
+    for (std::size_t from = 0; from < total;) {
+        std::size_t to = from;
+        while (to < total && whole[to] != '/')
+            ++to;
+        const std::string_view name(whole + from, to - from);
+        if (name == "..") {
+            while (end != 0 && whole[--end] != '/') {
+            }
+        } else if (!name.empty() && name != ".") {
+            whole[end++] = '/';
+            std::memmove(whole + end, name.data(), name.size());
+            end += name.size();
+        }
+        from = to + 1;
+    }
+    return copyTo(buffer, size, end != 0 ? std::string_view(whole, end) : std::string_view("/"));
+}
+
+void splitPath(const char* path, PathParts& parts) noexcept {
+    std::string_view rest(path);
+    std::string_view drive;
+    if (rest.size() >= 2 && rest[1] == ':') {
+        drive = rest.substr(0, 2);
+        rest.remove_prefix(2);
+    }
+    const std::size_t separator = rest.find_last_of("/\\");
+    const std::size_t nameBegin = separator == std::string_view::npos ? 0 : separator + 1;
+    const std::string_view file = rest.substr(nameBegin);
+    const std::size_t dot = file.rfind('.');
+    const std::string_view name = file.substr(0, dot);
+    const std::string_view extension =
+        dot == std::string_view::npos ? std::string_view() : file.substr(dot);
+    const bool isWhole =
+        copyTo(parts.mDrive, sizeof(parts.mDrive), drive) &&
+        copyTo(parts.mDirectory, sizeof(parts.mDirectory), rest.substr(0, nameBegin)) &&
+        copyTo(parts.mName, sizeof(parts.mName), name) &&
+        copyTo(parts.mExtension, sizeof(parts.mExtension), extension);
+    if (!isWhole)
+        parts.mDrive[0] = parts.mDirectory[0] = parts.mName[0] = parts.mExtension[0] = '\0';
+}
+
+bool changeDirectory(const char* name) noexcept {
+    return chdir(name) == 0;
+}
+
+bool getCurrentDirectory(char* buffer, std::size_t size) noexcept {
+    return getcwd(buffer, size) != nullptr;
+}
+
+FileError makeDirectory(const char* name) noexcept {
+    return mkdir(name, S_IRWXU | S_IRWXG | S_IRWXO) == 0 ? FileError::NONE : errorOf(errno);
+}
+
+FileError removeDirectory(const char* name) noexcept {
+    if (rmdir(name) == 0)
+        return FileError::NONE;
+    return errno == EEXIST ? FileError::NOT_EMPTY : errorOf(errno);
+}
+
+} // namespace ZUNO::Common::Platform
