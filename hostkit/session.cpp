@@ -6,13 +6,19 @@ namespace ZUNO::HostKit {
 
 using namespace Common;
 
-Session::Session(const std::string& meshFile, const std::string& baseFolder) {
+Session::Session(const std::string& meshFile, const std::string& baseFolder)
+    : Session(meshFile,
+              SharedPtr<Callback::FileIOCallback>(
+                  baseFolder.empty() ? new StdioFileCallback : new StdioFileCallback(baseFolder))) {
+}
+
+Session::Session(const std::string& meshFile, const SharedPtr<Callback::FileIOCallback>& fileIO) {
     auto* const heap = new HeapMemoryCallback;
     mHeap = heap;
     mMemory = SharedPtr<Callback::MemoryCallback>(heap);
     mIsOpen = true;
     try {
-        start(meshFile, baseFolder);
+        start(meshFile, fileIO);
     } catch (Exceptions::Exception* exception) {
         const std::string message = takeMessage(exception);
         close();
@@ -23,10 +29,8 @@ Session::Session(const std::string& meshFile, const std::string& baseFolder) {
     }
 }
 
-void Session::start(const std::string& meshFile, const std::string& baseFolder) {
-    auto* const files =
-        baseFolder.empty() ? new StdioFileCallback : new StdioFileCallback(baseFolder);
-    const SharedPtr<Callback::FileIOCallback> fileIO(files);
+void Session::start(const std::string& meshFile,
+                    const SharedPtr<Callback::FileIOCallback>& fileIO) {
     if (!Pathfinder::Interface::initWorldRepresentation(meshFile.c_str(), mMemory, fileIO, ""))
         throw std::runtime_error(meshFile + ": no usable navigation mesh");
 }

@@ -18,6 +18,9 @@ public:
     /// On any failure nothing runs and a std::runtime_error says why: an exception's report, or
     /// that the file holds no usable mesh (what is wrong with it was reported before).
     explicit Session(const std::string& meshFile, const std::string& baseFolder = {});
+    /// The same with the host's own files.
+    Session(const std::string& meshFile,
+            const Common::SharedPtr<Common::Callback::FileIOCallback>& fileIO);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -30,7 +33,8 @@ public:
     MemoryFigures close();
 
 private:
-    void start(const std::string& meshFile, const std::string& baseFolder);
+    void start(const std::string& meshFile,
+               const Common::SharedPtr<Common::Callback::FileIOCallback>& fileIO);
 
     Foundation mFoundation; ///< outlives all that is made of strings and pointers here
     Common::SharedPtr<Common::Callback::MemoryCallback> mMemory;

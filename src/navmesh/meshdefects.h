@@ -19,4 +19,10 @@ public:
 /// Returns whether the mesh is free of all that.
 bool findDefects(const NavMeshContainer& mesh, DefectListener& listener);
 
+/// Looks for what is merely odd and works as the algorithms say: polygons of fewer than three
+/// corners, without area, clockwise or concave in the plane; more or fewer neighbours than corners;
+/// a neighbour that does not lead back, is the node itself, or does not share the border; surface
+/// types and height classes of characters that don't exist. Only for a mesh without defects.
+bool findOddities(const NavMeshContainer& mesh, DefectListener& listener);
+
 } // namespace ZUNO::NavMesh

@@ -88,6 +88,15 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
     const std::string mesh = sources + "/worlds/harbour.xml";
     const std::string broken = testing::TempDir() + "/broken.xml";
     std::ofstream(broken) << "<a>\n<navmesh>\n<b></c></navmesh></a>";
+    const std::string binary = testing::TempDir() + "/harbour.bin";
+    const std::string odd = testing::TempDir() + "/odd.xml";
+    std::string oddMesh = contentOf(mesh);
+    oddMesh.replace(oddMesh.find("<node_id>1</node_id>"), 20, "<node_id>9</node_id>");
+    std::ofstream(odd) << oddMesh;
+    const std::string defective = testing::TempDir() + "/defective.xml";
+    oddMesh.replace(oddMesh.find("<node_id>2</node_id>"), 20, "<node_id>9999</node_id>");
+    oddMesh.replace(oddMesh.find("<pos>2.5/0/0</pos>"), 18, "<pos>2.5/inf/0</pos>");
+    std::ofstream(defective) << oddMesh;
     struct Case {
         std::string mArguments;
         int mStatus;
@@ -112,6 +121,18 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
         {"draw " + mesh + " " + testing::TempDir() + "/d.svg --path 2,0,2 50,5,25 --blocked", 0,
          ""},
         {"draw " + mesh + " /nowhere/d.svg", 2, "zunopath: /nowhere/d.svg: cannot be written"},
+        {"convert " + mesh + " " + binary, 0, "harbour.bin: 873 nodes, 1096 vertices"},
+        {"path " + binary + " --from 2,0,2 --to 50,5,25", 0, "found: cost 109.593971"},
+        {"convert " + binary + " " + testing::TempDir() + "/back.xml", 0, "873 nodes"},
+        {"convert " + mesh + " /tmp/x.txt", 2, "expected a name that ends in .xml or .bin"},
+        {"convert " + mesh + " /nowhere/x.bin", 2, "/nowhere/x.bin: CallbackFileStream: File or"},
+        {"check " + mesh, 0, "873 nodes, 0 defects, 0 oddities"},
+        {"check " + binary, 0, "0 defects"},
+        {"check " + odd, 1, "odd: node 0: border 1 leads to node 9, which does not lead back"},
+        {"check " + defective, 1, ": defect: vertex 1 is not finite\n"},
+        {"check " + defective, 1, "leads to node 9999 of 873\n"},
+        {"check " + defective, 1, "2 defects"},
+        {"check " + broken, 2, "are not equal (Line: 3, Row: "},
         {"info /nowhere/mesh.xml", 2, "zunopath: /nowhere/mesh.xml: CallbackFileStream: File or "},
         {"info " + sources, 2, "Given path is a directory"},
         {"info " + broken, 2, "are not equal (Line: 3, Row: "},

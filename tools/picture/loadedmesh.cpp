@@ -1,11 +1,17 @@
 #include "tools/picture/loadedmesh.h"
 
+#include "common/callback/callbackfilestream.h"
+#include "common/parser/xml/xmltreebuilder.h"
+#include "common/parser/xml/xmlwriter.h"
 #include "hostkit/session.h"
 #include "navmesh/interface.h"
 #include "navmesh/meshdefects.h"
 #include "navmesh/navmeshfiles.h"
 
+#include "tools/picture/memoryfilecallback.h"
+
 #include <algorithm>
+#include <fstream>
 #include <numeric>
 #include <stdexcept>
 
@@ -27,6 +33,13 @@ void keepReport(const char* text, const char*, unsigned int) {
     lastReport() = message != nullptr ? message + std::strlen(mark) : text;
 }
 
+/// The binary form begins with its byte order, 0 or 1, which no document does.
+bool isBinaryFile(const std::string& fileName) {
+    std::ifstream file(fileName, std::ios::binary);
+    const int first = file.get();
+    return first == 0 || first == 1;
+}
+
 class FirstDefect : public NavMesh::DefectListener {
 public:
     bool onDefect(const char* text) override {
@@ -38,10 +51,10 @@ public:
 
 } // namespace
 
-LoadedMesh::LoadedMesh(const std::string& fileName) {
+LoadedMesh::LoadedMesh(const std::string& fileName, Defects defects) {
     const Debug::ReportHandler former = Debug::setReportHandler(keepReport);
     try {
-        load(fileName);
+        load(fileName, defects);
     } catch (Exceptions::Exception* exception) {
         const std::string message = fileName + ": " + HostKit::takeMessage(exception);
         close();
@@ -55,16 +68,52 @@ LoadedMesh::LoadedMesh(const std::string& fileName) {
     Debug::setReportHandler(former);
 }
 
-void LoadedMesh::load(const std::string& fileName) {
+void LoadedMesh::load(const std::string& fileName, Defects defects) {
     lastReport().clear();
     NavMesh::initLibrary(SharedPtr<Callback::MemoryCallback>(new HostKit::HeapMemoryCallback),
                          SharedPtr<Callback::FileIOCallback>(new HostKit::StdioFileCallback));
-    mMesh = NavMesh::loadNavMeshXML(fileName.c_str());
+    mIsBinary = isBinaryFile(fileName);
+    mMesh = mIsBinary ? NavMesh::loadNavMeshBinary(fileName.c_str())
+                      : NavMesh::loadNavMeshXML(fileName.c_str());
     if (mMesh == nullptr)
         throw std::runtime_error(fileName + ": " + lastReport());
     FirstDefect defect;
-    if (!findDefects(*mMesh, defect))
+    if (defects == Defects::REFUSED && !findDefects(*mMesh, defect))
         throw std::runtime_error(fileName + ": " + defect.mText);
+}
+
+void LoadedMesh::save(const std::string& fileName) const {
+    const MeshForm form = formOf(fileName);
+    try {
+        if (form == MeshForm::BINARY)
+            NavMesh::saveNavMeshBinary(fileName.c_str(), mMesh);
+        else
+            NavMesh::saveNavMeshXML(fileName.c_str(), mMesh);
+    } catch (Exceptions::Exception* exception) {
+        throw std::runtime_error(fileName + ": " + HostKit::takeMessage(exception));
+    }
+}
+
+std::string LoadedMesh::toXML() const {
+    auto* const file = new MemoryFileCallback;
+    const SharedPtr<Callback::FileIOCallback> files(file);
+    Callback::CallbackFileStream stream(files);
+    stream.open("", IO::FACCESS_WRITE);
+    Parser::XML::XMLTreeBuilder builder;
+    builder.begin("ZUNO", true);
+    mMesh->writeXML(builder);
+    Parser::XML::XMLWriter writer;
+    writer.writeHeader(stream);
+    writer.write(stream, builder.getRoot());
+    return file->content();
+}
+
+MeshForm formOf(const std::string& fileName) {
+    if (fileName.ends_with(".xml"))
+        return MeshForm::XML;
+    if (fileName.ends_with(".bin"))
+        return MeshForm::BINARY;
+    throw std::runtime_error(fileName + ": expected a name that ends in .xml or .bin");
 }
 
 void LoadedMesh::close() {

@@ -8,12 +8,16 @@
 
 namespace ZUNO::Tools {
 
-/// A tool's own copy of a mesh, for what the exports don't tell: pictures and figures. Its
-/// libraries run as long as it lives, beside those of the runtime.
+/// A tool's own copy of a mesh, for what the exports don't tell: pictures, figures, conversion.
+/// Its libraries run as long as it lives, beside those of the runtime.
 class LoadedMesh {
 public:
-    /// Raises a std::runtime_error, with the file's name and what was found wrong in it.
-    explicit LoadedMesh(const std::string& fileName);
+    /// Whether a mesh that no world could run with is an error.
+    enum class Defects { REFUSED, ACCEPTED };
+
+    /// Loads a mesh of either form. Raises a std::runtime_error, with the file's name and what was
+    /// found wrong in it.
+    explicit LoadedMesh(const std::string& fileName, Defects defects = Defects::REFUSED);
     ~LoadedMesh();
     LoadedMesh(const LoadedMesh&) = delete;
     LoadedMesh& operator=(const LoadedMesh&) = delete;
@@ -21,13 +25,27 @@ public:
     const NavMesh::NavMeshContainer& operator*() const { return *mMesh.get(); }
     const NavMesh::NavMeshContainer* operator->() const { return mMesh.get(); }
 
+    bool isBinary() const { return mIsBinary; }
+
+    /// Saves the mesh in the form that the suffix names: ".xml" or ".bin". Raises a
+    /// std::runtime_error.
+    void save(const std::string& fileName) const;
+
+    /// The text of its XML form.
+    std::string toXML() const;
+
 private:
-    void load(const std::string& fileName);
+    void load(const std::string& fileName, Defects defects);
     void close();
 
     HostKit::Foundation mFoundation;
     Common::SharedPtr<NavMesh::NavMeshContainer> mMesh;
+    bool mIsBinary = false;
 };
+
+/// The form that a file name's suffix names. Raises a std::runtime_error for another.
+enum class MeshForm { XML, BINARY };
+MeshForm formOf(const std::string& fileName);
 
 /// For each node the number of its island: the nodes that can be reached from one another.
 /// Islands are numbered by size, the largest first.

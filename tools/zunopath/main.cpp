@@ -1,10 +1,13 @@
 // The command for people: asks a mesh what a host would ask, through the same exports.
 #include "hostkit/session.h"
+#include "navmesh/meshdefects.h"
 #include "tools/picture/loadedmesh.h"
+#include "tools/picture/memoryfilecallback.h"
 #include "tools/zunopath/query.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <map>
@@ -24,16 +27,24 @@ struct Options {
     std::string mPicture;
     std::vector<std::string> mPaths;
     bool mShowsBlocked = false;
+    std::string mOutput;
 };
 
 /// The mesh, looked over for errors that deserve one clear line, and then the world over it.
 class World {
 public:
-    explicit World(const std::string& file) : mMesh(file), mSession(file) {}
+    explicit World(const std::string& file) : mMesh(file), mSession(file, filesOf(mMesh)) {}
     const NavMesh::NavMeshContainer& mesh() const { return *mMesh; }
     const HostKit::Session& session() const { return mSession; }
 
 private:
+    /// A world loads the XML form alone: a binary mesh is converted in memory.
+    static Common::SharedPtr<Common::Callback::FileIOCallback> filesOf(const LoadedMesh& mesh) {
+        using Files = Common::SharedPtr<Common::Callback::FileIOCallback>;
+        return mesh.isBinary() ? Files(new MemoryFileCallback(mesh.toXML()))
+                               : Files(new HostKit::StdioFileCallback);
+    }
+
     LoadedMesh mMesh;
     HostKit::Session mSession;
 };
@@ -107,6 +118,54 @@ ExitStatus draw(const Options& options) {
     if (!out.flush())
         throw std::runtime_error(options.mPicture + ": cannot be written");
     return status;
+}
+
+/// Prints each thing that is wrong, with the mesh's name before it.
+class DefectPrinter : public NavMesh::DefectListener {
+public:
+    DefectPrinter(const std::string& mesh, const char* kind) : mMesh(mesh), mKind(kind) {}
+    bool onDefect(const char* text) override {
+        std::cout << mMesh << ": " << mKind << ": " << text << '\n';
+        ++mCount;
+        return true;
+    }
+    unsigned int count() const { return mCount; }
+
+private:
+    std::string mMesh;
+    const char* mKind;
+    unsigned int mCount = 0;
+};
+
+ExitStatus check(const Options& options) {
+    const LoadedMesh mesh(options.mMesh, LoadedMesh::Defects::ACCEPTED);
+    DefectPrinter defects(options.mMesh, "defect");
+    DefectPrinter oddities(options.mMesh, "odd");
+    if (findDefects(*mesh, defects))
+        findOddities(*mesh, oddities);
+    std::cout << options.mMesh << ": " << mesh->mNodes.size() << " nodes, " << defects.count()
+              << " defects, " << oddities.count() << " oddities\n";
+    return defects.count() + oddities.count() == 0 ? STATUS_OK : STATUS_NOTHING;
+}
+
+/// Tells what goes on with files that take their time.
+void showStage(const std::string& stage, const std::string& file) {
+    constexpr std::uintmax_t large = 1 << 20;
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(file, error);
+    if (!error && size >= large)
+        std::cerr << stage << ' ' << file << " (" << size / large << " MB)\n";
+}
+
+ExitStatus convert(const Options& options) {
+    formOf(options.mOutput); // before anything takes its time
+    showStage("reading", options.mMesh);
+    const LoadedMesh mesh(options.mMesh, LoadedMesh::Defects::ACCEPTED);
+    mesh.save(options.mOutput);
+    showStage("written", options.mOutput);
+    std::cout << options.mOutput << ": " << mesh->mNodes.size() << " nodes, "
+              << mesh->mVertices.size() << " vertices\n";
+    return STATUS_OK;
 }
 
 ExitStatus showInfo(const Options& options) {
@@ -229,6 +288,16 @@ int run(int argc, char** argv) {
         ->type_size(2)
         ->allow_extra_args();
     drawing->add_flag("--blocked", options.mShowsBlocked, "mark what is blocked");
+
+    CLI::App* const conversion =
+        command("convert", "Save a mesh in the other form, or in the same anew",
+                [&] { return convert(options); });
+    conversion->add_option("output", options.mOutput, "the file to write: .xml or .bin")
+        ->required();
+
+    command("check", "List everything that is wrong or odd about a mesh", [&] {
+        return check(options);
+    })->footer("Exit status: 0 nothing found, 1 something found, 2 no mesh at all.");
 
     try {
         app.parse(argc, argv);
