@@ -105,21 +105,25 @@ void CallbackFileStream::close() {
 void CallbackFileStream::open(const String& filename, int mode) {
     if (mFileIO == nullptr)
         throw new InvalidStateException("CallbackFileStream: There is no file callback.");
+    // the name may be this stream's own, which goes with the former file
+    const String name(filename); // NOLINT(performance-unnecessary-copy-initialization)
     close();
-    const std::int32_t result = mFileIO->openFile(&mHandle, filename, mode);
-    if (result < 0)
-        mHandle = mFileIO->getInvalidHandle(); // whatever the host left in it
+    mFilename = name; // while nothing is open that a lack of memory would leak
+    const std::int32_t result = mFileIO->openFile(&mHandle, name, mode);
+    if (result >= 0) {
+        mMode = mode;
+        return;
+    }
+    mFilename.clear();
+    mHandle = mFileIO->getInvalidHandle(); // whatever the host left in it
     if (result == FILE_ACCESS_DENIED)
         throw new UnAuthorizedAccessException(
             "CallbackFileStream: Given path is a directory, or file is read-only, but an "
             "open-for-writing operation was attempted");
     if (result == FILE_NOT_FOUND)
-        throw new IO::FileNotFoundException(filename, mFileIO->getFullPathName(filename),
+        throw new IO::FileNotFoundException(name, mFileIO->getFullPathName(name),
                                             "CallbackFileStream: File or path not found");
-    if (result < 0)
-        throw new IO::IOException("CallbackFileStream: Unknown file open error");
-    mMode = mode;
-    mFilename = filename;
+    throw new IO::IOException("CallbackFileStream: Unknown file open error");
 }
 
 void CallbackFileStream::requireOpen(const char* message) {

@@ -78,20 +78,22 @@ FileStream::~FileStream() {
 }
 
 void FileStream::open(const String& filename, FileAccess fAccess, FileMode fMode) {
+    // the name may be this stream's own, which goes with the former file
+    const String name(filename); // NOLINT(performance-unnecessary-copy-initialization)
     close();
     const unsigned int accessFlags = flagsOf(fAccess);
     const unsigned int flags = accessFlags | flagsOf(fMode);
-    String kept(filename); // before anything is open that a lack of memory would leak
+    mFilename = name; // while nothing is open that a lack of memory would leak
     int descriptor = -1;
-    const FileError error = Platform::openFile(filename.getConstCharPtr(), flags, descriptor);
+    const FileError error = Platform::openFile(name.getConstCharPtr(), flags, descriptor);
     if (error != FileError::NONE) {
-        failOpen(error, filename);
+        mFilename.clear();
+        failOpen(error, name);
         return;
     }
     mDescriptor = descriptor;
     mAccess = fAccess;
     mMode = fMode;
-    mFilename = kept;
 }
 
 bool FileStream::canRead() {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/math/vec3.h"
-#include "common/memory/stlallocator.h"
+#include "common/memory/borrowingallocator.h"
 
 #include <cstdint>
 #include <cstring>
@@ -26,15 +26,17 @@ public:
     struct StringComp {
         bool operator()(const char* a, const char* b) const { return std::strcmp(a, b) < 0; }
     };
-    using Attributes = std::map<const char*, const char*, StringComp,
-                                Memory::STLAllocator<std::pair<const char* const, const char*>>>;
+    using Attributes =
+        std::map<const char*, const char*, StringComp,
+                 Memory::BorrowingAllocator<std::pair<const char* const, const char*>>>;
 
     /// What a name or a text is until it is set.
     static constexpr char noString[] = "";
 
-    XMLNode(std::int32_t kind, XMLNodeElements* parent,
-            const SharedPtr<Memory::Allocator>& allocator)
-        : mKind(kind), mParent(parent), mAttributes(allocator) {}
+    /// The node's owner holds the allocator, for all nodes.
+    XMLNode(std::int32_t kind, XMLNodeElements* parent, Memory::Allocator* allocator)
+        : mKind(kind), mParent(parent),
+          mAttributes(Memory::BorrowingAllocator<std::byte>(allocator)) {}
     XMLNode(const XMLNode&) = delete;
     XMLNode& operator=(const XMLNode&) = delete;
 
@@ -58,11 +60,11 @@ public:
 /// order in which they stand. Reading moves the cursor of const nodes too.
 class XMLNodeElements : public XMLNode {
 public:
-    using Children = std::list<XMLNode*, Memory::STLAllocator<XMLNode*>>;
+    using Children = std::list<XMLNode*, Memory::BorrowingAllocator<XMLNode*>>;
 
-    XMLNodeElements(std::int32_t kind, XMLNodeElements* parent,
-                    const SharedPtr<Memory::Allocator>& allocator)
-        : XMLNode(kind, parent, allocator), mChildren(allocator), mCursor(mChildren.begin()) {}
+    XMLNodeElements(std::int32_t kind, XMLNodeElements* parent, Memory::Allocator* allocator)
+        : XMLNode(kind, parent, allocator),
+          mChildren(Memory::BorrowingAllocator<XMLNode*>(allocator)), mCursor(mChildren.begin()) {}
 
     /// The next unread child if it has that name, else null; the cursor moves past it.
     const XMLNode* getChild(const char* name) const;

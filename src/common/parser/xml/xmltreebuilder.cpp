@@ -62,12 +62,12 @@ void XMLTreeBuilder::beginNode(std::int32_t kind) {
     XMLNode* node = nullptr;
     switch (kind) {
     case NODE_TEXT:
-        node = Memory::createObject<XMLNode>(mAllocator, kind, getOpenElement(), mAllocator);
+        node = Memory::createObject<XMLNode>(mAllocator, kind, getOpenElement(), mAllocator.get());
         break;
     case NODE_EMPTY:
     case NODE_ELEMENTS:
-        node =
-            Memory::createObject<XMLNodeElements>(mAllocator, kind, getOpenElement(), mAllocator);
+        node = Memory::createObject<XMLNodeElements>(mAllocator, kind, getOpenElement(),
+                                                     mAllocator.get());
         break;
     default:
         ZUNO_REPORT("", "Unknown node type: " << kind);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/memory/memorymanaged.h"
+#include "common/memory/stlallocator.h"
 #include "common/parser/xml/xmlnode.h"
 
 #include <vector>
