@@ -97,9 +97,9 @@ bool XMLNode::getAttribute(bool& out, const char* name) const {
 }
 
 const XMLNode* XMLNodeElements::getChild(const char* name) const {
-    if (mCursor == mChildren.end() || std::strcmp((*mCursor)->mName, name) != 0)
+    if (mCursor == nullptr || std::strcmp(mCursor->mName, name) != 0)
         return nullptr;
-    return *mCursor++;
+    return getNextElement();
 }
 
 const XMLNodeElements* XMLNodeElements::getChildElements(const char* name) const {
@@ -144,35 +144,41 @@ template bool XMLNodeElements::getChildValue(Math::Vec2<int>&, const char*) cons
 template bool XMLNodeElements::getChildValue(Math::Vec2<unsigned int>&, const char*) const;
 
 const XMLNode* XMLNodeElements::getNextElement() const {
-    return mCursor != mChildren.end() ? *mCursor++ : nullptr;
+    const XMLNode* const next = mCursor;
+    if (next != nullptr)
+        mCursor = next->mNext;
+    return next;
 }
 
 const XMLNode* XMLNodeElements::getLastReadElement() const {
-    if (mCursor == mChildren.begin())
-        return nullptr;
-    auto last = mCursor;
-    return *--last;
+    return mCursor != nullptr ? mCursor->mPrevious : mChildren.mLast;
 }
 
 XMLNode* XMLNodeElements::getLastElement() const {
     ZUNO_CHECK_AS(!mChildren.empty(), "!elements.empty()",
                   "Cannot get last element from an empty elements node");
-    return !mChildren.empty() ? mChildren.back() : nullptr;
+    return mChildren.mLast;
 }
 
 XMLNode* XMLNodeElements::removeLastElement() {
     ZUNO_CHECK_AS(!mChildren.empty(), "!elements.empty()",
                   "Cannot remove last element from an empty node list");
-    if (mChildren.empty())
+    XMLNode* const last = mChildren.mLast;
+    if (last == nullptr)
         return nullptr;
-    XMLNode* const last = mChildren.back();
-    mChildren.pop_back();
+    mChildren.mLast = last->mPrevious;
+    (last->mPrevious != nullptr ? last->mPrevious->mNext : mChildren.mFirst) = nullptr;
+    last->mPrevious = nullptr;
+    --mChildren.mCount;
     resetCursor();
     return last;
 }
 
 void XMLNodeElements::addChild(XMLNode* child) {
-    mChildren.push_back(child);
+    child->mPrevious = mChildren.mLast;
+    (mChildren.mLast != nullptr ? mChildren.mLast->mNext : mChildren.mFirst) = child;
+    mChildren.mLast = child;
+    ++mChildren.mCount;
     resetCursor();
 }
 

@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <list>
 #include <map>
 
 namespace ZUNO::Common::Parser::XML {
@@ -49,7 +48,9 @@ public:
     bool getAttribute(float& out, const char* name) const;
     bool getAttribute(bool& out, const char* name) const;
 
-    std::int32_t mKind; ///< a NodeKind
+    std::int32_t mKind;           ///< a NodeKind
+    XMLNode* mPrevious = nullptr; ///< siblings; null at the ends of the list of children
+    XMLNode* mNext = nullptr;
     XMLNodeElements* mParent;
     const char* mName = noString;
     Attributes mAttributes;
@@ -60,11 +61,39 @@ public:
 /// order in which they stand. Reading moves the cursor of const nodes too.
 class XMLNodeElements : public XMLNode {
 public:
-    using Children = std::list<XMLNode*, Memory::BorrowingAllocator<XMLNode*>>;
+    /// The children in their order, as a range.
+    class Children {
+    public:
+        class Iterator {
+        public:
+            explicit Iterator(XMLNode* node = nullptr) : mNode(node) {}
+            XMLNode* operator*() const { return mNode; }
+            Iterator& operator++() {
+                mNode = mNode->mNext;
+                return *this;
+            }
+            bool operator==(const Iterator&) const = default;
+
+        private:
+            XMLNode* mNode;
+        };
+
+        Iterator begin() const { return Iterator(mFirst); }
+        static Iterator end() { return Iterator(); }
+        bool empty() const { return mFirst == nullptr; }
+        std::size_t size() const { return mCount; }
+        XMLNode* back() const { return mLast; }
+
+    private:
+        friend class XMLNodeElements;
+
+        XMLNode* mFirst = nullptr;
+        XMLNode* mLast = nullptr;
+        std::size_t mCount = 0;
+    };
 
     XMLNodeElements(std::int32_t kind, XMLNodeElements* parent, Memory::Allocator* allocator)
-        : XMLNode(kind, parent, allocator),
-          mChildren(Memory::BorrowingAllocator<XMLNode*>(allocator)), mCursor(mChildren.begin()) {}
+        : XMLNode(kind, parent, allocator) {}
 
     /// The next unread child if it has that name, else null; the cursor moves past it.
     const XMLNode* getChild(const char* name) const;
@@ -87,15 +116,15 @@ public:
     /// Takes the last child off the list and returns it, as getLastElement.
     XMLNode* removeLastElement();
 
-    /// Appends a child and resets the cursor.
+    /// Appends a child and resets the cursor. Needs no memory.
     void addChild(XMLNode* child);
-    void resetCursor() { mCursor = mChildren.begin(); }
+    void resetCursor() { mCursor = mChildren.mFirst; }
 
     const Children& children() const { return mChildren; }
 
 private:
     Children mChildren;
-    mutable Children::const_iterator mCursor; ///< the next unread child
+    mutable XMLNode* mCursor = nullptr; ///< the next unread child; null behind the last
 };
 
 } // namespace ZUNO::Common::Parser::XML

@@ -91,13 +91,7 @@ void XMLTreeBuilder::attach(XMLNode* node) {
         mRoot = static_cast<XMLNodeElements*>(node);
         return;
     }
-    try {
-        open->addChild(node);
-    } catch (...) {
-        if (isElements)
-            mOpenElements.pop_back();
-        throw;
-    }
+    open->addChild(node);
 }
 
 void XMLTreeBuilder::setName(const char* name) {

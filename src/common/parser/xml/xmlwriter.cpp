@@ -21,7 +21,7 @@ struct OpenElement {
         : mNode(static_cast<const XMLNodeElements*>(node)), mNext(mNode->children().begin()) {}
 
     const XMLNodeElements* mNode;
-    XMLNodeElements::Children::const_iterator mNext;
+    XMLNodeElements::Children::Iterator mNext;
 };
 
 } // namespace
@@ -42,13 +42,14 @@ void XMLWriter::write(IO::Stream& stream, const XMLNode* root) {
         open.emplace_back(root);
     while (!open.empty()) {
         OpenElement& innermost = open.back();
-        if (innermost.mNext == innermost.mNode->children().end()) {
+        if (innermost.mNext == XMLNodeElements::Children::end()) {
             indent(stream, open.size() - 1);
             writeEnd(stream, innermost.mNode);
             open.pop_back();
             continue;
         }
-        const XMLNode* const child = *innermost.mNext++;
+        const XMLNode* const child = *innermost.mNext;
+        ++innermost.mNext;
         if (writeStart(stream, child, open.size()))
             open.emplace_back(child);
     }
