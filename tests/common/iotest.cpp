@@ -10,6 +10,7 @@
 #include <memory>
 #include <sstream>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace ZUNO::Tests {
 
@@ -19,7 +20,9 @@ using namespace Common::IO;
 
 class IoTest : public FoundationTest {
 protected:
-    IoTest() : mFormer(fs::current_path()), mFolder(fs::path(testing::TempDir()) / "io") {
+    IoTest()
+        : mFormer(fs::current_path()),
+          mFolder(fs::path(testing::TempDir()) / ("io" + std::to_string(getpid()))) {
         fs::remove_all(mFolder);
         fs::create_directories(mFolder / "sub");
         fs::current_path(mFolder);

@@ -55,6 +55,7 @@ protected:
         out->writeClassExit();
         out->writeBString("b", "text");
         out->writeWString("w", WideText({u'\u00e4', u'b'}, gObjectAllocator));
+        out->writeWString("nothing", WideText(gObjectAllocator));
         out->writeClassExit();
         out->writeInt32("last", 7);
         out->close();
@@ -94,6 +95,8 @@ protected:
         WideText wide(gObjectAllocator);
         in.readWString(name, wide);
         EXPECT_EQ(wide, WideText({u'\u00e4', u'b'}, gObjectAllocator));
+        in.readWString(name, wide);
+        EXPECT_TRUE(wide.empty());
         in.readClassExit();
         expect(7, &S::readInt32, "last");
     }

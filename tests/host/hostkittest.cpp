@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <unistd.h>
 
 namespace ZUNO::Tests {
 
@@ -13,7 +14,7 @@ using HostKit::StdioFileCallback;
 
 class HostKitTest : public testing::Test {
 protected:
-    HostKitTest() : mFolder(fs::path(testing::TempDir()) / "hostkit") {
+    HostKitTest() : mFolder(fs::path(testing::TempDir()) / ("hostkit" + std::to_string(getpid()))) {
         fs::remove_all(mFolder);
         fs::create_directories(mFolder / "base" / "sub");
         write(mFolder / "base" / "sub" / "in", "0123456789");

@@ -288,7 +288,8 @@ void BinarySerializeStorage::readBString(String& name, String& value) {
 void BinarySerializeStorage::writeWString(const String& name, const WideText& value) {
     requireLength(value.size(), maxTextLength, "value", "A text may have 65535 units at most");
     write(ITEM_WSTRING, name, static_cast<std::uint16_t>(value.size()));
-    mStream->write(value.data(), value.size() * sizeof(char16_t)); // units are never swapped
+    if (!value.empty()) // of nothing there is no address
+        mStream->write(value.data(), value.size() * sizeof(char16_t)); // units are never swapped
 }
 
 void BinarySerializeStorage::readWString(String& name, WideText& value) {

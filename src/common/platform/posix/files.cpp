@@ -62,7 +62,7 @@ int openModeOf(unsigned int flags) noexcept {
 bool copyTo(char* buffer, std::size_t size, std::string_view text) noexcept {
     if (text.size() >= size)
         return false;
-    std::memcpy(buffer, text.data(), text.size());
+    text.copy(buffer, text.size());
     buffer[text.size()] = '\0';
     return true;
 }
