@@ -49,7 +49,7 @@ private:
 /// The two ends of a search: the host's points, and the nodes that they stand on. They replace the
 /// centres of the start node (where a path leaves it) and of the goal node (where it enters).
 struct SearchEnds {
-    /// The vector's length from what stands for `fromNode` to what stands for `toNode`.
+    /// The straight distance from what stands for `fromNode` to what stands for `toNode`.
     float distance(const NavMeshContainer& mesh, std::uint32_t fromNode,
                    std::uint32_t toNode) const;
 
