@@ -58,9 +58,21 @@ void convert(const char* text, Math::Vec2<T>& out) {
 
 } // namespace
 
+const char* XMLAttributes::find(const char* name) const {
+    if (mMap == nullptr)
+        return nullptr;
+    const auto place = mMap->find(name);
+    return place != mMap->end() ? place->second : nullptr;
+}
+
+XMLAttributes::Map& XMLAttributes::open(Memory::Arena& arena) {
+    if (mMap == nullptr)
+        mMap = ::new (arena.allocate(sizeof(Map))) Map(Memory::ArenaAllocator<std::byte>(arena));
+    return *mMap;
+}
+
 const char* XMLNode::getAttribute(const char* name) const {
-    const auto place = mAttributes.find(name);
-    return place != mAttributes.end() ? place->second : nullptr;
+    return mAttributes.find(name);
 }
 
 bool XMLNode::getAttribute(int& out, const char* name) const {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/math/vec3.h"
-#include "common/memory/borrowingallocator.h"
+#include "common/memory/arena.h"
 
 #include <cstdint>
 #include <cstring>
@@ -18,24 +18,36 @@ enum NodeKind : std::int32_t {
 
 class XMLNodeElements;
 
-/// A node of a document's tree. It belongs to the tree builder that made it; its strings live in
-/// the builder or in the parsed document and are valid as long as that.
-class XMLNode {
+/// A node's attributes, ordered by name. A node without any holds no more than a pointer.
+class XMLAttributes {
 public:
     struct StringComp {
         bool operator()(const char* a, const char* b) const { return std::strcmp(a, b) < 0; }
     };
-    using Attributes =
-        std::map<const char*, const char*, StringComp,
-                 Memory::BorrowingAllocator<std::pair<const char* const, const char*>>>;
+    using Map = std::map<const char*, const char*, StringComp,
+                         Memory::ArenaAllocator<std::pair<const char* const, const char*>>>;
+    using Iterator = Map::const_iterator;
 
+    Iterator begin() const { return mMap != nullptr ? mMap->begin() : Iterator(); }
+    Iterator end() const { return mMap != nullptr ? mMap->end() : Iterator(); }
+    /// The value, or null when there is no such attribute.
+    const char* find(const char* name) const;
+    /// The map itself, made in the arena when there is none.
+    Map& open(Memory::Arena& arena);
+
+private:
+    Map* mMap = nullptr;
+};
+
+/// A node of a document's tree. It belongs to the tree builder that made it and lies in
+/// its arena; its strings live in
+/// the builder or in the parsed document and are valid as long as that.
+class XMLNode {
+public:
     /// What a name or a text is until it is set.
     static constexpr char noString[] = "";
 
-    /// The node's owner holds the allocator, for all nodes.
-    XMLNode(std::int32_t kind, XMLNodeElements* parent, Memory::Allocator* allocator)
-        : mKind(kind), mParent(parent),
-          mAttributes(Memory::BorrowingAllocator<std::byte>(allocator)) {}
+    XMLNode(std::int32_t kind, XMLNodeElements* parent) : mKind(kind), mParent(parent) {}
     XMLNode(const XMLNode&) = delete;
     XMLNode& operator=(const XMLNode&) = delete;
 
@@ -53,7 +65,7 @@ public:
     XMLNode* mNext = nullptr;
     XMLNodeElements* mParent;
     const char* mName = noString;
-    Attributes mAttributes;
+    XMLAttributes mAttributes;
     const char* mText = noString; ///< empty but for text nodes
 };
 
@@ -92,8 +104,7 @@ public:
         std::size_t mCount = 0;
     };
 
-    XMLNodeElements(std::int32_t kind, XMLNodeElements* parent, Memory::Allocator* allocator)
-        : XMLNode(kind, parent, allocator) {}
+    using XMLNode::XMLNode;
 
     /// The next unread child if it has that name, else null; the cursor moves past it.
     const XMLNode* getChild(const char* name) const;

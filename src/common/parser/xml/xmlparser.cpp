@@ -62,9 +62,9 @@ void XMLParser::readDocument(IO::Stream* stream) {
 void XMLParser::parseBuffer() {
     mScanner.open(mBuffer, mBufferLength);
     char* const first = mScanner.find(mBuffer, '<');
-    mScanner.moveTo(first != nullptr ? first : mScanner.end());
-    mScanner.current(); // a document without markup ends here
-    Node node = classify(mScanner.position());
+    if (first == nullptr)
+        mScanner.failAtEnd();
+    Node node = classify(first);
     while (node.mCode == CODE_COMMENT || node.mCode == CODE_INSTRUCTION)
         node = classify(node.mEnd);
     mScanner.moveTo(node.mBegin);
@@ -91,29 +91,40 @@ XMLParser::Node XMLParser::classify(char* position) {
         char* const end = mScanner.findBehind(behind + std::strlen(content), closing);
         return end != nullptr ? Node{code, begin, end} : Node{CODE_INVALID, begin, nullptr};
     };
-    if (mScanner.startsWith(behind, "?"))
+    switch (*behind) { // the NUL at the document's end is behind every '<'
+    case '?':
         return upTo(CODE_INSTRUCTION, "?", "?>");
-    if (mScanner.startsWith(behind, "!--"))
-        return upTo(CODE_COMMENT, "!--", "-->");
-    if (mScanner.startsWith(behind, "!"))
-        return {CODE_INVALID, begin, nullptr};
-    if (mScanner.startsWith(behind, "xi:include "))
-        return {CODE_INCLUDE, begin, nullptr};
-    if (mScanner.startsWith(behind, "/"))
+    case '!':
+        return mScanner.startsWith(behind, "!--") ? upTo(CODE_COMMENT, "!--", "-->")
+                                                  : Node{CODE_INVALID, begin, nullptr};
+    case '/':
         return {CODE_END_TAG, begin, nullptr};
+    case 'x':
+        if (mScanner.startsWith(behind, "xi:include "))
+            return {CODE_INCLUDE, begin, nullptr};
+        break;
+    default:
+        break;
+    }
     return classifyElement(begin);
 }
 
 XMLParser::Node XMLParser::classifyElement(char* begin) {
     char* const close = mScanner.find(begin + 1, '>');
-    if (close == nullptr) {
-        mScanner.moveTo(mScanner.end());
-        mScanner.current(); // fails: the document ends within the tag
-    }
+    if (close == nullptr)
+        mScanner.failAtEnd();
     if (close[-1] == '/')
         return {CODE_EMPTY, begin, close + 1};
-    const bool hasMarkup = *mScanner.behindWhitespace(close + 1) == '<';
-    return {hasMarkup ? CODE_ELEMENTS : CODE_TEXT, begin, close + 1};
+    // a look ahead: the line feeds are recorded when they are passed, if not in a text
+    const char* const content = mScanner.behindWhitespace(close + 1);
+    if (content == mScanner.end())
+        mScanner.failAtEnd();
+    if (*content == '<')
+        return {CODE_ELEMENTS, begin, close + 1};
+    for (const char* position = close + 1; position != content; ++position)
+        if (*position == '\n')
+            mScanner.recordNewline(position);
+    return {CODE_TEXT, begin, close + 1};
 }
 
 void XMLParser::readElements() {
@@ -174,8 +185,9 @@ void XMLParser::readText() {
     char* const text = mScanner.position();
     mScanner.markPosition();
     char* const textEnd = mScanner.find(text, '<');
-    mScanner.moveTo(textEnd != nullptr ? textEnd : mScanner.end());
-    mScanner.current(); // fails when the text never ends
+    if (textEnd == nullptr)
+        mScanner.failAtEnd();
+    mScanner.moveTo(textEnd);
     readEndTag(name);
     *textEnd = '\0';
     mBuilder->setText(text);
@@ -274,8 +286,9 @@ void XMLParser::readAttributes() {
             mScanner.failAtByte("XMLParser: Expected envelop char '\"' , found '", "'");
         char* const value = mScanner.position();
         char* const quote = mScanner.find(value, '"');
-        mScanner.moveTo(quote != nullptr ? quote : mScanner.end());
-        mScanner.current(); // fails when the value never ends
+        if (quote == nullptr)
+            mScanner.failAtEnd();
+        mScanner.moveTo(quote);
         *quote = '\0';
         mScanner.advance();
         mBuilder->addAttribute(name.mBegin, static_cast<const char*>(value));

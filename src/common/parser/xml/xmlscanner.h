@@ -2,10 +2,34 @@
 
 #include "common/memory/stlallocator.h"
 
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 namespace ZUNO::Common::Parser::XML {
+
+/// A set of bytes.
+class ByteClass {
+public:
+    /// The bytes of a string, its NUL among them.
+    template <std::size_t Size>
+    explicit constexpr ByteClass(const char (&characters)[Size]) {
+        for (const char character : characters)
+            mMembers[static_cast<unsigned char>(character)] = true;
+    }
+    constexpr bool has(char byte) const { return mMembers[static_cast<unsigned char>(byte)]; }
+
+private:
+    std::array<bool, 256> mMembers{};
+};
+
+inline constexpr char nameStartCharacters[] =
+    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_";
+inline constexpr ByteClass nameStartClass(nameStartCharacters);
+inline constexpr ByteClass
+    nameClass("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.,-:");
+inline constexpr ByteClass whitespaceClass(" \t\n\r");
 
 /// Walks over a document's bytes: the steps that all parts of the grammar share, and the line
 /// counting. The document ends in a NUL, which counts as white space and as a name character, so
@@ -31,32 +55,69 @@ public:
     void markPosition() { mErrorPosition = mPosition; }
 
     /// The byte at the position. Fails at the end of the document.
-    char current() const;
+    char current() const {
+        if (mPosition == mEnd)
+            failAtEnd();
+        return *mPosition;
+    }
     void advance() { ++mPosition; }
     /// Steps over the byte if it is `expected`; returns whether it was.
-    bool accept(char expected);
+    bool accept(char expected) {
+        if (current() != expected)
+            return false;
+        advance();
+        return true;
+    }
 
-    void skipWhitespace() { mPosition = behindWhitespace(mPosition); }
-    /// The first byte from `from` on that is no white space. Fails at the end of the document.
-    char* behindWhitespace(char* from);
+    /// Steps over white space and records its line feeds. Fails at the end of the document.
+    void skipWhitespace() {
+        for (; mPosition != mEnd && isWhitespace(*mPosition); ++mPosition)
+            if (*mPosition == '\n')
+                recordNewline(mPosition);
+        current();
+    }
+    /// The first byte from `from` on that is no white space, or the document's end. Records no
+    /// line feeds.
+    char* behindWhitespace(char* from) const {
+        while (from != mEnd && isWhitespace(*from))
+            ++from;
+        return from;
+    }
     /// Reads a name; it is not terminated.
-    Range readName();
+    Range readName() {
+        markPosition();
+        if (!nameStartClass.has(current()))
+            failAtNameStart();
+        char* const begin = mPosition;
+        while (mPosition != mEnd && nameClass.has(*mPosition))
+            ++mPosition;
+        if (mPosition == mEnd)
+            failInName();
+        return {begin, mPosition};
+    }
     /// The next `byte` from `from` on, or null.
-    char* find(char* from, char byte) const;
+    char* find(char* from, char byte) const {
+        return static_cast<char*>(std::memchr(from, byte, static_cast<std::size_t>(mEnd - from)));
+    }
     /// What follows the first `text` from `from` on, or null.
     char* findBehind(char* from, const char* text) const;
     bool startsWith(const char* position, const char* text) const;
 
-    static bool isWhitespace(char byte);
-    /// Remembers a line feed that is about to be overwritten.
-    void recordNewline(const char* position);
+    static bool isWhitespace(char byte) { return whitespaceClass.has(byte); }
+    /// Remembers a line feed, which may be overwritten afterwards.
+    void recordNewline(const char* position) {
+        mNewlines.push_back(static_cast<std::uint32_t>(position - mBegin));
+    }
 
     [[noreturn]] void fail(const char* message) const;
+    /// The document ends where it should not.
+    [[noreturn]] void failAtEnd() const;
     /// The message is the byte at the position between `before` and `behind`.
     [[noreturn]] void failAtByte(const char* before, const char* behind) const;
 
 private:
-    [[noreturn]] void failAtEnd() const;
+    [[noreturn]] void failAtNameStart() const;
+    [[noreturn]] void failInName() const;
 
     char* mBegin = nullptr;
     char* mEnd = nullptr;

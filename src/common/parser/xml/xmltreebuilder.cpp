@@ -34,17 +34,14 @@ char* format(char* buffer, const Math::Vec3<T>& vector) {
 
 } // namespace
 
-XMLTreeBuilder::XMLTreeBuilder() : mOpenElements(mAllocator), mScratch() {}
+XMLTreeBuilder::XMLTreeBuilder() : mOpenElements(mAllocator), mAdopted(mAllocator), mScratch() {}
 
 XMLTreeBuilder::~XMLTreeBuilder() {
-    destroyTree(mRoot);
+    destroyTree();
 }
 
 void XMLTreeBuilder::begin(bool copyStrings) {
-    destroyTree(mRoot);
-    mRoot = nullptr;
-    mCurrent = nullptr;
-    mOpenElements.clear();
+    destroyTree();
     mCopyStrings = copyStrings;
 }
 
@@ -62,24 +59,29 @@ void XMLTreeBuilder::beginNode(std::int32_t kind) {
     XMLNode* node = nullptr;
     switch (kind) {
     case NODE_TEXT:
-        node = Memory::createObject<XMLNode>(mAllocator, kind, getOpenElement(), mAllocator.get());
+        node = createNode<XMLNode>(kind);
         break;
     case NODE_EMPTY:
     case NODE_ELEMENTS:
-        node = Memory::createObject<XMLNodeElements>(mAllocator, kind, getOpenElement(),
-                                                     mAllocator.get());
+        node = createNode<XMLNodeElements>(kind);
         break;
     default:
         ZUNO_REPORT("", "Unknown node type: " << kind);
         return;
     }
-    try {
-        attach(node);
-    } catch (...) {
-        destroyNode(node);
-        throw;
-    }
+    attach(node);
     mCurrent = node;
+}
+
+template <typename Node>
+Node* XMLTreeBuilder::createNode(std::int32_t kind) {
+    return ::new (arena().allocate(sizeof(Node))) Node(kind, getOpenElement());
+}
+
+Memory::Arena& XMLTreeBuilder::arena() {
+    if (mArena == nullptr)
+        mArena = SharedPtr<Memory::Arena>(Memory::createManaged<Memory::Arena>(mAllocator));
+    return *mArena;
 }
 
 void XMLTreeBuilder::attach(XMLNode* node) {
@@ -149,7 +151,7 @@ template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec2<unsigned
 void XMLTreeBuilder::addAttribute(const char* name, const char* value) {
     if (mCurrent == nullptr)
         return;
-    XMLNode::Attributes& attributes = mCurrent->mAttributes;
+    XMLAttributes::Map& attributes = mCurrent->mAttributes.open(arena());
     const auto place = attributes.find(name);
     if (place != attributes.end()) {
         const char* const former = place->second;
@@ -211,7 +213,7 @@ void XMLTreeBuilder::removeLastNode() {
     XMLNodeElements* const open = getOpenElement();
     if (open == nullptr)
         return;
-    destroyTree(open->removeLastElement());
+    releaseStringsBelow(open->removeLastElement());
     mCurrent = open->children().empty() ? open : open->children().back();
 }
 
@@ -226,6 +228,10 @@ void XMLTreeBuilder::addTree(XMLTreeBuilder* tree) {
     if (tree->mAllocator != mAllocator.get() || tree->mCopyStrings != mCopyStrings ||
         tree->mRoot == nullptr || tree == this)
         return;
+    mAdopted.reserve(mAdopted.size() + tree->mAdopted.size() + 1);
+    mOpenElements.reserve(mOpenElements.size() + 1);
+    mAdopted.insert(mAdopted.end(), tree->mAdopted.begin(), tree->mAdopted.end());
+    mAdopted.push_back(tree->mArena);
     XMLNodeElements* const grafted = tree->mRoot;
     if (XMLNodeElements* const open = getOpenElement(); open != nullptr) {
         open->addChild(grafted);
@@ -235,9 +241,8 @@ void XMLTreeBuilder::addTree(XMLTreeBuilder* tree) {
         mRoot = grafted;
     }
     mCurrent = grafted;
-    tree->mRoot = nullptr;
-    tree->mCurrent = nullptr;
-    tree->mOpenElements.clear();
+    tree->mRoot = nullptr; // the strings are ours now
+    tree->destroyTree();
 }
 
 const char* XMLTreeBuilder::keep(const char* string) {
@@ -255,29 +260,20 @@ void XMLTreeBuilder::release(const char* string) {
         Memory::releaseBytes(mAllocator, const_cast<char*>(string));
 }
 
-void XMLTreeBuilder::destroyNode(XMLNode* node) {
+void XMLTreeBuilder::releaseStrings(XMLNode* node) {
     for (const auto& [name, value] : node->mAttributes) {
         release(name);
         release(value);
     }
     release(node->mName);
-    switch (node->mKind) {
-    case NODE_TEXT:
-        release(node->mText);
-        Memory::destroyObject(mAllocator, node);
-        break;
-    case NODE_EMPTY:
-    case NODE_ELEMENTS:
-        Memory::destroyObject(mAllocator, static_cast<XMLNodeElements*>(node));
-        break;
-    default:
+    release(node->mText);
+    if (node->mKind < NODE_EMPTY || node->mKind > NODE_ELEMENTS)
         ZUNO_REPORT("", "Undefined node type: " << node->mKind);
-    }
 }
 
-void XMLTreeBuilder::destroyTree(XMLNode* root) {
+void XMLTreeBuilder::releaseStringsBelow(XMLNode* root) {
     // without recursion: a document may be nested deeper than the stack bears
-    XMLNode* node = root;
+    XMLNode* node = mCopyStrings ? root : nullptr;
     while (node != nullptr) {
         const bool hasChildren = node->mKind == NODE_ELEMENTS &&
                                  !static_cast<XMLNodeElements*>(node)->children().empty();
@@ -286,9 +282,18 @@ void XMLTreeBuilder::destroyTree(XMLNode* root) {
             continue;
         }
         XMLNode* const parent = node != root ? node->mParent : nullptr;
-        destroyNode(node);
+        releaseStrings(node);
         node = parent;
     }
+}
+
+void XMLTreeBuilder::destroyTree() {
+    releaseStringsBelow(mRoot);
+    mRoot = nullptr;
+    mCurrent = nullptr;
+    mOpenElements.clear();
+    mAdopted.clear();
+    mArena = SharedPtr<Memory::Arena>();
 }
 
 bool XMLTreeBuilder::canFormat() const {

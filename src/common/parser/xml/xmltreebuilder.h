@@ -71,9 +71,13 @@ private:
 
     const char* keep(const char* string);
     void release(const char* string);
+    Memory::Arena& arena();
+    template <typename Node>
+    Node* createNode(std::int32_t kind);
     void attach(XMLNode* node);
-    void destroyNode(XMLNode* node);
-    void destroyTree(XMLNode* root);
+    void releaseStrings(XMLNode* node);
+    void releaseStringsBelow(XMLNode* root);
+    void destroyTree();
     /// Whether values may be formatted; reports when not.
     bool canFormat() const;
 
@@ -81,6 +85,9 @@ private:
     XMLNodeElements* mRoot = nullptr;
     XMLNode* mCurrent = nullptr;
     std::vector<XMLNodeElements*, Memory::STLAllocator<XMLNodeElements*>> mOpenElements;
+    SharedPtr<Memory::Arena> mArena; ///< holds the nodes; null before the first
+    /// Those of the trees that were taken in.
+    std::vector<SharedPtr<Memory::Arena>, Memory::STLAllocator<SharedPtr<Memory::Arena>>> mAdopted;
     char mScratch[scratchSize];
 };
 
