@@ -111,12 +111,12 @@ public:
         mIn.readClassEnter(mName, text, text, version);
         readAll(mMesh.mHeights, 1, [&] {
             mMesh.mHeights.push_back(0);
-            mIn.readFloat32(mName, mMesh.mHeights.back());
+            mIn.readValue(mMesh.mHeights.back());
         });
         read(mMesh.mNormal);
         read(mMesh.mXAxis);
         read(mMesh.mYAxis);
-        mIn.readFloat32(mName, mMesh.mCubeSize);
+        mIn.readValue(mMesh.mCubeSize);
         readAll(mMesh.mVertices, 3, [&] { read(mMesh.mVertices.emplace_back()); });
         readAll(mMesh.mNodes, 3, [&] { read(mMesh.mNodes.emplace_back(mMesh.getAllocator())); });
         readAll(mMesh.mCharacters, 6, [&] { read(mMesh.mCharacters.emplace_back()); });
@@ -129,7 +129,7 @@ private:
 
     std::uint32_t readCount() {
         std::uint32_t count = 0;
-        mIn.readUInt32(mName, count);
+        mIn.readValue(count);
         return count;
     }
 
@@ -146,41 +146,41 @@ private:
     }
 
     void read(Math::Vec3<float>& vector) {
-        mIn.readFloat32(mName, vector.mX);
-        mIn.readFloat32(mName, vector.mY);
-        mIn.readFloat32(mName, vector.mZ);
+        mIn.readValue(vector.mX);
+        mIn.readValue(vector.mY);
+        mIn.readValue(vector.mZ);
     }
 
     void read(NavMeshContainer::NavNode& node) {
-        mIn.readInt32(mName, node.mHeightClass);
-        mIn.readUInt16(mName, node.mSurfaceTypeID);
+        mIn.readValue(node.mHeightClass);
+        mIn.readValue(node.mSurfaceTypeID);
         const std::uint32_t count = readCount();
         node.mPolygon.reserve(plausible(count, 2));
         node.mNeighbours.reserve(plausible(count, 2));
         for (std::uint32_t i = 0; i < count; ++i) {
             std::uint32_t corner = 0;
-            mIn.readUInt32(mName, corner);
+            mIn.readValue(corner);
             node.mPolygon.push_back(corner);
         }
         for (std::uint32_t i = 0; i < count; ++i) {
             std::int32_t neighbour = 0;
-            mIn.readInt32(mName, neighbour);
+            mIn.readValue(neighbour);
             node.mNeighbours.push_back(neighbour);
         }
     }
 
     void read(NavMeshContainer::CharacterInfo& info) {
         mIn.readBString(mName, info.mName);
-        mIn.readInt64(mName, info.mUserID);
-        mIn.readFloat32(mName, info.mPhysicalHeight);
-        mIn.readFloat32(mName, info.mJumpHeight);
-        mIn.readFloat32(mName, info.mFallHeight);
-        mIn.readUInt32(mName, info.mMaxHeightClassID);
+        mIn.readValue(info.mUserID);
+        mIn.readValue(info.mPhysicalHeight);
+        mIn.readValue(info.mJumpHeight);
+        mIn.readValue(info.mFallHeight);
+        mIn.readValue(info.mMaxHeightClassID);
     }
 
     void read(NavMeshContainer::SurfaceType& type) {
         mIn.readBString(mName, type.mName);
-        mIn.readUInt16(mName, type.mID);
+        mIn.readValue(type.mID);
     }
 
     NavMeshContainer& mMesh;

@@ -4,6 +4,7 @@
 #include "tests/support/memoryfiles.h"
 #include "worlds/meshmodel.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace ZUNO::Tests {
@@ -58,6 +59,41 @@ TEST_F(MeshFilesTest, BinaryKeepsEveryBit) {
         EXPECT_EQ(read->mNodes[i].mPolygon, mesh->mNodes[i].mPolygon);
         EXPECT_EQ(read->mNodes[i].mNeighbours, mesh->mNodes[i].mNeighbours);
     }
+}
+
+TEST_F(MeshFilesTest, NamesHoldEveryByteThatAFormCarries) {
+    std::string everyByte;
+    for (int byte = 1; byte < 256; ++byte)
+        everyByte += static_cast<char>(byte);
+    std::string withoutMarkup = everyByte;
+    withoutMarkup.erase(withoutMarkup.find('<'), 1);
+    const SharedPtr<NavMeshContainer> mesh = NavMesh::loadNavMeshXML("in");
+    mesh->mSurfaceTypes[0].mName = everyByte.c_str();
+    NavMesh::saveNavMeshBinary("b", mesh);
+    EXPECT_EQ(NavMesh::loadNavMeshBinary("b")->mSurfaceTypes[0].mName.getConstCharPtr(), everyByte);
+    mesh->mSurfaceTypes[0].mName = withoutMarkup.c_str();
+    NavMesh::saveNavMeshXML("x", mesh);
+    EXPECT_EQ(NavMesh::loadNavMeshXML("x")->mSurfaceTypes[0].mName.getConstCharPtr(),
+              withoutMarkup);
+    mesh->mSurfaceTypes[0].mName = "a<b";
+    NavMesh::saveNavMeshXML("x", mesh);
+    EXPECT_NE(mFiles->mFiles["x"].find("<name>a<b</name>"), std::string::npos) << "as it stands";
+    EXPECT_TRUE(raisedBy([] { NavMesh::loadNavMeshXML("x"); }).starts_with("XMLParserException"));
+}
+
+TEST_F(MeshFilesTest, LargeMeshesComeBackTheSame) {
+    mFiles->mFiles["in"] = Worlds::makeFloor(100000, 3).toXML("large");
+    const SharedPtr<NavMeshContainer> mesh = NavMesh::loadNavMeshXML("in");
+    ASSERT_GE(mesh->mNodes.size(), 100000U);
+    NavMesh::saveNavMeshXML("once", mesh);
+    NavMesh::saveNavMeshBinary("b", NavMesh::loadNavMeshXML("once"));
+    NavMesh::saveNavMeshXML("twice", NavMesh::loadNavMeshBinary("b"));
+    EXPECT_TRUE(mFiles->mFiles["once"] == mFiles->mFiles["twice"]);
+    EXPECT_TRUE(std::ranges::equal(
+        mesh->mNodes, NavMesh::loadNavMeshBinary("b")->mNodes, [](const auto& a, const auto& b) {
+            return a.mPolygon == b.mPolygon && a.mNeighbours == b.mNeighbours &&
+                   a.mHeightClass == b.mHeightClass && a.mSurfaceTypeID == b.mSurfaceTypeID;
+        }));
 }
 
 TEST_F(MeshFilesTest, EmptyTablesAndBrokenFiles) {

@@ -34,11 +34,6 @@ const char* nameOf(int type) {
     return typeNames[type - 1];
 }
 
-void swapBytes(void* bytes, std::size_t size) {
-    auto* const first = static_cast<std::byte*>(bytes);
-    std::reverse(first, first + size);
-}
-
 void requireLength(std::size_t length, std::size_t limit, const char* argument,
                    const char* message) {
     if (length > limit)
@@ -190,23 +185,21 @@ void BinarySerializeStorage::setPosition(const SharedPtr<Position>& position) {
         seekTo(static_cast<const BinaryPosition*>(position.get())->getOffset());
 }
 
-void BinarySerializeStorage::requireOpen() const {
-    if (mStream == nullptr)
-        throw new Exceptions::InvalidStateException("BinarySerializeStorage: There is no stream");
+void BinarySerializeStorage::throwClosed() {
+    throw new Exceptions::InvalidStateException("BinarySerializeStorage: There is no stream");
 }
 
 // Items
+
+void BinarySerializeStorage::swapBytes(void* bytes, std::size_t size) {
+    auto* const first = static_cast<std::byte*>(bytes);
+    std::reverse(first, first + size);
+}
 
 void BinarySerializeStorage::putNumber(void* bytes, std::size_t size) {
     if (mEndiness != Endian::little)
         swapBytes(bytes, size);
     mStream->write(bytes, size);
-}
-
-void BinarySerializeStorage::getNumber(void* bytes, std::size_t size) {
-    getBytes(bytes, size);
-    if (mEndiness != Endian::little)
-        swapBytes(bytes, size);
 }
 
 void BinarySerializeStorage::writeHead(ItemType type, const String& name) {
@@ -216,23 +209,21 @@ void BinarySerializeStorage::writeHead(ItemType type, const String& name) {
     put(mInstanceNames.idOf(name));
 }
 
-void BinarySerializeStorage::readType(ItemType expected) {
-    requireOpen();
-    const int found = get<std::uint8_t>();
+void BinarySerializeStorage::throwUnexpected(int found, ItemType expected) {
     if (!isKnown(found))
         throwCorrupted("An item has an unknown type");
-    if (found != expected)
-        throw new TypeMismatchException("Expected an item of type: '" + String(nameOf(expected)) +
-                                            "' but found an item of type: '" + nameOf(found) + "'",
-                                        nameOf(found), nameOf(expected));
+    throw new TypeMismatchException("Expected an item of type: '" + String(nameOf(expected)) +
+                                        "' but found an item of type: '" + nameOf(found) + "'",
+                                    nameOf(found), nameOf(expected));
+}
+
+void BinarySerializeStorage::throwUnknownName() {
+    throwCorrupted("The instance name lookup table is not valid");
 }
 
 void BinarySerializeStorage::readHead(ItemType expected, String& name) {
     readType(expected);
-    const String* const found = mInstanceNames.find(get<std::uint32_t>());
-    if (found == nullptr)
-        throwCorrupted("The instance name lookup table is not valid");
-    name = *found;
+    name = readName();
 }
 
 void BinarySerializeStorage::readTypeName(String& name) {

@@ -3,6 +3,8 @@
 #include "common/serialize/nametable.h"
 #include "common/serialize/serializestorage.h"
 
+#include <cstring>
+
 namespace ZUNO::Common::Serialize {
 
 /// Byte orders, as streams carry them.
@@ -17,7 +19,7 @@ struct Endian {
 /// once each in two tables at the stream's end. The stream must be at its start and seekable.
 /// A stream that is cut or damaged raises a SerializeException ("The stream is corrupted. ...") or
 /// gives some value; it never makes the storage ask for more memory than its length accounts for.
-class BinarySerializeStorage : public SerializeStorage {
+class BinarySerializeStorage final : public SerializeStorage {
 public:
     class BinaryPosition : public Position {
     public:
@@ -60,6 +62,13 @@ public:
     void readInt8(String& name, std::int8_t& value) override { read(ITEM_INT8, name, value); }
     void readUInt8(String& name, std::uint8_t& value) override { read(ITEM_UINT8, name, value); }
     void readBool(String& name, bool& value) override;
+
+    /// Reads a number whose name does not matter. Cheaper than the operations above, which copy it.
+    void readValue(float& value) { readItem(ITEM_FLOAT32, value); }
+    void readValue(std::int64_t& value) { readItem(ITEM_INT64, value); }
+    void readValue(std::int32_t& value) { readItem(ITEM_INT32, value); }
+    void readValue(std::uint32_t& value) { readItem(ITEM_UINT32, value); }
+    void readValue(std::uint16_t& value) { readItem(ITEM_UINT16, value); }
 
     /// Names above 2,047 bytes and texts above 65,535 units raise an ArgumentOutOfRangeException.
     void writeClassEnter(const String& name, const String& typeName, const String& typeName2,
@@ -113,7 +122,14 @@ private:
     template <typename T>
     T get() {
         T value;
-        getNumber(&value, sizeof(T));
+        if (mBufferEnd - mBufferPosition >= sizeof(T)) {
+            std::memcpy(&value, mBuffer.data() + mBufferPosition, sizeof(T));
+            mBufferPosition += sizeof(T);
+        } else {
+            getBytes(&value, sizeof(T));
+        }
+        if (mEndiness != Endian::little)
+            swapBytes(&value, sizeof(T));
         return value;
     }
     template <typename T>
@@ -126,21 +142,44 @@ private:
         readHead(type, name);
         value = get<T>();
     }
+    template <typename T>
+    void readItem(ItemType type, T& value) {
+        readType(type);
+        readName();
+        value = get<T>();
+    }
 
     void writeHead(ItemType type, const String& name);
     void readHead(ItemType expected, String& name);
-    void readType(ItemType expected);
+    void readType(ItemType expected) {
+        requireOpen();
+        const int found = get<std::uint8_t>();
+        if (found != expected)
+            throwUnexpected(found, expected);
+    }
+    const String& readName() {
+        const String* const name = mInstanceNames.find(get<std::uint32_t>());
+        if (name == nullptr)
+            throwUnknownName();
+        return *name;
+    }
     void readTypeName(String& name);
-    void requireOpen() const;
+    void requireOpen() const {
+        if (mStream == nullptr)
+            throwClosed();
+    }
+    [[noreturn]] static void throwClosed();
+    [[noreturn]] static void throwUnexpected(int found, ItemType expected);
+    [[noreturn]] static void throwUnknownName();
 
     void openOutput();
     void openInput();
     void writeTable(const NameTable& table);
     void readTable(NameTable& table);
 
-    /// These swap the bytes in place when the stream's byte order asks for it.
+    static void swapBytes(void* bytes, std::size_t size);
+    /// Swaps the bytes in place when the stream's byte order asks for it.
     void putNumber(void* bytes, std::size_t size);
-    void getNumber(void* bytes, std::size_t size);
     // reading goes through a buffer: an item is a handful of bytes
     void getBytes(void* bytes, std::size_t count);
     std::uint64_t offset();
