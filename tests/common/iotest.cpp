@@ -4,13 +4,12 @@
 #include "common/parser/xml/xmlparser.h"
 #include "common/parser/xml/xmlwriter.h"
 #include "tests/support/foundation.h"
+#include "tests/support/tempfolder.h"
 
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <sstream>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace ZUNO::Tests {
 
@@ -20,19 +19,13 @@ using namespace Common::IO;
 
 class IoTest : public FoundationTest {
 protected:
-    IoTest()
-        : mFormer(fs::current_path()),
-          mFolder(fs::path(testing::TempDir()) / ("io" + std::to_string(getpid()))) {
-        fs::remove_all(mFolder);
-        fs::create_directories(mFolder / "sub");
-        fs::current_path(mFolder);
+    IoTest() : mFormer(fs::current_path()) {
+        fs::current_path(mFolder.path());
+        fs::create_directory("sub");
         put("f", "0123456789");
         mFileSystem.reset(Memory::createManaged<FileSystem>(gObjectAllocator));
     }
-    ~IoTest() override {
-        fs::current_path(mFormer);
-        fs::remove_all(mFolder);
-    }
+    ~IoTest() override { fs::current_path(mFormer); }
 
     static void put(const std::string& name, const std::string& content) {
         std::ofstream(name, std::ios::binary) << content;
@@ -42,10 +35,10 @@ protected:
         content << std::ifstream(name, std::ios::binary).rdbuf();
         return content.str();
     }
-    std::string full(const std::string& name) const { return (mFolder / name).string(); }
+    std::string full(const std::string& name) const { return (mFolder.path() / name).string(); }
 
+    TempFolder mFolder;
     fs::path mFormer;
-    fs::path mFolder;
     std::unique_ptr<FileSystem> mFileSystem;
 };
 
@@ -160,9 +153,6 @@ TEST_F(IoTest, StreamsCheckWhatTheyAreAsked) {
     EXPECT_EQ(raisedBy([&] { stream.write(nullptr, 1); }),
               "ArgumentNullException: FileStream: The source buffer in a write cannot be NULL. "
               "{ArgumentName=srcBuffer}");
-    stream.open("/dev/full", FACCESS_WRITE, FMODE_OPEN);
-    EXPECT_EQ(raisedBy([&] { stream.write("x", 1); }),
-              "OutOfSpaceException: FileStream: Cannot write to file, disk full.");
 }
 
 TEST_F(IoTest, SplitsPathsAtBothKindsOfSlashes) {
@@ -187,7 +177,6 @@ TEST_F(IoTest, SplitsPathsAtBothKindsOfSlashes) {
         EXPECT_STREQ(mFileSystem->getFilename(row.mPath).getConstCharPtr(), row.mFilename);
     }
     EXPECT_EQ(mFileSystem->getFullPath("./sub/../f").getConstCharPtr(), full("f"));
-    EXPECT_STREQ(mFileSystem->getFullPath("/../a//b/.").getConstCharPtr(), "/a/b");
     EXPECT_EQ(
         raisedBy([&] { mFileSystem->getFullPath(longName.c_str()); }),
         "ArgumentException: FileSystem: Cannot build full path for an invalid path argument '" +
@@ -224,10 +213,11 @@ TEST_F(IoTest, ManagesFoldersAndFiles) {
     EXPECT_EQ(Reports::take(), Texts{"|not implemented"});
     const SharedPtr<Stream> temporary = mFileSystem->createTempFile();
     temporary->write("x", 1);
-    struct stat status {};
-    ASSERT_EQ(stat(temporary->getFilename().getConstCharPtr(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777U, 0600U) << "nobody else gets in";
-    mFileSystem->deleteFile(temporary->getFilename());
+    const String temporaryName = temporary->getFilename();
+    EXPECT_TRUE(mFileSystem->fileExists(temporaryName));
+    temporary->close();
+    mFileSystem->deleteFile(temporaryName);
+    EXPECT_FALSE(mFileSystem->fileExists(temporaryName));
     EXPECT_EQ(mFileSystem->openFileAppend("../f")->getLength(), 10);
 }
 

@@ -1,35 +1,20 @@
 // What is delivered, seen from outside: exports, programs, the README's listing.
+#include "tests/platform/process.h"
+#include "tests/support/tempfolder.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <fstream>
 #include <set>
 #include <sstream>
 #include <string>
-#include <sys/wait.h>
 
 namespace ZUNO::Tests {
 namespace {
 
 const std::string tools = ZUNO_TOOL_FOLDER;
 const std::string sources = ZUNO_SOURCE_FOLDER;
-
-struct Outcome {
-    std::string mOutput; ///< standard output and error
-    int mStatus;
-};
-
-Outcome runCommand(const std::string& command) {
-    std::FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
-    Outcome outcome{"", -1};
-    std::array<char, 4096> buffer{};
-    while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
-        outcome.mOutput.append(buffer.data(), count);
-    outcome.mStatus = WEXITSTATUS(pclose(pipe));
-    return outcome;
-}
 
 std::string contentOf(const std::string& file) {
     std::ifstream in(file, std::ios::binary);
@@ -41,14 +26,10 @@ std::string contentOf(const std::string& file) {
 } // namespace
 
 TEST(Delivery, ExportsTheInterfaceAndNothingElse) {
-    const Outcome symbols = runCommand("nm -DC --defined-only " ZUNO_LIBRARY);
-    ASSERT_EQ(symbols.mStatus, 0) << symbols.mOutput;
     std::multiset<std::string> names;
-    std::istringstream lines(symbols.mOutput);
     const std::string scope = "ZUNO::Pathfinder::Interface::";
-    for (std::string line; std::getline(lines, line);) {
-        const std::string name = line.substr(19);
-        ASSERT_TRUE(name.starts_with(scope)) << line;
+    for (const std::string& name : exportsOf(ZUNO_LIBRARY)) {
+        ASSERT_TRUE(name.starts_with(scope)) << name;
         names.insert(name.substr(scope.size(), name.find('(') - scope.size()));
     }
     EXPECT_EQ(names, (std::multiset<std::string>{
@@ -70,13 +51,15 @@ TEST(Delivery, ShowsTheSmallestHostInTheReadme) {
 }
 
 TEST(Delivery, CommitsTheHarbourThatItsGeneratorMakes) {
-    const std::string made = testing::TempDir() + "/harbour.xml";
+    const TempFolder temporary;
+    const std::string made = temporary.path().string() + "/harbour.xml";
     ASSERT_EQ(runCommand(tools + "/makeworld harbour " + made).mStatus, 0);
     EXPECT_TRUE(contentOf(made) == contentOf(sources + "/worlds/harbour.xml"));
 }
 
 TEST(Delivery, DemonstratesWithoutLeaks) {
-    const std::string picture = testing::TempDir() + "/demo.svg";
+    const TempFolder temporary;
+    const std::string picture = temporary.path().string() + "/demo.svg";
     const Outcome run =
         runCommand(tools + "/zunodemo " + sources + "/worlds/harbour.xml --picture " + picture);
     EXPECT_EQ(run.mStatus, 0);
@@ -86,14 +69,16 @@ TEST(Delivery, DemonstratesWithoutLeaks) {
 
 TEST(Delivery, AnswersPeopleAtTheCommandLine) {
     const std::string mesh = sources + "/worlds/harbour.xml";
-    const std::string broken = testing::TempDir() + "/broken.xml";
+    const TempFolder temporary;
+    const std::string folder = temporary.path().string();
+    const std::string broken = folder + "/broken.xml";
     std::ofstream(broken) << "<a>\n<navmesh>\n<b></c></navmesh></a>";
-    const std::string binary = testing::TempDir() + "/harbour.bin";
-    const std::string odd = testing::TempDir() + "/odd.xml";
+    const std::string binary = folder + "/harbour.bin";
+    const std::string odd = folder + "/odd.xml";
     std::string oddMesh = contentOf(mesh);
     oddMesh.replace(oddMesh.find("<node_id>1</node_id>"), 20, "<node_id>9</node_id>");
     std::ofstream(odd) << oddMesh;
-    const std::string defective = testing::TempDir() + "/defective.xml";
+    const std::string defective = folder + "/defective.xml";
     oddMesh.replace(oddMesh.find("<node_id>2</node_id>"), 20, "<node_id>9999</node_id>");
     oddMesh.replace(oddMesh.find("<pos>2.5/0/0</pos>"), 18, "<pos>2.5/inf/0</pos>");
     std::ofstream(defective) << oddMesh;
@@ -118,12 +103,11 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
         {"height " + mesh + " --at 20,20 --json", 0, "\"height\":5.0"},
         {"height " + mesh + " --at -9,20", 1, "no ground"},
         {"bounds " + mesh, 0, "0 0 to 105 80"},
-        {"draw " + mesh + " " + testing::TempDir() + "/d.svg --path 2,0,2 50,5,25 --blocked", 0,
-         ""},
+        {"draw " + mesh + " " + folder + "/d.svg --path 2,0,2 50,5,25 --blocked", 0, ""},
         {"draw " + mesh + " /nowhere/d.svg", 2, "zunopath: /nowhere/d.svg: cannot be written"},
         {"convert " + mesh + " " + binary, 0, "harbour.bin: 873 nodes, 1096 vertices"},
         {"path " + binary + " --from 2,0,2 --to 50,5,25", 0, "found: cost 109.593971"},
-        {"convert " + binary + " " + testing::TempDir() + "/back.xml", 0, "873 nodes"},
+        {"convert " + binary + " " + folder + "/back.xml", 0, "873 nodes"},
         {"convert " + mesh + " /tmp/x.txt", 2, "expected a name that ends in .xml or .bin"},
         {"convert " + mesh + " /nowhere/x.bin", 2, "/nowhere/x.bin: CallbackFileStream: File or"},
         {"check " + mesh, 0, "873 nodes, 0 defects, 0 oddities"},
@@ -145,8 +129,9 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
         EXPECT_NE(run.mOutput.find(row.mOutput), std::string::npos) << row.mArguments << '\n'
                                                                     << run.mOutput;
     }
-    const Outcome script = runCommand("printf 'bounds # all\\n\\nblocked 2,2\\nray 1,1 2\\n' | " +
-                                      tools + "/zunopath run " + mesh);
+    const std::string scriptFile = folder + "/script";
+    std::ofstream(scriptFile) << "bounds # all\n\nblocked 2,2\nray 1,1 2\n";
+    const Outcome script = runCommand(tools + "/zunopath run " + mesh + " <" + scriptFile);
     EXPECT_EQ(script.mStatus, 2);
     EXPECT_NE(script.mOutput.find("0 0 to 105 80\nfree\n"), std::string::npos) << script.mOutput;
     EXPECT_NE(script.mOutput.find("standard input:4: expected x,y or x,y,z instead of '2'"),

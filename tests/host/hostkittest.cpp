@@ -1,11 +1,11 @@
 #include "hostkit/session.h"
+#include "tests/support/tempfolder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
-#include <unistd.h>
 
 namespace ZUNO::Tests {
 
@@ -14,20 +14,20 @@ using HostKit::StdioFileCallback;
 
 class HostKitTest : public testing::Test {
 protected:
-    HostKitTest() : mFolder(fs::path(testing::TempDir()) / ("hostkit" + std::to_string(getpid()))) {
-        fs::remove_all(mFolder);
+    HostKitTest() : mFolder(mTemporary.path()) {
         fs::create_directories(mFolder / "base" / "sub");
         write(mFolder / "base" / "sub" / "in", "0123456789");
         write(mFolder / "out", "secret");
-        fs::create_symlink(mFolder / "out", mFolder / "base" / "link");
+        std::error_code ignored; // where there are no links, there is no such file
+        fs::create_symlink(mFolder / "out", mFolder / "base" / "link", ignored);
     }
-    ~HostKitTest() override { fs::remove_all(mFolder); }
 
     static void write(const fs::path& file, const std::string& content) {
         std::ofstream(file, std::ios::binary) << content;
     }
 
     HostKit::Foundation mFoundation;
+    TempFolder mTemporary;
     fs::path mFolder;
 };
 

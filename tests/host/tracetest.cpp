@@ -2,19 +2,14 @@
 #include "tests/host/hosttest.h"
 
 #include "common/debug/trace.h"
-
-#include <cstdlib>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "tests/platform/process.h"
 
 namespace ZUNO::Tests {
 
 TEST_F(HostTest, TalksToTheTraceViewer) {
-    const std::string folder = testing::TempDir() + "/trace" + std::to_string(getpid());
-    ASSERT_EQ(std::system(("mkdir -m 700 -p " + folder).c_str()), 0);
-    setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
+    const PrivateTraceChannel channel;
     EXPECT_EQ(Common::Debug::Trace::send(1, "nobody listens"), 0);
-    std::FILE* const viewer = popen(ZUNO_TOOL_FOLDER "/zunotrace --count 7", "r");
+    std::FILE* const viewer = openPipe(ZUNO_TOOL_FOLDER "/zunotrace --count 7");
     char line[200] = "";
     ASSERT_NE(std::fgets(line, sizeof(line), viewer), nullptr); // it waits for messages now
 
@@ -34,7 +29,7 @@ TEST_F(HostTest, TalksToTheTraceViewer) {
     std::string output;
     while (std::fgets(line, sizeof(line), viewer) != nullptr)
         output += line;
-    EXPECT_EQ(WEXITSTATUS(pclose(viewer)), 0);
+    EXPECT_EQ(closePipe(viewer), 0);
     EXPECT_EQ(output,
               "message  ZUNO::Pathfinder::Raytracer::BlockingMapRayTracer::BlockingMapRayTracer : "
               "load blockingmap: map.blk\n"
@@ -46,8 +41,6 @@ TEST_F(HostTest, TalksToTheTraceViewer) {
               "(10/odd)\n"
               "message  " +
                   longText + "\n");
-    unsetenv("XDG_RUNTIME_DIR");
-    std::system(("rm -rf " + folder).c_str());
 }
 
 } // namespace ZUNO::Tests

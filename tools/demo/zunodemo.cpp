@@ -1,4 +1,5 @@
 // The runtime at work: a host whose characters share a budget of expansions frame by frame.
+#include "common/platform/terminal.h"
 #include "hostkit/session.h"
 #include "tools/picture/loadedmesh.h"
 #include "tools/picture/meshpicture.h"
@@ -9,7 +10,6 @@
 #include <fstream>
 #include <iostream>
 #include <random>
-#include <unistd.h>
 
 using ZUNO::Common::Math::Vec2;
 using ZUNO::Common::Math::Vec3;
@@ -74,11 +74,11 @@ std::vector<Character> openSearches(PointPicker& points, unsigned int count) {
 
 void showProgress(unsigned int frame, std::size_t open, bool isLast) {
     // a terminal sees each frame, a log only some
-    if (isatty(STDOUT_FILENO) != 0)
+    if (ZUNO::Common::Platform::isTerminal(stdout))
         std::printf("\rframe %u: %zu searches running ", frame, open);
     else if (isLast || frame % 25 == 1)
         std::printf("frame %u: %zu searches running\n", frame, open);
-    if (isLast && isatty(STDOUT_FILENO) != 0)
+    if (isLast && ZUNO::Common::Platform::isTerminal(stdout))
         std::putchar('\n');
     std::fflush(stdout);
 }

@@ -1,8 +1,9 @@
 #include "common/platform/messagebox.h"
 
+#include "common/platform/terminal.h"
+
 #include <cctype>
 #include <cstdio>
-#include <unistd.h>
 
 namespace ZUNO::Common::Platform {
 
@@ -47,7 +48,7 @@ char readKey() {
 } // namespace
 
 int showMessageBox(const char* text, const char* caption, unsigned int style) {
-    if (isatty(STDIN_FILENO) == 0) {
+    if (!isTerminal(stdin)) {
         std::fprintf(stderr, "%s: %s\n", caption, text);
         return closedBox(style);
     }

@@ -1,0 +1,5 @@
+# 32-bit Linux on a 64-bit machine.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR i686)
+set(CMAKE_CXX_COMPILER g++)
+set(CMAKE_CXX_FLAGS_INIT -m32)

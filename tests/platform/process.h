@@ -1,0 +1,44 @@
+/// What tests need of the system, by the system.
+#pragma once
+
+#include <array>
+#include <cstdio>
+#include <set>
+#include <string>
+
+namespace ZUNO::Tests {
+
+/// Starts a command in the system's shell and gives what it prints on standard output. The first
+/// word is a program's path, with "/" as separator on every system.
+std::FILE* openPipe(const std::string& command);
+/// Waits for the command's end and returns its exit status.
+int closePipe(std::FILE* pipe);
+
+/// The names that a shared library exports, each as it is declared.
+std::multiset<std::string> exportsOf(const std::string& library);
+
+/// While it lives no other viewer and host meet on the trace channel.
+class PrivateTraceChannel {
+public:
+    PrivateTraceChannel();
+    ~PrivateTraceChannel();
+    PrivateTraceChannel(const PrivateTraceChannel&) = delete;
+    PrivateTraceChannel& operator=(const PrivateTraceChannel&) = delete;
+};
+
+struct Outcome {
+    std::string mOutput; ///< standard output and error
+    int mStatus;
+};
+
+inline Outcome runCommand(const std::string& command) {
+    std::FILE* const pipe = openPipe(command + " 2>&1");
+    Outcome outcome{"", -1};
+    std::array<char, 4096> buffer{};
+    while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
+        outcome.mOutput.append(buffer.data(), count);
+    outcome.mStatus = closePipe(pipe);
+    return outcome;
+}
+
+} // namespace ZUNO::Tests

@@ -1,0 +1,102 @@
+// What only Windows has: sharing modes, windows and their messages.
+#include "common/debug/xmessagebox.h"
+#include "common/io/filestream.h"
+#include "common/platform/tracechannel.h"
+#include "common/platform/win32/windows.h"
+#include "tests/support/foundation.h"
+#include "tests/support/tempfolder.h"
+
+#include <cstring>
+
+namespace ZUNO::Tests {
+
+using namespace Common;
+
+class Win32Test : public FoundationTest {};
+
+TEST_F(Win32Test, ASecondWriterIsRefusedAndReadersAreNot) {
+    using namespace IO;
+    const TempFolder folder;
+    const std::string name = (folder.path() / "shared").string();
+    FileStream writer(name.c_str(), FACCESS_WRITE, FMODE_CREATE);
+    writer.write("123", 3);
+    FileStream second;
+    EXPECT_TRUE(raisedBy([&] {
+                    second.open(name.c_str(), FACCESS_WRITE, FMODE_OPEN);
+                }).starts_with("UnAuthorizedAccessException"));
+    writer.close();
+    FileStream reader(name.c_str(), FACCESS_READ, FMODE_OPEN);
+    second.open(name.c_str(), FACCESS_READ, FMODE_OPEN);
+    EXPECT_EQ(second.getLength(), 3);
+    EXPECT_TRUE(raisedBy([&] {
+                    writer.open(name.c_str(), FACCESS_WRITE, FMODE_OPEN);
+                }).starts_with("UnAuthorizedAccessException"));
+}
+
+/// Presses a button of the box with that title, once it is there; ends with the thread's process.
+struct Presser {
+    const char* mCaption;
+    WORD mButton;
+    unsigned int mWantedStyle;
+    bool mHadStyle = false;
+
+    static DWORD WINAPI run(void* argument) {
+        auto& self = *static_cast<Presser*>(argument);
+        HWND box = nullptr;
+        for (int i = 0; i < 500 && box == nullptr; ++i, Sleep(20))
+            box = FindWindowA("#32770", self.mCaption);
+        if (box == nullptr)
+            return 1;
+        self.mHadStyle = GetDlgItem(box, self.mButton) != nullptr;
+        PostMessageA(box, WM_COMMAND, MAKEWPARAM(self.mButton, BN_CLICKED), 0);
+        return 0;
+    }
+};
+
+TEST_F(Win32Test, MessageBoxesGiveTheButtonPressed) {
+    using namespace Debug;
+    struct Case {
+        MessageBoxButtons mButtons;
+        WORD mPressed;
+        MessageBoxResult mResult;
+    };
+    int number = 0;
+    for (const Case& row :
+         {Case{MessageBoxButtons::OK, IDOK, MessageBoxResult::OK},
+          {MessageBoxButtons::OK_CANCEL, IDOK, MessageBoxResult::OK},
+          {MessageBoxButtons::OK_CANCEL, IDCANCEL, MessageBoxResult::CANCEL},
+          {MessageBoxButtons::YES_NO, IDYES, MessageBoxResult::YES},
+          {MessageBoxButtons::YES_NO, IDNO, MessageBoxResult::NO},
+          {MessageBoxButtons::YES_NO_CANCEL, IDYES, MessageBoxResult::YES},
+          {MessageBoxButtons::YES_NO_CANCEL, IDNO, MessageBoxResult::NO},
+          {MessageBoxButtons::YES_NO_CANCEL, IDCANCEL, MessageBoxResult::CANCEL}}) {
+        const std::string caption = "zuno test " + std::to_string(++number);
+        Presser presser{caption.c_str(), row.mPressed, 0};
+        const HANDLE thread = CreateThread(nullptr, 0, Presser::run, &presser, 0, nullptr);
+        EXPECT_EQ(showMessageBox("text", caption.c_str(), row.mButtons, MessageBoxIcon::WARNING),
+                  row.mResult)
+            << number;
+        WaitForSingleObject(thread, INFINITE);
+        CloseHandle(thread);
+        EXPECT_TRUE(presser.mHadStyle) << number;
+    }
+}
+
+TEST_F(Win32Test, TraceMessagesArriveByteForByte) {
+    Platform::TraceReceiver receiver;
+    const char* const obstacle = receiver.open();
+    ASSERT_EQ(obstacle, nullptr) << obstacle;
+    const char payload[] = {'a', '\0', '\xFF', '\n'};
+    EXPECT_TRUE(Platform::sendTraceMessage(2, payload, sizeof(payload)));
+    EXPECT_TRUE(Platform::sendTraceMessage(1, payload, 0));
+    Platform::TraceMessage message;
+    ASSERT_TRUE(receiver.receive(message, 1000));
+    EXPECT_EQ(message.mCode, 2U);
+    ASSERT_EQ(message.mLength, sizeof(payload));
+    EXPECT_EQ(std::memcmp(message.mPayload, payload, sizeof(payload)), 0);
+    ASSERT_TRUE(receiver.receive(message, 1000));
+    EXPECT_EQ(message.mLength, 0U);
+    EXPECT_FALSE(receiver.receive(message, 10));
+}
+
+} // namespace ZUNO::Tests
