@@ -27,5 +27,8 @@ endforeach()
 
 if(ZUNO_BUILD_TESTS)
   add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
-  add_library(GTest::gtest_main ALIAS gtest_main)
+  if(WIN32)
+    target_compile_options(gtest PUBLIC
+      "SHELL:-include ${PROJECT_SOURCE_DIR}/tests/platform/win32/notification.h")
+  endif()
 endif()

@@ -7,6 +7,7 @@
 
 int main(int argc, char** argv) {
     CLI::App app{"Writes a sample navigation mesh in its XML form."};
+    app.allow_windows_style_options(false); // a path may begin with a slash
     std::string kind;
     std::string file;
     unsigned int nodes = 1000;

@@ -22,7 +22,7 @@ public:
     void* allocate(std::uint64_t size) override {
         if (mIsEmpty)
             return nullptr;
-        void* const block = std::malloc(size);
+        void* const block = std::malloc(static_cast<std::size_t>(size));
         mSizes[block] = size;
         return block;
     }

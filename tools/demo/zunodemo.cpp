@@ -197,6 +197,7 @@ int run(const Options& options) {
 int main(int argc, char** argv) {
     Options options;
     CLI::App app{"Lets many characters of a host search their paths, frame by frame."};
+    app.allow_windows_style_options(false); // a path may begin with a slash
     app.add_option("mesh", options.mMesh, "the mesh file")->required();
     app.add_option("--picture", options.mPicture, "an SVG file to draw");
     app.add_option("--characters", options.mCharacters, "how many")->capture_default_str();

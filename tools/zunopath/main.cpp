@@ -225,6 +225,7 @@ int run(int argc, char** argv) {
     Options options;
     ExitStatus status = STATUS_OK;
     CLI::App app{"Asks a navigation mesh for paths, rays, heights and pictures."};
+    app.allow_windows_style_options(false); // a path may begin with a slash
     app.require_subcommand(1);
     app.footer("Exit status: 0 success, 1 no path or no node there, 2 error.");
     const auto command = [&](const char* name, const char* description, auto action) {

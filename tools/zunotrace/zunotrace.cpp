@@ -82,6 +82,7 @@ void print(const TraceMessage& message) {
 
 int main(int argc, char** argv) {
     CLI::App app{"Receives and prints the trace messages of hosts until it is interrupted."};
+    app.allow_windows_style_options(false); // a path may begin with a slash
     unsigned int count = 0;
     app.add_option("--count", count, "end after so many messages");
     CLI11_PARSE(app, argc, argv);
