@@ -162,7 +162,7 @@ void draw(const ZUNO::NavMesh::NavMeshContainer& mesh, const std::vector<Charact
     for (std::size_t i = 0; i < characters.size() && i < shown; ++i)
         if (characters[i].mSearch >= 0)
             picture.addPath(characters[i].mPath);
-    std::ofstream out(options.mPicture);
+    std::ofstream out(options.mPicture, std::ios::binary);
     picture.write(out);
     if (!out.flush())
         throw std::runtime_error(options.mPicture + ": cannot be written");

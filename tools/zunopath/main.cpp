@@ -113,7 +113,7 @@ ExitStatus draw(const Options& options) {
         status = std::max(status, answer.mStatus);
         picture.addPath(answer.mPath);
     }
-    std::ofstream out(options.mPicture);
+    std::ofstream out(options.mPicture, std::ios::binary);
     picture.write(out);
     if (!out.flush())
         throw std::runtime_error(options.mPicture + ": cannot be written");

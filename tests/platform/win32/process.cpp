@@ -57,7 +57,21 @@ std::multiset<std::string> exportsOf(const std::string& library) {
     return names;
 }
 
-PrivateTraceChannel::PrivateTraceChannel() = default;
-PrivateTraceChannel::~PrivateTraceChannel() = default;
+// There is one viewer of a user: tests that run side by side take turns.
+namespace {
+
+HANDLE gTurn = nullptr;
+
+} // namespace
+
+PrivateTraceChannel::PrivateTraceChannel() {
+    gTurn = CreateMutexA(nullptr, FALSE, "zuno trace tests");
+    WaitForSingleObject(gTurn, INFINITE);
+}
+
+PrivateTraceChannel::~PrivateTraceChannel() {
+    ReleaseMutex(gTurn);
+    CloseHandle(gTurn);
+}
 
 } // namespace ZUNO::Tests

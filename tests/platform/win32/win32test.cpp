@@ -3,6 +3,8 @@
 #include "common/io/filestream.h"
 #include "common/platform/tracechannel.h"
 #include "common/platform/win32/windows.h"
+#include "tests/platform/process.h"
+#include "tests/platform/win32/presser.h"
 #include "tests/support/foundation.h"
 #include "tests/support/tempfolder.h"
 
@@ -33,26 +35,6 @@ TEST_F(Win32Test, ASecondWriterIsRefusedAndReadersAreNot) {
                 }).starts_with("UnAuthorizedAccessException"));
 }
 
-/// Presses a button of the box with that title, once it is there; ends with the thread's process.
-struct Presser {
-    const char* mCaption;
-    WORD mButton;
-    unsigned int mWantedStyle;
-    bool mHadStyle = false;
-
-    static DWORD WINAPI run(void* argument) {
-        auto& self = *static_cast<Presser*>(argument);
-        HWND box = nullptr;
-        for (int i = 0; i < 500 && box == nullptr; ++i, Sleep(20))
-            box = FindWindowA("#32770", self.mCaption);
-        if (box == nullptr)
-            return 1;
-        self.mHadStyle = GetDlgItem(box, self.mButton) != nullptr;
-        PostMessageA(box, WM_COMMAND, MAKEWPARAM(self.mButton, BN_CLICKED), 0);
-        return 0;
-    }
-};
-
 TEST_F(Win32Test, MessageBoxesGiveTheButtonPressed) {
     using namespace Debug;
     struct Case {
@@ -71,18 +53,16 @@ TEST_F(Win32Test, MessageBoxesGiveTheButtonPressed) {
           {MessageBoxButtons::YES_NO_CANCEL, IDNO, MessageBoxResult::NO},
           {MessageBoxButtons::YES_NO_CANCEL, IDCANCEL, MessageBoxResult::CANCEL}}) {
         const std::string caption = "zuno test " + std::to_string(++number);
-        Presser presser{caption.c_str(), row.mPressed, 0};
-        const HANDLE thread = CreateThread(nullptr, 0, Presser::run, &presser, 0, nullptr);
+        Presser presser(caption, row.mPressed);
         EXPECT_EQ(showMessageBox("text", caption.c_str(), row.mButtons, MessageBoxIcon::WARNING),
                   row.mResult)
             << number;
-        WaitForSingleObject(thread, INFINITE);
-        CloseHandle(thread);
-        EXPECT_TRUE(presser.mHadStyle) << number;
+        EXPECT_TRUE(presser.hadButton()) << number;
     }
 }
 
 TEST_F(Win32Test, TraceMessagesArriveByteForByte) {
+    const PrivateTraceChannel channel;
     Platform::TraceReceiver receiver;
     const char* const obstacle = receiver.open();
     ASSERT_EQ(obstacle, nullptr) << obstacle;

@@ -2,21 +2,37 @@
 
 #include "common/platform/win32/windows.h"
 
+#include <cstdint>
 #include <cstring>
+#include <unwind.h>
 
 namespace ZUNO::Common::Platform {
 
 namespace {
 
-constexpr DWORD maxFrames = 62; // what older systems capture at once
+/// The return addresses, innermost first.
+struct Addresses {
+    static constexpr unsigned int maxCount = 64;
 
-void visitAddress(StackVisitor& visitor, void* address) {
+    static _Unwind_Reason_Code add(_Unwind_Context* frame, void* self) {
+        auto& addresses = *static_cast<Addresses*>(self);
+        if (addresses.mCount == maxCount)
+            return _URC_END_OF_STACK;
+        addresses.mAddresses[addresses.mCount++] = _Unwind_GetIP(frame);
+        return _URC_NO_REASON;
+    }
+
+    std::uintptr_t mAddresses[maxCount];
+    unsigned int mCount = 0;
+};
+
+void visitAddress(StackVisitor& visitor, std::uintptr_t address) {
     StackFrame frame;
     char path[MAX_PATH];
     HMODULE module = nullptr;
     constexpr DWORD flags =
         GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    if (GetModuleHandleExA(flags, static_cast<const char*>(address), &module) != 0) {
+    if (GetModuleHandleExA(flags, reinterpret_cast<const char*>(address), &module) != 0) {
         const DWORD length = GetModuleFileNameA(module, path, sizeof(path));
         if (length != 0 && length < sizeof(path)) {
             const char* const separator = std::strrchr(path, '\\');
@@ -29,10 +45,11 @@ void visitAddress(StackVisitor& visitor, void* address) {
 } // namespace
 
 __attribute__((noinline)) void walkStack(StackVisitor& visitor) {
-    void* addresses[maxFrames];
-    const unsigned int count = CaptureStackBackTrace(0, maxFrames, addresses, nullptr);
-    for (unsigned int i = 0; i < count; ++i)
-        visitAddress(visitor, addresses[i]);
+    // by the unwinder's tables: the system's own walk needs frame pointers in 32 bits
+    Addresses addresses;
+    _Unwind_Backtrace(Addresses::add, &addresses);
+    for (unsigned int i = 0; i < addresses.mCount; ++i)
+        visitAddress(visitor, addresses.mAddresses[i]);
 }
 
 } // namespace ZUNO::Common::Platform
