@@ -42,7 +42,7 @@ std::uint32_t MeshModel::vertexOf(const Corner& corner) {
 
 void MeshModel::addPolygon(std::vector<Corner> corners, int heightClass, int surface) {
     const auto lowest = std::ranges::min_element(corners, {}, &Corner::mY);
-    std::ranges::rotate(corners, lowest);
+    std::rotate(corners.begin(), lowest, corners.end());
     Node node{{}, {}, heightClass, surface};
     for (const Corner& corner : corners)
         node.mPolygon.push_back(vertexOf(corner));

@@ -11,7 +11,6 @@
 #include <fstream>
 #include <iostream>
 #include <map>
-#include <sstream>
 
 namespace ZUNO::Tools {
 namespace {
@@ -73,10 +72,7 @@ ExitStatus runScript(const Options& options) {
     ExitStatus status = STATUS_OK;
     std::string line;
     for (unsigned int number = 1; std::getline(in, line); ++number) {
-        std::istringstream stream(line.substr(0, line.find('#')));
-        std::vector<std::string> words;
-        for (std::string word; stream >> word;)
-            words.push_back(word);
+        const std::vector<std::string> words = splitLine(line);
         if (words.empty())
             continue;
         try {

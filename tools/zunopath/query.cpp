@@ -185,6 +185,14 @@ std::vector<float> parsePoint(const std::string& text, std::size_t least, std::s
     return numbers;
 }
 
+std::vector<std::string> splitLine(const std::string& line) {
+    std::istringstream stream(line.substr(0, line.find('#')));
+    std::vector<std::string> words;
+    for (std::string word; stream >> word;)
+        words.push_back(word);
+    return words;
+}
+
 Query parseQuery(const std::vector<std::string>& words) {
     const std::string kind = words.empty() ? "" : words[0];
     const auto require = [&](std::size_t least, std::size_t most, const char* usage) {

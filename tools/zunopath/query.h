@@ -34,6 +34,9 @@ struct Answer {
 /// expected.
 std::vector<float> parsePoint(const std::string& text, std::size_t least, std::size_t most);
 
+/// The words of a script's line, without its comment, which begins with a "#".
+std::vector<std::string> splitLine(const std::string& line);
+
 /// Reads a query from its words: "path FROM TO [BUDGET]", "ray FROM TO", "blocked AT",
 /// "height AT", "bounds". Raises a std::invalid_argument that says what was expected.
 Query parseQuery(const std::vector<std::string>& words);

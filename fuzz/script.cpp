@@ -1,0 +1,26 @@
+// The script reader of the command for people: any lines.
+#include "tools/zunopath/query.h"
+
+#include <cstdint>
+#include <sstream>
+#include <stdexcept>
+
+using namespace ZUNO::Tools;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    std::istringstream script(std::string(reinterpret_cast<const char*>(data), size));
+    for (std::string line; std::getline(script, line);) {
+        const std::vector<std::string> words = splitLine(line);
+        if (words.empty())
+            continue;
+        try {
+            const Query query = parseQuery(words);
+            if (query.mFrom.size() > 3 || query.mTo.size() > 3)
+                std::abort();
+        } catch (const std::invalid_argument& error) {
+            if (std::string(error.what()).find("expected") == std::string::npos)
+                std::abort();
+        }
+    }
+    return 0;
+}
