@@ -57,7 +57,8 @@ bool NavMeshInstance::loadNavMesh(const String& fileName) {
         return false;
     }
     NavMesh::getAllocator()->compact(); // the document's tree was larger than the mesh
-    mAStarMap = Common::Memory::createObject<NavMesh::AStarMapNavMesh>(mAllocator, mesh);
+    mAStarMap = Common::Memory::createObject<NavMesh::MeshGraph>(mAllocator, mesh, mAllocator);
+    mLocator = Common::Memory::createObject<NavMesh::NodeLocator>(mAllocator, mesh, mAllocator);
     mNavMesh = mesh;
     mPlaneTransform =
         makePlaneTransform(mesh->mXAxis, mesh->mYAxis, mesh->mNormal.getDominantAxis());
@@ -73,6 +74,8 @@ void NavMeshInstance::unloadMesh() {
     for (auto search = mSearches.begin(); search != mSearches.end(); ++search)
         destroyAStar((*search).mAStar);
     mSearches.clear();
+    Common::Memory::destroyObject(mAllocator, mLocator);
+    mLocator = nullptr;
     Common::Memory::destroyObject(mAllocator, mAStarMap);
     mAStarMap = nullptr;
     mNavMesh = nullptr;

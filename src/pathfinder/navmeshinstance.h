@@ -1,11 +1,11 @@
 #pragma once
 
-#include "common/astar/asgoalbase.h"
 #include "common/container/idvector.h"
 #include "common/geom/ray3d.h"
 #include "common/memory/objectcreation.h"
 #include "common/singleton.h"
-#include "navmesh/astarnavmesh.h"
+#include "navmesh/meshsearch.h"
+#include "navmesh/nodelocator.h"
 #include "pathfinder/pathsearch.h"
 #include "pathfinder/planetransform.h"
 #include "pathfinder/raytracer/raytracer.h"
@@ -62,7 +62,7 @@ public:
     bool saveBlockingMap(const Common::String& filename);
 
 private:
-    using AStar = Common::Astar::AStar;
+    using AStar = NavMesh::MeshAStar;
 
     struct AStarDeleter {
         NavMeshInstance* mWorld;
@@ -71,12 +71,8 @@ private:
     using OwnedAStar = std::unique_ptr<AStar, AStarDeleter>;
 
     void unloadMesh();
-    OwnedAStar takeAStar(const NavMesh::SearchEnds& ends);
-    OwnedAStar makeAStar(const NavMesh::SearchEnds& ends);
+    OwnedAStar takeAStar();
     void destroyAStar(AStar* aStar);
-    /// The cost and heuristic functions with the goal that carries them.
-    Common::Astar::ASGoalBase* makeGoal(const NavMesh::SearchEnds& ends);
-    void destroyGoal(Common::Astar::AStarGoal* goal);
     /// Room in the pool for every search that is open or about to be, so that closing one needs
     /// no memory.
     void reservePool();
@@ -88,7 +84,8 @@ private:
 
     Common::SharedPtr<NavMesh::NavMeshContainer> mNavMesh;
     Raytracer::RayTracer* mRayTracer = nullptr;
-    NavMesh::AStarMapNavMesh* mAStarMap = nullptr;
+    NavMesh::MeshGraph* mAStarMap = nullptr;
+    NavMesh::NodeLocator* mLocator = nullptr;
     Common::Container::IDVector<PathSearch> mSearches;
     std::vector<AStar*, Common::Memory::STLAllocator<AStar*>> mAStarPool; ///< last in, first out
     Matrix2 mPlaneTransform;

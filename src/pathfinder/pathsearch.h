@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/astar/astar.h"
+#include "navmesh/meshsearch.h"
 
 namespace ZUNO::Pathfinder {
 
@@ -9,7 +9,7 @@ struct PathSearch {
     explicit PathSearch(const Common::SharedPtr<Common::Memory::Allocator>& allocator)
         : mPath(allocator), mAllocator(allocator) {}
 
-    Common::Astar::AStar* mAStar = nullptr;
+    NavMesh::MeshAStar* mAStar = nullptr;
     Common::Astar::EdgeList mPath;   ///< filled when the first waypoint is asked for
     std::int32_t mNextWaypoint = -1; ///< the next edge to deliver; -1: no path read yet
     float mCost = 0;                 ///< 0 until the path is read

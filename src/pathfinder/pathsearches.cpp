@@ -1,6 +1,4 @@
 // The world's searches.
-#include "common/astar/asgoalbase.h"
-#include "common/astar/astarstoragefast.h"
 #include "common/exceptions/argumentexceptions.h"
 #include "pathfinder/navmeshinstance.h"
 
@@ -17,16 +15,17 @@ std::int32_t NavMeshInstance::initPathSearch(const Vec3& start, const Vec3& goal
     ZUNO_CHECK_AS(mNavMesh != nullptr, "mNavMesh", "there is no mesh to search");
     if (mNavMesh == nullptr)
         return -1;
-    const std::int32_t startNode = mNavMesh->findNode(start);
+    const std::int32_t startNode = mLocator->findNode(start);
     if (startNode == -1)
         return -1;
-    const std::int32_t goalNode = mNavMesh->findNode(goal);
+    const std::int32_t goalNode = mLocator->findNode(goal);
     if (goalNode == -1)
         return -1;
     const NavMesh::SearchEnds ends{start, goal, static_cast<std::uint32_t>(startNode),
                                    static_cast<std::uint32_t>(goalNode)};
     reservePool();
-    OwnedAStar aStar = takeAStar(ends);
+    OwnedAStar aStar = takeAStar();
+    aStar->setEnds(ends);
     aStar->initSearch();
     PathSearch search(mAllocator);
     search.mAStar = aStar.get();
@@ -58,8 +57,7 @@ bool NavMeshInstance::getNextWaypoint(std::int32_t id, Vec3& waypoint) {
     if (next >= search->mPath.size())
         return false;
     ++search->mNextWaypoint;
-    const std::uint32_t node = mAStarMap->getEdgeEndNode(search->mPath[next]);
-    waypoint = mNavMesh->getNodeCenter(static_cast<std::int32_t>(node));
+    waypoint = mAStarMap->centreOf(mAStarMap->endOf(search->mPath[next]));
     return true;
 }
 
@@ -77,59 +75,27 @@ bool NavMeshInstance::closePathSearch(std::int32_t id) {
     return true;
 }
 
-NavMeshInstance::OwnedAStar NavMeshInstance::takeAStar(const NavMesh::SearchEnds& ends) {
-    if (mAStarPool.empty())
-        return makeAStar(ends);
-    ASGoalBase* const goal = makeGoal(ends);
-    OwnedAStar aStar(mAStarPool.back(), AStarDeleter{this});
-    mAStarPool.pop_back();
-    destroyGoal(aStar->getGoal());
-    aStar->setGoal(goal);
-    return aStar;
-}
-
-NavMeshInstance::OwnedAStar NavMeshInstance::makeAStar(const NavMesh::SearchEnds& ends) {
-    auto storage = createOwned<AStarStorageFast>(mAllocator, mAStarMap, mAllocator);
-    ASGoalBase* const goal = makeGoal(ends);
-    AStar* aStar = nullptr;
-    try {
-        aStar = createObject<AStar>(mAllocator, storage.get(), goal, mAStarMap, mAllocator);
-    } catch (...) {
-        destroyGoal(goal);
-        throw;
+NavMeshInstance::OwnedAStar NavMeshInstance::takeAStar() {
+    if (!mAStarPool.empty()) {
+        OwnedAStar aStar(mAStarPool.back(), AStarDeleter{this});
+        mAStarPool.pop_back();
+        return aStar;
     }
+    auto storage = createOwned<AStarStorageFast>(mAllocator, mAStarMap, mAllocator);
+    auto goal = createOwned<NavMesh::MeshGoal>(mAllocator, *mAStarMap, mAllocator);
+    AStar* const aStar =
+        createObject<AStar>(mAllocator, storage.get(), goal.get(), mAStarMap, mAllocator);
     storage.release();
+    goal.release();
     return {aStar, AStarDeleter{this}};
 }
 
 void NavMeshInstance::destroyAStar(AStar* aStar) {
     if (aStar == nullptr)
         return;
-    destroyGoal(aStar->getGoal());
+    destroyObject(mAllocator, aStar->getGoal());
     destroyObject(mAllocator, aStar->getStorage());
     destroyObject(mAllocator, aStar);
-}
-
-ASGoalBase* NavMeshInstance::makeGoal(const NavMesh::SearchEnds& ends) {
-    std::unique_ptr<NavMesh::NMHeuristicFunc> heuristic(
-        Common::Memory::createManaged<NavMesh::NMHeuristicFunc>(mAllocator, mNavMesh));
-    std::unique_ptr<NavMesh::NMCostFunc> cost(
-        Common::Memory::createManaged<NavMesh::NMCostFunc>(mAllocator, mNavMesh));
-    heuristic->mEnds = ends;
-    cost->mEnds = ends;
-    auto* const goal =
-        createObject<ASGoalBase>(mAllocator, cost.get(), heuristic.get(), mAllocator);
-    cost.release();
-    heuristic.release();
-    goal->setStartGoal(ends.mStartNode, ends.mGoalNode);
-    return goal;
-}
-
-void NavMeshInstance::destroyGoal(AStarGoal* goal) {
-    auto* const base = static_cast<ASGoalBase*>(goal); // every goal here comes from makeGoal
-    delete base->getCostFunc();
-    delete base->getHeuristicFunc();
-    destroyObject(mAllocator, base);
 }
 
 void NavMeshInstance::reservePool() {

@@ -3,7 +3,7 @@
 #include "common/astar/astarnode.h"
 #include "common/memory/stlallocator.h"
 
-#include <list>
+#include <vector>
 
 namespace ZUNO::Common::Astar {
 
@@ -14,35 +14,59 @@ namespace ZUNO::Common::Astar {
 class AStarOpenList {
 public:
     explicit AStarOpenList(const SharedPtr<Memory::Allocator>& allocator)
-        : mSorted(allocator), mOverflow(allocator) {}
+        : mSorted(allocator), mOverflow(allocator), mScratch(allocator) {}
 
-    void push(AStarNode* record);
+    void push(AStarNode* record) {
+        if (mSorted.empty() || !isLess(record, mSorted.front()))
+            mOverflow.push_back(record);
+        else
+            insert(record);
+    }
     /// The best record; the list must not be empty.
-    AStarNode* top();
+    AStarNode* top() {
+        if (mSorted.empty())
+            refill();
+        return mSorted.back();
+    }
     /// Removes the best record; the list must not be empty.
-    void pop();
+    void pop() {
+        if (mSorted.empty())
+            refill();
+        mSorted.pop_back();
+    }
     bool empty() const { return mSorted.empty() && mOverflow.empty(); }
-    void clear();
+    void clear() {
+        mSorted.clear();
+        mOverflow.clear();
+    }
 
     /// Finds a new place for a record whose cost was lowered.
     void reposition(AStarNode* record);
     /// Makes the record the best one, before all others of its cost.
-    void pushFront(AStarNode* record) { mSorted.push_front(record); }
+    void pushFront(AStarNode* record) { mSorted.push_back(record); }
 
 private:
-    using RecordList = std::list<AStarNode*, Memory::STLAllocator<AStarNode*>>;
+    using RecordList = std::vector<AStarNode*, Memory::STLAllocator<AStarNode*>>;
 
     /// How many records a refill moves into the sorted part.
-    static constexpr unsigned int refillLimit = 50;
+    static constexpr std::size_t refillLimit = 50;
 
-    struct Less {
-        bool operator()(const AStarNode* a, const AStarNode* b) const { return a->mF < b->mF; }
-    };
+    static bool isLess(const AStarNode* a, const AStarNode* b) { return a->mF < b->mF; }
 
+    /// Behind all records that cost as much. Seen from the best: a record whose cost was lowered
+    /// in its place may stand where the order does not put it, and the first larger one counts.
+    void insert(AStarNode* record) {
+        auto place = mSorted.end();
+        while (place != mSorted.begin() && !isLess(record, *(place - 1)))
+            --place;
+        mSorted.insert(place, record);
+    }
     void refill();
+    void sortTaken();
 
-    RecordList mSorted;
-    RecordList mOverflow;
+    RecordList mSorted;   ///< the best last
+    RecordList mOverflow; ///< in the order in which a refill looks at them
+    RecordList mScratch;
 };
 
 } // namespace ZUNO::Common::Astar

@@ -7,12 +7,6 @@ namespace ZUNO::Common::Astar {
 
 namespace {
 
-void setCheaperPath(AStarNode& record, std::uint32_t edge, float g) {
-    record.mF = record.mF - record.mG + g;
-    record.mG = g;
-    record.mParentEdge = edge;
-}
-
 template <typename T>
 std::unique_ptr<T[]> makeArray(std::size_t count) {
     std::unique_ptr<T[]> array(new (std::nothrow) T[count]);
@@ -38,46 +32,8 @@ void AStarStorageFast::initNodes(std::uint32_t nodeCount) {
     mOpenList.clear();
 }
 
-AStarNode* AStarStorageFast::popBest() {
-    AStarNode* const best = peekBest();
-    if (best != nullptr)
-        mOpenList.pop();
-    return best;
-}
-
-AStarNode* AStarStorageFast::peekBest() {
-    return mOpenList.empty() ? nullptr : mOpenList.top();
-}
-
-void AStarStorageFast::addOpen(std::uint32_t edge, std::uint32_t node, float g, float h) {
-    AStarNode& record = mRecords[node];
-    record = {g + h, g, edge};
-    mOpenList.push(&record);
-    setState(node, OPEN);
-}
-
-void AStarStorageFast::closeNode(AStarNode* record) {
-    setState(getNodeOfRecord(record), CLOSED);
-}
-
-void AStarStorageFast::reopenBest(AStarNode* record) {
-    mOpenList.pushFront(record);
-    setState(getNodeOfRecord(record), OPEN);
-}
-
-void AStarStorageFast::updateOpen(std::uint32_t node, std::uint32_t edge, float g) {
-    AStarNode& record = mRecords[node];
-    if (!(g < record.mG))
-        return;
-    setCheaperPath(record, edge, g);
-    mOpenList.reposition(&record);
-}
-
-void AStarStorageFast::updateClosed(std::uint32_t node, std::uint32_t edge, float g) {
-    AStarNode& record = mRecords[node];
-    if (!(g < record.mG))
-        return;
-    setCheaperPath(record, edge, g);
+void AStarStorageFast::passSavingOn(std::uint32_t node, std::uint32_t edge, float g) {
+    setCheaperPath(mRecords[node], edge, g);
     EdgeList edges(mScratchAllocator);
     EdgeList work(mScratchAllocator);
     relax(node, edges, work);
@@ -101,21 +57,6 @@ void AStarStorageFast::relax(std::uint32_t node, EdgeList& edges, EdgeList& work
         setCheaperPath(record, edge, g);
         work.push_back(end);
     }
-}
-
-std::uint32_t AStarStorageFast::getNodeOfRecord(AStarNode* record) {
-    return static_cast<std::uint32_t>(record - mRecords.get());
-}
-
-AStarNode* AStarStorageFast::getRecordOfNode(std::uint32_t node) {
-    return node < mCapacity ? &mRecords[node] : nullptr;
-}
-
-void AStarStorageFast::setState(std::uint32_t node, State state) {
-    const unsigned int shift = node % 4 * 2;
-    const unsigned int others = mStates[node / 4] & ~(3U << shift);
-    mStates[node / 4] =
-        static_cast<std::uint8_t>(others | static_cast<unsigned int>(state) << shift);
 }
 
 } // namespace ZUNO::Common::Astar
