@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 namespace ZUNO::NavMesh {
 
@@ -16,13 +17,6 @@ constexpr double largest = 1e15;
 constexpr double smallest = 1e-15;
 
 constexpr std::size_t entriesPerNode = 9;
-
-/// Where a node may hold points: the bounds of its corners and a margin. None when that is not
-/// known.
-struct Reach {
-    bool mIsKnown = false;
-    double mRect[4] = {0, 0, 0, 0}; ///< lowest x and y, highest x and y
-};
 
 /// A node's corners in the plane, as the test for a point sees them.
 class Outline {
@@ -45,28 +39,21 @@ public:
     ///     E * (2 * X * (d + S) + (X + d + S) * S),  E = 8 * 2^-24.
     /// Divided by d the former grows with d and the latter falls: when the former is larger at a
     /// margin, no point beyond that margin passes.
-    Reach measure() {
-        Reach reach;
+    std::optional<NodeLocator::Rect> measureReach() {
         if (!findBounds() || !isSimple())
-            return reach;
+            return {};
         constexpr double roundingError = 8.0 / (1 << 24);
-        const double size = std::max(mHigh[0] - mLow[0], mHigh[1] - mLow[1]);
+        const double size = mBounds.largerExtent();
         const auto count = static_cast<double>(mPolygon.size());
         for (const double part : {1.0 / 16, 1.0 / 4, 1.0}) {
             const double margin = size * part;
             const double least = margin * margin / (margin + size) * mArea / size / count;
             const double error = roundingError * (2 * mLargestX * (margin + size) +
                                                   (mLargestX + margin + size) * size);
-            if (!(least > error))
-                continue;
-            reach.mIsKnown = true;
-            for (int axis = 0; axis < 2; ++axis) {
-                reach.mRect[axis] = mLow[axis] - margin;
-                reach.mRect[axis + 2] = mHigh[axis] + margin;
-            }
-            break;
+            if (least > error)
+                return mBounds.widened(margin);
         }
-        return reach;
+        return {};
     }
 
 private:
@@ -81,33 +68,30 @@ private:
     }
 
     bool findBounds() {
-        constexpr double infinity = std::numeric_limits<double>::infinity();
-        mLow[0] = mLow[1] = infinity;
-        mHigh[0] = mHigh[1] = -infinity;
         mCentre = {0, 0};
         for (std::size_t i = 0; i < mPolygon.size(); ++i) {
             const Corner at = corner(i);
-            mLow[0] = std::min(mLow[0], at.mX);
-            mLow[1] = std::min(mLow[1], at.mY);
-            mHigh[0] = std::max(mHigh[0], at.mX);
-            mHigh[1] = std::max(mHigh[1], at.mY);
+            const NodeLocator::Rect here{{at.mX, at.mY}, {at.mX, at.mY}};
+            if (i == 0)
+                mBounds = here;
+            mBounds.grow(here);
             mCentre.mX += at.mX;
             mCentre.mY += at.mY;
         }
         const auto count = static_cast<double>(mPolygon.size());
         mCentre = {mCentre.mX / count, mCentre.mY / count};
-        mLargestX = std::max(std::abs(mLow[0]), std::abs(mHigh[0]));
-        const double largestY = std::max(std::abs(mLow[1]), std::abs(mHigh[1]));
-        mLargest = std::max(mLargestX, largestY);
-        const double size = std::max(mHigh[0] - mLow[0], mHigh[1] - mLow[1]);
-        return mLargest < largest && size > smallest;
+        const auto largestOf = [&](int axis) {
+            return std::max(std::abs(mBounds.mLow[axis]), std::abs(mBounds.mHigh[axis]));
+        };
+        mLargestX = largestOf(0);
+        mLargest = std::max(mLargestX, largestOf(1));
+        return mLargest < largest && mBounds.largerExtent() > smallest;
     }
 
     /// Whether every border runs counter-clockwise around the mean of the corners, once around
     /// altogether: then the outline does not cross itself.
     bool isSimple() {
-        const double size = std::max(mHigh[0] - mLow[0], mHigh[1] - mLow[1]);
-        const double tolerance = 1e-13 * mLargest * size;
+        const double tolerance = 1e-13 * mLargest * mBounds.largerExtent();
         double doubleArea = 0;
         int turns = 0;
         Corner a = corner(mPolygon.size() - 1);
@@ -128,8 +112,7 @@ private:
 
     const NavMeshContainer& mMesh;
     const NavMeshContainer::Vector<std::uint32_t>& mPolygon;
-    double mLow[2] = {0, 0};
-    double mHigh[2] = {0, 0};
+    NodeLocator::Rect mBounds{};
     Corner mCentre{0, 0};
     double mLargestX = 0;
     double mLargest = 0;
@@ -141,73 +124,65 @@ private:
 NodeLocator::NodeLocator(const Common::SharedPtr<NavMeshContainer>& navMesh,
                          const Common::SharedPtr<Common::Memory::Allocator>& allocator)
     : mNavMesh(navMesh), mFirstEntries(allocator), mEntries(allocator), mEverywhere(allocator) {
-    const NavMeshContainer& mesh = *navMesh;
     NavMeshContainer::Vector<Reach> reaches(allocator);
-    reaches.reserve(mesh.mNodes.size());
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    double bounds[4] = {infinity, infinity, -infinity, -infinity};
-    for (const NavMeshContainer::NavNode& node : mesh.mNodes) {
-        const Reach& reach = reaches.emplace_back(Outline(mesh, node).measure());
-        if (!reach.mIsKnown) {
-            mEverywhere.push_back(static_cast<std::uint32_t>(reaches.size() - 1));
-            continue;
-        }
-        for (int axis = 0; axis < 2; ++axis) {
-            bounds[axis] = std::min(bounds[axis], reach.mRect[axis]);
-            bounds[axis + 2] = std::max(bounds[axis + 2], reach.mRect[axis + 2]);
-        }
+    reaches.reserve(navMesh->mNodes.size());
+    for (const NavMeshContainer::NavNode& node : navMesh->mNodes) {
+        const std::optional<Rect> reach = Outline(*navMesh, node).measureReach();
+        const auto id = static_cast<std::uint32_t>(&node - navMesh->mNodes.data());
+        if (reach.has_value())
+            reaches.push_back({id, *reach});
+        else
+            mEverywhere.push_back(id);
     }
-    if (mEverywhere.size() == mesh.mNodes.size())
-        bounds[0] = bounds[1] = bounds[2] = bounds[3] = 0;
-    mColumns.mBegin = bounds[0];
-    mRows.mBegin = bounds[1];
-    const std::size_t limit = entriesPerNode * mesh.mNodes.size();
+    if (reaches.empty()) {
+        mFirstEntries.assign(2, 0); // one cell of nothing
+        return;
+    }
+    mEntries.resize(layGrid(reaches));
+    fill(reaches);
+}
+
+std::size_t NodeLocator::layGrid(const NavMeshContainer::Vector<Reach>& reaches) {
+    Rect bounds = reaches.front().mRect;
+    for (const Reach& reach : reaches)
+        bounds.grow(reach.mRect);
     // a finer grid has shorter lists, until large nodes lie in too many cells
-    for (std::size_t cells = mesh.mNodes.size();; cells /= 4) {
-        layGrid(bounds[2] - bounds[0], bounds[3] - bounds[1], cells);
-        mFirstEntries.assign(std::size_t{mColumns.mCount} * mRows.mCount + 1, 0);
+    for (std::size_t cells = reaches.size();; cells /= 4) {
+        divide(bounds, cells);
         std::size_t entries = 0;
-        for (const Reach& reach : reaches) {
-            if (!reach.mIsKnown)
-                continue;
-            const CellRange range = rangeOf(reach.mRect);
-            entries += std::size_t{range.mLastColumn - range.mFirstColumn + 1} *
-                       (range.mLastRow - range.mFirstRow + 1);
-        }
-        if (entries > limit && cells > 1)
-            continue;
-        mEntries.resize(entries);
-        break;
+        for (const Reach& reach : reaches)
+            entries += rangeOf(reach.mRect).size();
+        if (entries <= entriesPerNode * reaches.size())
+            return entries;
     }
+}
+
+void NodeLocator::divide(const Rect& bounds, std::size_t cells) {
+    const double width = bounds.mHigh[0] - bounds.mLow[0]; // a reach has an extent in both axes
+    const double height = bounds.mHigh[1] - bounds.mLow[1];
+    const auto limit = static_cast<double>(std::max<std::size_t>(cells, 1));
+    const double columns = std::clamp(std::floor(std::sqrt(limit * width / height)), 1.0, limit);
+    const double rows = std::max(std::floor(limit / columns), 1.0);
+    mColumns = {bounds.mLow[0], columns / width, static_cast<std::uint32_t>(columns)};
+    mRows = {bounds.mLow[1], rows / height, static_cast<std::uint32_t>(rows)};
+}
+
+void NodeLocator::fill(const NavMeshContainer::Vector<Reach>& reaches) {
     const auto forEachCell = [&](const Reach& reach, auto action) {
         const CellRange range = rangeOf(reach.mRect);
         for (std::uint32_t row = range.mFirstRow; row <= range.mLastRow; ++row)
             for (std::uint32_t column = range.mFirstColumn; column <= range.mLastColumn; ++column)
-                action(mFirstEntries[std::size_t{row} * mColumns.mCount + column]);
+                action(mFirstEntries[cellAt(column, row)]);
     };
     // counted, summed up to the lists' ends, and filled from the last id down to the lists' begins
+    mFirstEntries.assign(cellAt(0, mRows.mCount) + 1, 0);
     for (const Reach& reach : reaches)
-        if (reach.mIsKnown)
-            forEachCell(reach, [](std::uint32_t& count) { ++count; });
+        forEachCell(reach, [](std::uint32_t& count) { ++count; });
     std::uint32_t sum = 0;
     for (std::uint32_t& count : mFirstEntries)
         count = sum += count;
-    for (std::size_t id = reaches.size(); id-- != 0;)
-        if (reaches[id].mIsKnown)
-            forEachCell(reaches[id], [&](std::uint32_t& first) {
-                mEntries[--first] = static_cast<std::uint32_t>(id);
-            });
-}
-
-void NodeLocator::layGrid(double width, double height, std::size_t cells) {
-    const auto limit = static_cast<double>(std::max<std::size_t>(cells, 1));
-    const double ideal = height > 0 ? std::sqrt(limit * width / height) : limit;
-    const double columns = std::clamp(std::floor(ideal), 1.0, limit);
-    const double rows = std::max(std::floor(limit / columns), 1.0);
-    mColumns.mCount = static_cast<std::uint32_t>(columns);
-    mRows.mCount = static_cast<std::uint32_t>(rows);
-    mColumns.mScale = width > 0 ? columns / width : 0;
-    mRows.mScale = height > 0 ? rows / height : 0;
+    for (std::size_t i = reaches.size(); i-- != 0;)
+        forEachCell(reaches[i], [&](std::uint32_t& first) { mEntries[--first] = reaches[i].mId; });
 }
 
 std::uint32_t NodeLocator::Axis::cellOf(double coordinate) const {
@@ -217,9 +192,9 @@ std::uint32_t NodeLocator::Axis::cellOf(double coordinate) const {
     return cell < mCount ? static_cast<std::uint32_t>(cell) : mCount - 1;
 }
 
-NodeLocator::CellRange NodeLocator::rangeOf(const double (&rect)[4]) const {
-    return {mColumns.cellOf(rect[0]), mRows.cellOf(rect[1]), mColumns.cellOf(rect[2]),
-            mRows.cellOf(rect[3])};
+NodeLocator::CellRange NodeLocator::rangeOf(const Rect& rect) const {
+    return {mColumns.cellOf(rect.mLow[0]), mRows.cellOf(rect.mLow[1]),
+            mColumns.cellOf(rect.mHigh[0]), mRows.cellOf(rect.mHigh[1])};
 }
 
 std::int32_t NodeLocator::findNode(const Vec3<float>& point) const {

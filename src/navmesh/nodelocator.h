@@ -2,6 +2,8 @@
 
 #include "navmesh/navmeshcontainer.h"
 
+#include <algorithm>
+
 namespace ZUNO::NavMesh {
 
 /// Finds the node under a point as `NavMeshContainer::findNode` does, without looking at all of
@@ -18,11 +20,37 @@ public:
     /// The bytes that it holds beside the object itself.
     std::size_t getMemoryUsage() const;
 
+    /// An upright rectangle of the plane.
+    struct Rect {
+        void grow(const Rect& other) {
+            for (int axis = 0; axis < 2; ++axis) {
+                mLow[axis] = std::min(mLow[axis], other.mLow[axis]);
+                mHigh[axis] = std::max(mHigh[axis], other.mHigh[axis]);
+            }
+        }
+        Rect widened(double margin) const {
+            return {{mLow[0] - margin, mLow[1] - margin}, {mHigh[0] + margin, mHigh[1] + margin}};
+        }
+        double largerExtent() const { return std::max(mHigh[0] - mLow[0], mHigh[1] - mLow[1]); }
+
+        double mLow[2];
+        double mHigh[2];
+    };
+
 private:
     using IdList = NavMeshContainer::Vector<std::uint32_t>;
 
+    /// Where a node may hold points: around its corners.
+    struct Reach {
+        std::uint32_t mId;
+        Rect mRect;
+    };
     /// A rectangle of cells, its last ones included.
     struct CellRange {
+        std::size_t size() const {
+            return std::size_t{mLastColumn - mFirstColumn + 1} * (mLastRow - mFirstRow + 1);
+        }
+
         std::uint32_t mFirstColumn;
         std::uint32_t mFirstRow;
         std::uint32_t mLastColumn;
@@ -37,9 +65,15 @@ private:
         std::uint32_t mCount = 1;
     };
 
-    /// Lays a grid of at most so many cells over the plane.
-    void layGrid(double width, double height, std::size_t cells);
-    CellRange rangeOf(const double (&rect)[4]) const;
+    /// Lays the grid and returns how many entries its cells have altogether.
+    std::size_t layGrid(const NavMeshContainer::Vector<Reach>& reaches);
+    void divide(const Rect& bounds, std::size_t cells);
+    void fill(const NavMeshContainer::Vector<Reach>& reaches);
+
+    std::size_t cellAt(std::uint32_t column, std::uint32_t row) const {
+        return std::size_t{row} * mColumns.mCount + column;
+    }
+    CellRange rangeOf(const Rect& rect) const;
     /// The lowest id of a list, below `limit`, of a node that holds the point; else `limit`.
     std::int32_t findIn(const std::uint32_t* first, const std::uint32_t* last,
                         const NavMeshContainer::Point3& point, std::int32_t limit) const;

@@ -25,6 +25,9 @@ public:
     const NavMesh::NavMeshContainer& operator*() const { return *mMesh.get(); }
     const NavMesh::NavMeshContainer* operator->() const { return mMesh.get(); }
 
+    /// The mesh itself, to be let go before this object ends.
+    const Common::SharedPtr<NavMesh::NavMeshContainer>& shared() const { return mMesh; }
+
     bool isBinary() const { return mIsBinary; }
 
     /// Saves the mesh in the form that the suffix names: ".xml" or ".bin". Raises a

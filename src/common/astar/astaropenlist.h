@@ -62,7 +62,7 @@ private:
         mSorted.insert(place, record);
     }
     void refill();
-    void sortTaken();
+    void putBack(std::size_t taken);
 
     RecordList mSorted;   ///< the best last
     RecordList mOverflow; ///< in the order in which a refill looks at them
