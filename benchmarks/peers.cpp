@@ -98,7 +98,12 @@ private:
         const std::string file = (std::filesystem::temp_directory_path() /
                                   ("zunopeers" + std::to_string(nodes) + ".xml"))
                                      .string();
-        std::ofstream(file, std::ios::binary) << Worlds::makeFloor(nodes, 1).toXML("benchmark");
+        Worlds::MeshModel floor = Worlds::makeFloor(nodes, 1);
+        int extent = 0; // in quarters, from 0 on
+        for (const auto& corner : floor.mVertices)
+            extent = std::max({extent, corner.mX, corner.mZ});
+        floor.mCubeSize = static_cast<float>(extent) / 4 / 1000;
+        std::ofstream(file, std::ios::binary) << floor.toXML("benchmark");
         return file;
     }
     void takePoints() {
@@ -280,6 +285,17 @@ void compareLoading() {
                               });
     print("loading the world of 20,000 nodes against pugixml", load.mOurs / load.mTheirs, 6,
           load.mOurs, load.mTheirs);
+
+    // the same mesh with a grid of a few cells: the difference is the grid
+    std::string coarse = document;
+    coarse.replace(coarse.find("<cubesize>"), 10, "<cubesize>50"); // 500 and more
+    const std::string file = sample.file() + ".coarse";
+    std::ofstream(file, std::ios::binary) << coarse;
+    const Pair grid = compare([&] { const HostKit::Session session(sample.file()); },
+                              [&] { const HostKit::Session session(file); });
+    std::filesystem::remove(file);
+    print("its grid of 1,000 x 1,000 cells, as a part of that",
+          (grid.mOurs - grid.mTheirs) / grid.mOurs, 0.25, grid.mOurs - grid.mTheirs, grid.mOurs);
 }
 
 void compareManySearches() {

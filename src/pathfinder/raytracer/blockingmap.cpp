@@ -49,6 +49,10 @@ BlockingMap::Position BlockingMap::cellToWorld(const Cell& cell) const {
             coordinate(cell.mY, mScaleY, mRect.mMin.mY)};
 }
 
+BlockingMap::Position BlockingMap::cellSize() const {
+    return {mScaleX != 0 ? 1.0F / mScaleX : 0.0F, mScaleY != 0 ? 1.0F / mScaleY : 0.0F};
+}
+
 BlockingCell& BlockingMap::cellAt(const Position& position) const {
     // rounding may carry the upper border of a very fine grid one cell too far
     const Cell cell = worldToCell(position);

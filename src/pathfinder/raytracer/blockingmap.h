@@ -42,6 +42,15 @@ public:
     /// The lower corner of a cell.
     Position cellToWorld(const Cell& cell) const;
 
+    std::uint32_t columns() const { return mColumns; }
+    std::uint32_t rows() const { return mRows; }
+    /// The lengths of a cell's sides; 0 in an axis whose scale is 0.
+    Position cellSize() const;
+    const Common::Math::Rect& bounds() const { return mRect; }
+    /// All cells, row by row; null before `init`.
+    const BlockingCell* cells() const { return mCells; }
+    BlockingCell* cells() { return mCells; }
+
     /// These return false, and do nothing else, outside the rectangle or the grid.
     bool getCellAtWorld(const Position& position, BlockingCell& out) const;
     bool setCellAtWorld(const Position& position, const BlockingCell& cell);

@@ -4,6 +4,10 @@
 #include "common/exceptions/stateexceptions.h"
 #include "navmesh/planegrid.h"
 #include "pathfinder/raytracer/gridlinewalker.h"
+#include "pathfinder/raytracer/rasteriser.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace ZUNO::Pathfinder::Raytracer {
 
@@ -11,41 +15,10 @@ using Common::Math::Rect;
 using Common::Math::Vec2;
 using NavMesh::NavMeshContainer;
 using Ray = Common::Geom::Ray2D<float, float>;
-using PointList = NavMeshContainer::Vector<Vec2<float>>;
 
 namespace {
 
 constexpr float noHit = -1.0F;
-
-/// Borders count as inside; a clockwise polygon holds nothing.
-bool isInPolygon(const PointList& points, const NavMeshContainer::Vector<std::uint32_t>& polygon,
-                 const Vec2<float>& q) {
-    Vec2<float> start = points[polygon.back()];
-    for (const std::uint32_t corner : polygon) {
-        const Vec2<float> end = points[corner];
-        if (-signedArea(start, end, q) > 0)
-            return false;
-        start = end;
-    }
-    return true;
-}
-
-/// Marks the cells whose centres the node covers.
-void rasterise(BlockingMap& map, const PointList& points,
-               const NavMeshContainer::Vector<std::uint32_t>& polygon, const BlockingCell& cell,
-               float half) {
-    Rect rect;
-    for (const std::uint32_t corner : polygon)
-        rect.grow(points[corner]);
-    const Vec2<int> low = map.worldToCell(rect.mMin);
-    const Vec2<int> high = map.worldToCell(rect.mMax);
-    for (int y = low.mY; y <= high.mY; ++y)
-        for (int x = low.mX; x <= high.mX; ++x) {
-            const Vec2<float> centre = map.cellToWorld({x, y}) + Vec2<float>(half, half);
-            if (isInPolygon(points, polygon, centre))
-                map.setCellAtWorld(centre, cell);
-        }
-}
 
 } // namespace
 
@@ -53,7 +26,7 @@ BlockingMapRayTracer::BlockingMapRayTracer(
     const Common::SharedPtr<NavMeshContainer>& navMesh,
     const Common::SharedPtr<Common::Memory::Allocator>& allocator, const Common::String& fileName,
     bool loadFromFile)
-    : mBlockingMap(allocator), mAllocator(allocator) {
+    : mBlockingMap(allocator), mClearances(allocator), mAllocator(allocator) {
     if (loadFromFile)
         loadBlockingMap(fileName);
     build(*navMesh);
@@ -66,15 +39,16 @@ void BlockingMapRayTracer::build(const NavMeshContainer& mesh) {
     mBoundsMax = grid.mBounds.mMax;
     mBlockingMap.init(mBoundsMin, mBoundsMax, static_cast<std::uint32_t>(grid.mColumns),
                       static_cast<std::uint32_t>(grid.mRows), {noGround, BlockingCell::blocked});
-    PointList points(mAllocator);
+    NavMeshContainer::Vector<Vec2<float>> points(mAllocator);
     points.reserve(mesh.mVertices.size());
     for (const auto& vertex : mesh.mVertices)
         points.push_back(mesh.projectToPlane(vertex));
+    Rasteriser rasteriser(mBlockingMap, points, mesh.mCubeSize * 0.5F, mAllocator);
     for (const NavMeshContainer::NavNode& node : mesh.mNodes) {
         const float height = mesh.mVertices[node.mPolygon[0]][up];
-        rasterise(mBlockingMap, points, node.mPolygon, {height, BlockingCell::walkable},
-                  mesh.mCubeSize * 0.5F);
+        rasteriser.mark(node.mPolygon, {height, BlockingCell::walkable});
     }
+    mClearances.build(mBlockingMap);
 }
 
 bool BlockingMapRayTracer::isBlocked(const Vec2<float>& position) {
@@ -112,22 +86,50 @@ float BlockingMapRayTracer::walk(const Ray& ray, float clearance) const {
     Vec2<int> current = mBlockingMap.worldToCell(begin);
     Vec2<int> previous = current;
     bool hasPrevious = false;
+    const Vec2<int> end = mBlockingMap.worldToCell(ray.mEnd);
     GridLineWalker walker;
-    walker.init(current, mBlockingMap.worldToCell(ray.mEnd));
+    walker.init(current, end);
     const float limit = ray.mLength * ray.mLength;
+    const std::int64_t within = stepsWithinLength(ray, end, walker.stepCount());
     do {
         BlockingCell cell{};
         if (!mBlockingMap.getCell(current.mX, current.mY, cell))
             return hasPrevious ? distanceTo(previous) : 0;
-        previous = current;
-        hasPrevious = true;
         if (cell.isBlocked())
             return distanceTo(current);
-        const Vec2<float> offset = mBlockingMap.cellToWorld(current) - ray.mStart;
-        if (!(dot(offset, offset) < limit))
-            return noHit;
+        if (walker.stepsTaken() > within) {
+            const Vec2<float> offset = mBlockingMap.cellToWorld(current) - ray.mStart;
+            if (!(dot(offset, offset) < limit))
+                return noHit;
+        } else if (const unsigned int free = mClearances.stepsFrom(current); free != 0) {
+            // on the way nothing is blocked, nor outside, nor too far
+            walker.skip(std::min<std::int64_t>(free, within - walker.stepsTaken()), current);
+        }
+        previous = current;
+        hasPrevious = true;
     } while (walker.next(current));
     return noHit;
+}
+
+std::int64_t BlockingMapRayTracer::stepsWithinLength(const Ray& ray, const Vec2<int>& end,
+                                                     std::int64_t stepCount) const {
+    constexpr int farAway = 1 << 30; // there the end's cell may be one that ints can hold
+    const Vec2<float> size = mBlockingMap.cellSize();
+    if (size.mX == 0 || size.mY == 0 || std::abs(end.mX) > farAway || std::abs(end.mY) > farAway)
+        return -1;
+    // After k of n steps a cell's lower corner lies within three cells, in each axis, of the point
+    // at k / n of the way: two for truncated ends and one for the walk. Rounding adds little.
+    const Rect& bounds = mBlockingMap.bounds();
+    const double largest =
+        std::max({std::abs(bounds.mMin.mX), std::abs(bounds.mMin.mY), std::abs(bounds.mMax.mX),
+                  std::abs(bounds.mMax.mY), std::abs(ray.mStart.mX), std::abs(ray.mStart.mY)});
+    const double slack = 6 * (std::max(size.mX, size.mY) + largest / (1 << 20));
+    const double way =
+        std::hypot(double{ray.mEnd.mX} - ray.mStart.mX, double{ray.mEnd.mY} - ray.mStart.mY);
+    const double part = (ray.mLength * (1 - 1e-5) - slack) / way;
+    if (!(part > 0))
+        return -1;
+    return static_cast<std::int64_t>(std::min(part, 1.0) * static_cast<double>(stepCount)) - 1;
 }
 
 void BlockingMapRayTracer::loadBlockingMap(const Common::String& filename) {

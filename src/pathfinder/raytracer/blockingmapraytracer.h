@@ -2,7 +2,7 @@
 
 #include "common/basicstring.h"
 #include "navmesh/navmeshcontainer.h"
-#include "pathfinder/raytracer/blockingmap.h"
+#include "pathfinder/raytracer/clearancefield.h"
 #include "pathfinder/raytracer/raytracer.h"
 
 namespace ZUNO::Pathfinder::Raytracer {
@@ -34,8 +34,12 @@ private:
     void build(const NavMesh::NavMeshContainer& mesh);
     /// How far a ray that starts in a cell of `clearance` runs.
     float walk(const Common::Geom::Ray2D<float, float>& ray, float clearance) const;
+    /// Up to how many steps of a walk no cell can be as far from the start as the ray is long.
+    std::int64_t stepsWithinLength(const Common::Geom::Ray2D<float, float>& ray,
+                                   const BlockingMap::Cell& end, std::int64_t stepCount) const;
 
     BlockingMap mBlockingMap;
+    ClearanceField mClearances;
     Common::Math::Vec2<float> mBoundsMin{0, 0};
     Common::Math::Vec2<float> mBoundsMax{0, 0};
     Common::SharedPtr<Common::Memory::Allocator> mAllocator; ///< for what the build needs meanwhile

@@ -38,6 +38,18 @@ public:
         return true;
     }
 
+    std::int64_t stepCount() const { return mStepCount; }
+    std::int64_t stepsTaken() const { return mStepsTaken; }
+
+    /// Moves on as so many calls of `next` do, and gives the cell reached. There must be as many
+    /// steps left; at most 2^30.
+    void skip(std::int64_t steps, Cell& cell) {
+        leap(steps, mErrorX, mDeltaX, mCell.mX, mSignX);
+        leap(steps, mErrorY, mDeltaY, mCell.mY, mSignY);
+        cell = mCell;
+        mStepsTaken += steps;
+    }
+
 private:
     static int sign(std::int64_t value) { return value > 0 ? 1 : (value < 0 ? -1 : 0); }
 
@@ -47,6 +59,17 @@ private:
             error -= mStepCount;
             coordinate += direction;
         }
+    }
+
+    /// An error stays above 0 and at most the step count: a multiple of the latter goes off it.
+    void leap(std::int64_t steps, std::int64_t& error, std::int64_t delta, int& coordinate,
+              int direction) const {
+        if (delta == 0)
+            return;
+        error += steps * delta;
+        const std::int64_t cells = delta == mStepCount ? steps : (error - 1) / mStepCount;
+        error -= cells * mStepCount;
+        coordinate += static_cast<int>(cells) * direction;
     }
 
     Cell mCell{0, 0};
