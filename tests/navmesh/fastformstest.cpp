@@ -125,7 +125,7 @@ TEST_F(FastFormsTest, LocatesNodesAsAScanOfAllDoes) {
                 const float width = i % 40 == 0 ? 80.0F : between(0, 6);
                 const float depth = i % 7 == 0 ? 1e-4F : (i % 7 == 1 ? 1e-5F : between(0, 6));
                 const float height = between(0, 3);
-                const unsigned int count = 3 + random() % 4;
+                const auto count = static_cast<unsigned int>(3 + random() % 4);
                 for (unsigned int k = 0; k < count; ++k) {
                     const float angle = 6.2831853F * static_cast<float>(k) /
                                         static_cast<float>(count) * (i % 11 == 0 ? -1.0F : 1.0F);

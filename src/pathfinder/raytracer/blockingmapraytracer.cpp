@@ -90,7 +90,7 @@ float BlockingMapRayTracer::walk(const Ray& ray, float clearance) const {
     GridLineWalker walker;
     walker.init(current, end);
     const float limit = ray.mLength * ray.mLength;
-    const std::int64_t within = stepsWithinLength(ray, end, walker.stepCount());
+    const std::int64_t within = stepsWithinLength(ray, begin, end, walker.stepCount());
     do {
         BlockingCell cell{};
         if (!mBlockingMap.getCell(current.mX, current.mY, cell))
@@ -111,22 +111,28 @@ float BlockingMapRayTracer::walk(const Ray& ray, float clearance) const {
     return noHit;
 }
 
-std::int64_t BlockingMapRayTracer::stepsWithinLength(const Ray& ray, const Vec2<int>& end,
+std::int64_t BlockingMapRayTracer::stepsWithinLength(const Ray& ray, const Vec2<float>& begin,
+                                                     const Vec2<int>& end,
                                                      std::int64_t stepCount) const {
     constexpr int farAway = 1 << 30; // there the end's cell may be one that ints can hold
+    constexpr float longest = 1e18F; // beyond these, squares leave the range of `float`
+    constexpr float shortest = 1e-15F;
     const Vec2<float> size = mBlockingMap.cellSize();
-    if (size.mX == 0 || size.mY == 0 || std::abs(end.mX) > farAway || std::abs(end.mY) > farAway)
+    if (size.mX == 0 || size.mY == 0 || std::abs(end.mX) > farAway || std::abs(end.mY) > farAway ||
+        !(ray.mLength < longest && ray.mLength > shortest))
         return -1;
     // After k of n steps a cell's lower corner lies within three cells, in each axis, of the point
-    // at k / n of the way: two for truncated ends and one for the walk. Rounding adds little.
+    // at k / n of the way: two for truncated ends and one for the walk. Rounding adds little. The
+    // way begins at the ray's start, or, from a blocked cell, behind it.
     const Rect& bounds = mBlockingMap.bounds();
     const double largest =
         std::max({std::abs(bounds.mMin.mX), std::abs(bounds.mMin.mY), std::abs(bounds.mMax.mX),
                   std::abs(bounds.mMax.mY), std::abs(ray.mStart.mX), std::abs(ray.mStart.mY)});
     const double slack = 6 * (std::max(size.mX, size.mY) + largest / (1 << 20));
-    const double way =
-        std::hypot(double{ray.mEnd.mX} - ray.mStart.mX, double{ray.mEnd.mY} - ray.mStart.mY);
-    const double part = (ray.mLength * (1 - 1e-5) - slack) / way;
+    const auto fromStart = [&](const Vec2<float>& point) {
+        return std::hypot(double{point.mX} - ray.mStart.mX, double{point.mY} - ray.mStart.mY);
+    };
+    const double part = (ray.mLength * (1 - 1e-5) - slack - fromStart(begin)) / fromStart(ray.mEnd);
     if (!(part > 0))
         return -1;
     return static_cast<std::int64_t>(std::min(part, 1.0) * static_cast<double>(stepCount)) - 1;

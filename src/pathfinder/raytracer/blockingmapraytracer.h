@@ -36,7 +36,8 @@ private:
     float walk(const Common::Geom::Ray2D<float, float>& ray, float clearance) const;
     /// Up to how many steps of a walk no cell can be as far from the start as the ray is long.
     std::int64_t stepsWithinLength(const Common::Geom::Ray2D<float, float>& ray,
-                                   const BlockingMap::Cell& end, std::int64_t stepCount) const;
+                                   const BlockingMap::Position& begin, const BlockingMap::Cell& end,
+                                   std::int64_t stepCount) const;
 
     BlockingMap mBlockingMap;
     ClearanceField mClearances;
