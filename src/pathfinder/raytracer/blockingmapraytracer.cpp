@@ -128,9 +128,12 @@ std::int64_t BlockingMapRayTracer::stepsWithinLength(const Ray& ray, const Vec2<
     const double largest =
         std::max({std::abs(bounds.mMin.mX), std::abs(bounds.mMin.mY), std::abs(bounds.mMax.mX),
                   std::abs(bounds.mMax.mY), std::abs(ray.mStart.mX), std::abs(ray.mStart.mY)});
-    const double slack = 6 * (std::max(size.mX, size.mY) + largest / (1 << 20));
+    constexpr double threeCells = 4.3; // along their diagonal
+    const double slack = threeCells * (std::max(size.mX, size.mY) + largest / (1 << 20));
     const auto fromStart = [&](const Vec2<float>& point) {
-        return std::hypot(double{point.mX} - ray.mStart.mX, double{point.mY} - ray.mStart.mY);
+        const double x = double{point.mX} - ray.mStart.mX;
+        const double y = double{point.mY} - ray.mStart.mY;
+        return std::sqrt(x * x + y * y);
     };
     const double part = (ray.mLength * (1 - 1e-5) - slack - fromStart(begin)) / fromStart(ray.mEnd);
     if (!(part > 0))
