@@ -2,8 +2,6 @@
 
 #include "common/geom/ray3d.h"
 
-#include <functional>
-
 namespace ZUNO::Tests {
 
 using Common::Geom::Ray2D;
@@ -216,53 +214,6 @@ TEST_F(HostTest, ReportsASecondStartAndLoadsTheNewMesh) {
         << text;
     EXPECT_FALSE(Interface::closePathSearch(old)) << "the old mesh's searches are gone";
     EXPECT_FLOAT_EQ(Interface::getGroundHeight({20, 20}), 5);
-}
-
-/// Start, a query and a close, with the n-th request for memory failing, for every n.
-void failEveryRequest(CountingMemory& memory, const std::function<bool()>& start) {
-    const auto useAll = [&] {
-        if (!start())
-            return false;
-        const int search = Interface::initPathSearch({1, 0, 1}, {13, 0, 13});
-        while (search >= 0 && Interface::runPathSearch(search, 3) == 1) {
-        }
-        Vec3<float> waypoint;
-        while (Interface::getNextWaypoint(search, waypoint)) {
-        }
-        Interface::closePathSearch(search);
-        return search >= 0 && !Interface::isBlocked({1, 1});
-    };
-    Stderr reports;
-    bool isOver = false;
-    unsigned int failures = 0;
-    for (unsigned int n = 1; !isOver; ++n) {
-        memory.mFailingRequest = n;
-        memory.mRequests = 0;
-        bool isRight = false;
-        const std::string raised = raisedBy([&] { isRight = useAll(); });
-        isOver = memory.mRequests < n;
-        failures += isRight ? 0 : 1;
-        EXPECT_TRUE(raised.empty() || raised.starts_with("OutOfMemoryException")) << n << raised;
-        memory.mFailingRequest = 0;
-        Interface::close();
-        ASSERT_TRUE(memory.mBlocks.empty()) << n;
-        if (n % 10 == 1) {
-            ASSERT_TRUE(useAll()) << "it starts again after request " << n << " failed";
-            Interface::close();
-        }
-    }
-    reports.text();
-    EXPECT_GT(failures, 10U) << "the failures were felt";
-}
-
-TEST_F(HostTest, SurvivesNullFromTheHostAtEveryRequest) {
-    failEveryRequest(*mMemory, [&] { return start(); });
-}
-
-TEST_F(HostTest, SurvivesExceptionsFromTheHostAtEveryRequest) {
-    mMemory->mThrows = true;
-    mMemory->mFailsOnwards = false;
-    failEveryRequest(*mMemory, [&] { return start(); });
 }
 
 } // namespace ZUNO::Tests

@@ -75,6 +75,7 @@ public:
     }
 
     std::size_t openCount() const { return mOpen.size(); }
+    void closeAll() { mOpen.clear(); }
 
     static constexpr std::int32_t noResult = 12345;
     static constexpr std::int64_t noLength = -12345;

@@ -8,14 +8,15 @@ namespace ZUNO::Common::Memory {
 class MemoryException : public Exceptions::Exception {
 public:
     using Exception::Exception;
-    String getName() const override { return "MemoryException"; }
+    String getName() const override { return {"MemoryException", processHeap()}; }
 };
 
 /// No memory was left for a request.
 class OutOfMemoryException : public MemoryException {
 public:
     using MemoryException::MemoryException;
-    String getName() const override { return "OutOfMemoryException"; }
+    /// Needs no memory of the host's, which has none to give.
+    String getName() const override { return {"OutOfMemoryException", processHeap()}; }
 };
 
 } // namespace ZUNO::Common::Memory

@@ -1,0 +1,32 @@
+#include "benchmarks/endurance.h"
+#include "tests/support/tempfolder.h"
+#include "worlds/meshmodel.h"
+
+#include <algorithm>
+#include <fstream>
+
+namespace ZUNO::Tests {
+
+TEST(Endurance, HoldsNoMoreAfterManySearchesAndStarts) {
+    using Benchmarks::Endurance;
+    const TempFolder folder;
+    const std::string file = (folder.path() / "floor.xml").string();
+    const auto mesh = Worlds::makeFloor(400, 1);
+    std::ofstream(file, std::ios::binary) << mesh.toXML("floor");
+    std::vector<Endurance::Point> points;
+    for (const auto& node : mesh.mNodes) {
+        const auto& low = mesh.mVertices[node.mPolygon[0]];
+        points.emplace_back(static_cast<float>(low.mX) / 4 + 1, 0.0F,
+                            static_cast<float>(low.mZ) / 4 + 1);
+    }
+    Endurance endurance(file, points);
+    const auto table = endurance.churn(20000, 50, 10);
+    ASSERT_EQ(table.size(), 10U);
+    for (std::size_t i = 5; i < table.size(); ++i) // warm by then
+        EXPECT_LE(table[i].mBytes, table[4].mBytes + table[4].mBytes / 20) << table[i].mDone;
+    for (const auto& row : endurance.restart(20, 20))
+        EXPECT_EQ(row.mBlocks + row.mBytes, 0U) << row.mDone;
+    EXPECT_EQ(endurance.mistakes(), 0U);
+}
+
+} // namespace ZUNO::Tests

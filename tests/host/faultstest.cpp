@@ -1,0 +1,181 @@
+// What the host's callbacks do wrong, at every place where they can.
+#include "tests/host/hosttest.h"
+
+#include <algorithm>
+#include <bit>
+#include <functional>
+#include <random>
+
+namespace ZUNO::Tests {
+
+namespace {
+
+/// Host files of which one call in many goes wrong.
+class FaultyFiles : public MemoryFiles {
+public:
+    enum class Fault { NONE, SHORT, NEGATIVE, EMPTY, TOO_LONG, GROWS, SHRINKS, LOSES_HANDLE };
+
+    std::int32_t readFile(void* dstBuffer, std::uint32_t numBytes, Handle handle) override {
+        const std::int32_t count = MemoryFiles::readFile(dstBuffer, numBytes, handle);
+        if (++mCalls != mFaultyCall)
+            return count;
+        switch (mFault) {
+        case Fault::SHORT:
+            return count - 1;
+        case Fault::NEGATIVE:
+            return -1;
+        case Fault::EMPTY:
+            return 0;
+        case Fault::TOO_LONG:
+            return count + 1;
+        default:
+            return count;
+        }
+    }
+    std::int64_t getFileLength(Handle handle) override {
+        const std::int64_t length = MemoryFiles::getFileLength(handle);
+        if (++mCalls != mFaultyCall)
+            return length;
+        return mFault == Fault::GROWS ? length + 7
+                                      : (mFault == Fault::SHRINKS ? length / 2 : length);
+    }
+    bool isValidHandle(Handle handle) override {
+        return (++mCalls != mFaultyCall || mFault != Fault::LOSES_HANDLE) &&
+               MemoryFiles::isValidHandle(handle);
+    }
+
+    Fault mFault = Fault::NONE;
+    unsigned int mFaultyCall = 0; ///< of all calls, from 1 on; 0: none
+    unsigned int mCalls = 0;
+};
+
+/// FNV-1a over the bits of what a world answers.
+std::uint64_t askFiftyQueries() {
+    std::uint64_t digest = 0xCBF29CE484222325U;
+    const auto add = [&](std::uint32_t word) { digest = (digest ^ word) * 0x100000001B3U; };
+    std::mt19937 random(1);
+    const auto place = [&] {
+        const float x = static_cast<float>(random() % 32) / 2;
+        const float z = static_cast<float>(random() % 32) / 2;
+        return Vec3<float>(x, 0, z);
+    };
+    for (int i = 0; i < 50; ++i) {
+        const int search = Interface::initPathSearch(place(), place());
+        add(static_cast<std::uint32_t>(search));
+        if (search < 0)
+            continue;
+        while (Interface::runPathSearch(search, 3) == 1) {
+        }
+        Vec3<float> waypoint(0, 0, 0);
+        while (Interface::getNextWaypoint(search, waypoint))
+            add(std::bit_cast<std::uint32_t>(waypoint.mX + waypoint.mZ));
+        add(std::bit_cast<std::uint32_t>(Interface::getPathCost(search)));
+        if (i % 3 != 0) // some stay open
+            Interface::closePathSearch(search);
+        add(Interface::isBlocked({waypoint.mX, waypoint.mZ}) ? 1 : 0);
+    }
+    return digest;
+}
+
+} // namespace
+
+class FaultsTest : public HostTest {
+protected:
+    FaultsTest() {
+        mFaultyFiles = new FaultyFiles;
+        mFaultyFiles->mFiles = mFiles->mFiles;
+        mFiles = mFaultyFiles;
+        mFileCallback = SharedPtr<Common::Callback::FileIOCallback>(mFaultyFiles);
+        EXPECT_TRUE(start());
+        mRightDigest = askFiftyQueries();
+        Interface::close();
+    }
+
+    /// Start, queries and close with a fault in them, which may come out as an exception of one of
+    /// the names; then the same without.
+    void survive(unsigned int n, const std::vector<std::string>& names,
+                 const std::function<void()>& mend) {
+        const std::string raised = raisedBy([&] {
+            if (start())
+                askFiftyQueries();
+        });
+        const bool isExpected = std::ranges::any_of(
+            names, [&](const std::string& name) { return raised.starts_with(name); });
+        EXPECT_TRUE(raised.empty() || isExpected) << n << ": " << raised;
+        mend();
+        Interface::close();
+        ASSERT_TRUE(mMemory->mBlocks.empty()) << n;
+        ASSERT_EQ(mFiles->openCount(), 0U) << n;
+        std::uint64_t digest = 0;
+        const std::string raisedAgain = raisedBy([&] {
+            if (start())
+                digest = askFiftyQueries();
+        });
+        ASSERT_EQ(raisedAgain, "") << "after fault " << n;
+        ASSERT_EQ(digest, mRightDigest) << "after fault " << n;
+        Interface::close();
+        mFaults += raised.empty() ? 0 : 1;
+    }
+
+    FaultyFiles* mFaultyFiles = nullptr;
+    std::uint64_t mRightDigest = 0;
+    unsigned int mFaults = 0; ///< those that came out as exceptions
+};
+
+TEST_F(FaultsTest, NoRequestForMemoryIsEssential) {
+    struct Mode {
+        bool mThrows;
+        bool mFailsOnwards;
+    };
+    Stderr reports;
+    for (const auto& [throws, failsOnwards] :
+         {Mode{false, false}, Mode{true, false}, Mode{false, true}, Mode{true, true}}) {
+        mMemory->mThrows = throws;
+        mMemory->mFailsOnwards = failsOnwards;
+        for (unsigned int n = 1;; ++n) {
+            mMemory->mRequests = 0;
+            mMemory->mFailingRequest = n;
+            bool wasReached = false;
+            survive(n, {"OutOfMemoryException"}, [&] {
+                wasReached = mMemory->mRequests >= n;
+                mMemory->mFailingRequest = 0;
+            });
+            if (!wasReached || HasFatalFailure())
+                break;
+        }
+    }
+    reports.text();
+    EXPECT_GT(mFaults, 100U);
+}
+
+TEST_F(FaultsTest, NoAnswerAboutFilesIsTrusted) {
+    using Fault = FaultyFiles::Fault;
+    const std::vector<std::string> names = {
+        "IOException",        "FileNotFoundException", "UnAuthorizedAccessException",
+        "XMLParserException", "InvalidStateException", "NotSupportedException"};
+    Stderr reports;
+    for (const Fault fault : {Fault::SHORT, Fault::NEGATIVE, Fault::EMPTY, Fault::TOO_LONG,
+                              Fault::GROWS, Fault::SHRINKS, Fault::LOSES_HANDLE})
+        for (unsigned int n = 1;; ++n) {
+            mFaultyFiles->mFault = fault;
+            mFaultyFiles->mFaultyCall = n;
+            mFaultyFiles->mCalls = 0;
+            bool wasReached = false;
+            survive(n, names, [&] {
+                wasReached = mFaultyFiles->mCalls >= n;
+                mFaultyFiles->mFaultyCall = 0;
+                if (fault == Fault::LOSES_HANDLE)
+                    mFaultyFiles->closeAll(); // what the host itself lost
+            });
+            if (!wasReached || HasFatalFailure())
+                break;
+        }
+    for (const std::int32_t result : {-1, -2, -3, -4, -5, -2147483647}) {
+        mFiles->mOpenResult = result;
+        survive(0, names, [&] { mFiles->mOpenResult = 0; });
+    }
+    reports.text();
+    EXPECT_GT(mFaults, 10U);
+}
+
+} // namespace ZUNO::Tests
