@@ -15,8 +15,9 @@ public:
 
 /// Looks for what a world could not run with: no nodes, a node without corners, indices out of
 /// range, numbers that are not finite, a cube size that is not above 0, more nodes or borders than
-/// edge ids can name, a blocking grid of more memory than 32 bits can address.
-/// Returns whether the mesh is free of all that.
+/// edge ids can name, a blocking grid of more memory than 32 bits can address, nodes that cover
+/// that grid so often that making it would take minutes. Returns whether the mesh is free of all
+/// that.
 bool findDefects(const NavMeshContainer& mesh, DefectListener& listener);
 
 /// Looks for what is merely odd and works as the algorithms say: polygons of fewer than three

@@ -3,6 +3,7 @@
 #include "common/utility/saturate.h"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 
 namespace ZUNO::Pathfinder::Raytracer {
@@ -12,7 +13,8 @@ using Common::Utility::truncateToInt;
 namespace {
 
 float scaleOf(std::uint32_t cells, float extent) {
-    return extent > 0 ? static_cast<float>(cells - 1) / extent : 0.0F;
+    const float scale = extent > 0 ? static_cast<float>(cells - 1) / extent : 0.0F;
+    return std::isfinite(scale) ? scale : 0.0F; // the extent of a denormal number has none
 }
 
 } // namespace

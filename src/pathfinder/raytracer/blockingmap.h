@@ -20,8 +20,9 @@ struct BlockingCell {
     float mClearance; ///< `blocked` or `walkable`; a trace starts so far along its ray
 };
 
-/// A uniform grid over the plane of the mesh. With one column or row, or without an extent, the
-/// scale in that axis is 0, and all positions fall into the first column or row.
+/// A uniform grid over the plane of the mesh. With one column or row, or without an extent that a
+/// scale can be told for, the scale in that axis is 0, and all positions fall into the first column
+/// or row.
 class BlockingMap {
 public:
     using Position = Common::Math::Vec2<float>;
