@@ -1,0 +1,101 @@
+// What may be used from several threads; run it under the thread sanitizer with `./run test
+// threads`.
+#include "common/memory/objectcreation.h"
+#include "navmesh/interface.h"
+#include "navmesh/meshsearch.h"
+#include "navmesh/navmeshfiles.h"
+#include "navmesh/nodelocator.h"
+#include "tests/support/foundation.h"
+#include "tests/support/memoryfiles.h"
+#include "worlds/meshmodel.h"
+
+#include <cstring>
+#include <functional>
+#include <random>
+#include <thread>
+#include <vector>
+
+namespace ZUNO::Tests {
+
+using namespace Common;
+
+class ThreadsTest : public FoundationTest {
+protected:
+    ThreadsTest() {
+        auto* const files = new MemoryFiles;
+        files->mFiles["m"] = Worlds::makeFloor(800, 4).toXML("m");
+        NavMesh::initLibrary(mCallback, SharedPtr<Callback::FileIOCallback>(files));
+    }
+    ~ThreadsTest() override { NavMesh::closeLibrary(); }
+
+    static void runInThreads(const std::function<void(unsigned int)>& action) {
+        constexpr unsigned int count = 4;
+        std::vector<std::thread> threads;
+        for (unsigned int i = 0; i < count; ++i)
+            threads.emplace_back(action, i);
+        for (std::thread& thread : threads)
+            thread.join();
+    }
+};
+
+TEST_F(ThreadsTest, AllocatorsAndTheirHandlesAreShared) {
+    for (const SharedPtr<Memory::Allocator>& shared : {gObjectAllocator, NavMesh::getAllocator()})
+        runInThreads([&](unsigned int seed) {
+            std::mt19937 random(seed);
+            std::vector<std::pair<unsigned char*, std::size_t>> blocks;
+            for (int i = 0; i < 4000; ++i) {
+                const SharedPtr<Memory::Allocator> handle(shared); // counted under a lock
+                if (random() % 2 == 0 || blocks.empty()) {
+                    const std::size_t size = random() % 400;
+                    auto* const block = static_cast<unsigned char*>(handle->allocate(size));
+                    std::memset(block, static_cast<int>(seed), size);
+                    blocks.emplace_back(block, size);
+                } else {
+                    const auto [block, size] = blocks.back();
+                    for (std::size_t k = 0; k < size; ++k)
+                        ASSERT_EQ(block[k], seed);
+                    handle->free(block);
+                    blocks.pop_back();
+                }
+            }
+            for (const auto& [block, size] : blocks)
+                shared->free(block);
+        });
+}
+
+TEST_F(ThreadsTest, SearchesOfTheirOwnShareOneGraph) {
+    const SharedPtr<NavMesh::NavMeshContainer> mesh = NavMesh::loadNavMeshXML("m");
+    NavMesh::MeshGraph graph(mesh, gObjectAllocator);
+    const NavMesh::NodeLocator locator(mesh, gObjectAllocator);
+    const auto search = [&](unsigned int seed) {
+        Astar::AStarStorageFast storage(&graph, gObjectAllocator);
+        NavMesh::MeshGoal goal(graph, gObjectAllocator);
+        NavMesh::MeshAStar aStar(&storage, &goal, &graph, gObjectAllocator);
+        std::mt19937 random(seed);
+        double sum = 0;
+        for (int i = 0; i < 60; ++i) {
+            const auto pick = [&] {
+                return graph.centreOf(static_cast<std::uint32_t>(random() % mesh->mNodes.size()));
+            };
+            const auto from = pick();
+            const auto to = pick();
+            aStar.setEnds({from, to, static_cast<std::uint32_t>(locator.findNode(from)),
+                           static_cast<std::uint32_t>(locator.findNode(to))});
+            aStar.initSearch();
+            if (aStar.runSearch(100000) != Astar::SEARCH_FOUND)
+                continue;
+            Astar::EdgeList path(gObjectAllocator);
+            sum += goal.getPath(path);
+        }
+        return sum;
+    };
+    double alone[4];
+    double together[4];
+    for (unsigned int i = 0; i < 4; ++i)
+        alone[i] = search(i);
+    runInThreads([&](unsigned int i) { together[i] = search(i); });
+    for (unsigned int i = 0; i < 4; ++i)
+        EXPECT_EQ(together[i], alone[i]);
+}
+
+} // namespace ZUNO::Tests
