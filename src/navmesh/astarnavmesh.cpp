@@ -9,7 +9,7 @@ AStarMapNavMesh::AStarMapNavMesh(const Common::SharedPtr<NavMeshContainer>& navM
     ZUNO_CHECK_AS(navMesh != nullptr, "navMesh != NULL", "Navmesh container is a null pointer");
     if (navMesh == nullptr)
         return;
-    ZUNO_CHECK(navMesh->mNodes.size() != 0, "Navmesh container is empty");
+    ZUNO_CHECK(navMesh->mNodes.size() != 0, "Navmesh container is empty"); // NOLINT: shown
     ZUNO_CHECK_AS(navMesh->mNodes.size() < NavMeshEdge::STARTNODE_MASK,
                   "navMesh->mNodes.size() < STARTNODE_MASK",
                   "Number of nodes in the navmesh exceed the available range of "
@@ -53,7 +53,7 @@ float SearchEnds::distance(const NavMeshContainer& mesh, std::uint32_t fromNode,
 float NMCostFunc::getCost(std::uint32_t edge) {
     const std::uint32_t from = NavMeshEdge::nodeOf(edge);
     const std::int32_t to = mNavMesh->mNodes[from].mNeighbours[NavMeshEdge::borderOf(edge)];
-    return mEnds.distance(*mNavMesh.get(), from, static_cast<std::uint32_t>(to));
+    return mEnds.distance(*mNavMesh, from, static_cast<std::uint32_t>(to));
 }
 
 } // namespace ZUNO::NavMesh

@@ -78,7 +78,7 @@ public:
     explicit NMHeuristicFunc(const Common::SharedPtr<NavMeshContainer>& navMesh)
         : mNavMesh(navMesh) {}
     float estimate(std::uint32_t fromNode, std::uint32_t toNode) override {
-        return mEnds.distance(*mNavMesh.get(), fromNode, toNode);
+        return mEnds.distance(*mNavMesh, fromNode, toNode);
     }
 
 private:

@@ -66,6 +66,8 @@ TEST_F(XmlTest, BuildsTreesOfWhatItAccepts) {
         {"<a\nb=\"\n\"\t><c\n/></a\n>", "a{b=\n}[c/ ]"},
         {"<a><b/><c></c><d>\n</d></a>", "a[b/ c[] d[] ]"},
         {"<a><n.1,2-3:4/></a>", "a[n.1,2-3:4/ ]"},
+        // a zero is white space and a name's character: it ends the name for all readers
+        {std::string("<a><\0b/>\0<c\0d/></a>", 20), "a[/ c/ ]"},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.mDocument);

@@ -22,7 +22,7 @@ public:
     LoadedMesh(const LoadedMesh&) = delete;
     LoadedMesh& operator=(const LoadedMesh&) = delete;
 
-    const NavMesh::NavMeshContainer& operator*() const { return *mMesh.get(); }
+    const NavMesh::NavMeshContainer& operator*() const { return *mMesh; }
     const NavMesh::NavMeshContainer* operator->() const { return mMesh.get(); }
 
     /// The mesh itself, to be let go before this object ends.

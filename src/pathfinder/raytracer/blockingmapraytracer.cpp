@@ -118,7 +118,8 @@ std::int64_t BlockingMapRayTracer::stepsWithinLength(const Ray& ray, const Vec2<
     constexpr float longest = 1e18F; // beyond these, squares leave the range of `float`
     constexpr float shortest = 1e-15F;
     const Vec2<float> size = mBlockingMap.cellSize();
-    if (size.mX == 0 || size.mY == 0 || std::abs(end.mX) > farAway || std::abs(end.mY) > farAway ||
+    const auto isFar = [](int coordinate) { return coordinate > farAway || coordinate < -farAway; };
+    if (size.mX == 0 || size.mY == 0 || isFar(end.mX) || isFar(end.mY) ||
         !(ray.mLength < longest && ray.mLength > shortest))
         return -1;
     // After k of n steps a cell's lower corner lies within three cells, in each axis, of the point
