@@ -1,7 +1,6 @@
 #include "tests/host/hosttest.h"
 
 #include <cmath>
-#include <random>
 
 namespace ZUNO::Tests {
 
@@ -147,52 +146,6 @@ TEST_F(BlockingTest, StaysDefinedOnDegenerateGrids) {
     EXPECT_EQ(Interface::initPathSearch({3, 3, 0}, {3, 3, 0}), 0);
     Interface::isBlocked({3, 3});
     traced({3, 3}, {4, 4});
-}
-
-TEST_F(BlockingTest, TracesAsASlowWalkDoes) {
-    const auto mesh = Worlds::makeFloor(300, 8);
-    mFiles->mFiles["f"] = mesh.toXML("f");
-    ASSERT_TRUE(start("f"));
-    Vec2<float> min;
-    Vec2<float> max;
-    Interface::getBoundingRectangle(min, max);
-    // cells of 0.5, as the mesh's cube size; the model walks in exact numbers
-    std::mt19937 random(3);
-    unsigned int hits = 0;
-    for (int round = 0; round < 3000; ++round) {
-        const auto coordinate = [&](float limit) {
-            return static_cast<float>(random() % 4096) / 4096 * limit;
-        };
-        const Vec2<float> from(coordinate(max.mX), coordinate(max.mY));
-        const Vec2<float> to(coordinate(max.mX), coordinate(max.mY));
-        if (Interface::isBlocked(from))
-            continue;
-        const auto cellOf = [](float value) { return static_cast<int>(value * 2); };
-        const int dx = cellOf(to.mX) - cellOf(from.mX);
-        const int dy = cellOf(to.mY) - cellOf(from.mY);
-        const int steps = std::max(std::abs(dx), std::abs(dy));
-        float expected = -1;
-        for (int i = 0; i <= steps; ++i) {
-            // the minor axis moves when its share exceeds a whole step, the first one for free
-            const auto along = [&](int d) {
-                const int share = std::abs(d) * (i + 1) - 1;
-                return steps == 0 ? 0 : (d < 0 ? -1 : 1) * (share < 0 ? 0 : share / steps);
-            };
-            const int x = cellOf(from.mX) + along(dx);
-            const int y = cellOf(from.mY) + along(dy);
-            const Vec2<float> corner(static_cast<float>(x) / 2, static_cast<float>(y) / 2);
-            const bool isBlocked = Interface::isBlocked(corner + Vec2<float>(0.25F, 0.25F));
-            const float distance = length(corner - from);
-            if (isBlocked)
-                expected = distance;
-            if (isBlocked || distance >= length(to - from))
-                break;
-        }
-        hits += expected >= 0 ? 1 : 0;
-        EXPECT_NEAR(traced(from, to), expected, 1e-3F)
-            << from.mX << ' ' << from.mY << " to " << to.mX << ' ' << to.mY;
-    }
-    EXPECT_GT(hits, 500U);
 }
 
 } // namespace ZUNO::Tests
