@@ -110,17 +110,28 @@ protected:
             const float z = between(0, 60);
             const float radius = i % 10 == 0 ? 25.0F : between(0, 9);
             const auto count = static_cast<unsigned int>(3 + mRandom() % 5);
-            for (unsigned int k = 0; k < count; ++k) {
-                const float angle = 6.2831853F * static_cast<float>(k) / static_cast<float>(count) *
-                                    (i % 9 == 8 ? -1.0F : 1.0F);
-                const float reach = radius * (i % 7 == 6 ? between(0.2F, 1) : 1.0F);
-                node.mPolygon.push_back(static_cast<std::uint32_t>(mesh->mVertices.size()));
-                mesh->mVertices.push_back({(away + x + reach * std::cos(angle)) * scale,
-                                           static_cast<float>(i),
-                                           (z + reach * std::sin(angle)) * scale});
-            }
+            for (unsigned int k = 0; k < count; ++k)
+                addCorner(*mesh, node, away + x, z, scale, {radius, i, k, count});
         }
         return mesh;
+    }
+
+    struct Corner {
+        float mRadius;
+        int mPolygon;
+        unsigned int mNumber;
+        unsigned int mCount;
+    };
+    void addCorner(NavMeshContainer& mesh, NavMeshContainer::NavNode& node, float x, float z,
+                   float scale, const Corner& corner) {
+        const float turn = corner.mPolygon % 9 == 8 ? -6.2831853F : 6.2831853F;
+        const float angle =
+            turn * static_cast<float>(corner.mNumber) / static_cast<float>(corner.mCount);
+        const float reach = corner.mRadius * (corner.mPolygon % 7 == 6 ? between(0.2F, 1) : 1.0F);
+        node.mPolygon.push_back(static_cast<std::uint32_t>(mesh.mVertices.size()));
+        mesh.mVertices.push_back({(x + reach * std::cos(angle)) * scale,
+                                  static_cast<float>(corner.mPolygon),
+                                  (z + reach * std::sin(angle)) * scale});
     }
 
     float between(float low, float high) {
