@@ -1,12 +1,7 @@
 // What a world runs against the plain forms, bit for bit.
-#include "common/memory/objectcreation.h"
-#include "navmesh/interface.h"
 #include "navmesh/meshsearch.h"
-#include "navmesh/navmeshfiles.h"
 #include "navmesh/nodelocator.h"
-#include "tests/support/foundation.h"
-#include "tests/support/memoryfiles.h"
-#include "worlds/meshmodel.h"
+#include "tests/support/navmeshlibrary.h"
 
 #include <bit>
 #include <cmath>
@@ -20,15 +15,8 @@ using namespace Common;
 using namespace NavMesh;
 using Math::Vec3;
 
-class FastFormsTest : public FoundationTest {
+class FastFormsTest : public NavMeshLibraryTest {
 protected:
-    FastFormsTest() {
-        mFiles = new MemoryFiles;
-        mFileCallback = mFiles;
-        NavMesh::initLibrary(mCallback, mFileCallback);
-    }
-    ~FastFormsTest() override { NavMesh::closeLibrary(); }
-
     static SharedPtr<NavMeshContainer> newMesh() {
         SharedPtr<NavMeshContainer> mesh(
             Memory::createManaged<NavMeshContainer>(NavMesh::getAllocator()));
@@ -38,11 +26,6 @@ protected:
         mesh->mCubeSize = 0.25F;
         mesh->mHeights.push_back(2.5F);
         return mesh;
-    }
-
-    SharedPtr<NavMeshContainer> load(const Worlds::MeshModel& model) {
-        mFiles->mFiles["m"] = model.toXML("m");
-        return loadNavMeshXML("m");
     }
 
     static void addPolygon(NavMeshContainer& mesh, const std::vector<Vec3<float>>& corners) {
@@ -97,9 +80,6 @@ protected:
             ASSERT_EQ(locator.findNode(point), mesh->findNode(point))
                 << point.mX << ' ' << point.mY << ' ' << point.mZ;
     }
-
-    MemoryFiles* mFiles;
-    SharedPtr<Callback::FileIOCallback> mFileCallback;
 };
 
 TEST_F(FastFormsTest, LocatesNodesAsAScanOfAllDoes) {

@@ -1,8 +1,4 @@
-#include "navmesh/interface.h"
-#include "navmesh/navmeshfiles.h"
-#include "tests/support/foundation.h"
-#include "tests/support/memoryfiles.h"
-#include "worlds/meshmodel.h"
+#include "tests/support/navmeshlibrary.h"
 
 #include <algorithm>
 #include <bit>
@@ -12,18 +8,9 @@ namespace ZUNO::Tests {
 using namespace Common;
 using NavMesh::NavMeshContainer;
 
-class MeshFilesTest : public FoundationTest {
+class MeshFilesTest : public NavMeshLibraryTest {
 protected:
-    MeshFilesTest() {
-        mFiles = new MemoryFiles;
-        mFileCallback = mFiles;
-        NavMesh::initLibrary(mCallback, mFileCallback);
-        mFiles->mFiles["in"] = Worlds::makeHarbour().toXML("harbour");
-    }
-    ~MeshFilesTest() override { NavMesh::closeLibrary(); }
-
-    MemoryFiles* mFiles;
-    SharedPtr<Callback::FileIOCallback> mFileCallback;
+    MeshFilesTest() { mFiles->mFiles["in"] = Worlds::makeHarbour().toXML("harbour"); }
 };
 
 TEST_F(MeshFilesTest, XmlWrittenAndReadAgainGivesTheSameBytes) {

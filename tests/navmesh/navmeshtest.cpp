@@ -1,11 +1,7 @@
 #include "common/callback/fileiocallback.h"
-#include "common/memory/objectcreation.h"
 #include "navmesh/astarnavmesh.h"
-#include "navmesh/interface.h"
-#include "navmesh/navmeshfiles.h"
 #include "navmesh/resourceinterface.h"
-#include "tests/support/foundation.h"
-#include "tests/support/memoryfiles.h"
+#include "tests/support/navmeshlibrary.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,17 +13,9 @@ using namespace Common;
 using NavMesh::NavMeshContainer;
 using Point = Math::Vec3<float>;
 
-class NavMeshTest : public FoundationTest {
+class NavMeshTest : public NavMeshLibraryTest {
 protected:
-    NavMeshTest() {
-        mFiles = new MemoryFiles;
-        mFileCallback = mFiles;
-        NavMesh::initLibrary(mCallback, mFileCallback);
-    }
-    ~NavMeshTest() override {
-        mMesh = nullptr;
-        NavMesh::closeLibrary();
-    }
+    ~NavMeshTest() override { mMesh = nullptr; }
 
     /// z is up; the nodes are squares of 10 x 10: 0 and 1 side by side, 2 four above 0, and 3 a
     /// clockwise one beside 1.
@@ -58,13 +46,6 @@ protected:
         mMesh->mNodes.push_back(node);
     }
 
-    SharedPtr<NavMeshContainer> load(const std::string& document) {
-        mFiles->mFiles["m"] = document;
-        return NavMesh::loadNavMeshXML("m");
-    }
-
-    MemoryFiles* mFiles;
-    SharedPtr<Callback::FileIOCallback> mFileCallback;
     SharedPtr<NavMeshContainer> mMesh;
 };
 

@@ -1,13 +1,8 @@
 // What may be used from several threads; run it under the thread sanitizer with `./run test
 // threads`.
-#include "common/memory/objectcreation.h"
-#include "navmesh/interface.h"
 #include "navmesh/meshsearch.h"
-#include "navmesh/navmeshfiles.h"
 #include "navmesh/nodelocator.h"
-#include "tests/support/foundation.h"
-#include "tests/support/memoryfiles.h"
-#include "worlds/meshmodel.h"
+#include "tests/support/navmeshlibrary.h"
 
 #include <cstring>
 #include <functional>
@@ -19,15 +14,8 @@ namespace ZUNO::Tests {
 
 using namespace Common;
 
-class ThreadsTest : public FoundationTest {
+class ThreadsTest : public NavMeshLibraryTest {
 protected:
-    ThreadsTest() {
-        auto* const files = new MemoryFiles;
-        files->mFiles["m"] = Worlds::makeFloor(800, 4).toXML("m");
-        NavMesh::initLibrary(mCallback, SharedPtr<Callback::FileIOCallback>(files));
-    }
-    ~ThreadsTest() override { NavMesh::closeLibrary(); }
-
     static void runInThreads(const std::function<void(unsigned int)>& action) {
         constexpr unsigned int count = 4;
         std::vector<std::thread> threads;
@@ -64,7 +52,7 @@ TEST_F(ThreadsTest, AllocatorsAndTheirHandlesAreShared) {
 }
 
 TEST_F(ThreadsTest, SearchesOfTheirOwnShareOneGraph) {
-    const SharedPtr<NavMesh::NavMeshContainer> mesh = NavMesh::loadNavMeshXML("m");
+    const SharedPtr<NavMesh::NavMeshContainer> mesh = load(Worlds::makeFloor(800, 4));
     NavMesh::MeshGraph graph(mesh, gObjectAllocator);
     const NavMesh::NodeLocator locator(mesh, gObjectAllocator);
     const auto search = [&](unsigned int seed) {

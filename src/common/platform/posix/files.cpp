@@ -1,7 +1,8 @@
 #define _FILE_OFFSET_BITS 64 // NOLINT: 64-bit offsets on 32-bit systems too
 #include "common/platform/files.h"
 
-#include <cerrno>
+#include "common/platform/fileerrorcode.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -13,39 +14,6 @@
 namespace ZUNO::Common::Platform {
 
 namespace {
-
-FileError errorOf(int code) noexcept {
-    switch (code) {
-    case 0:
-        return FileError::NONE;
-    case EACCES:
-    case EPERM:
-    case EISDIR:
-    case EROFS:
-    case EBUSY:
-        return FileError::ACCESS_DENIED;
-    case EEXIST:
-        return FileError::EXISTS;
-    case EINVAL:
-        return FileError::INVALID_ARGUMENT;
-    case EMFILE:
-    case ENFILE:
-        return FileError::TOO_MANY_OPEN;
-    case ENOENT:
-    case ENOTDIR:
-    case ENAMETOOLONG:
-    case ELOOP:
-        return FileError::NOT_FOUND;
-    case ENOTEMPTY:
-        return FileError::NOT_EMPTY;
-    case ENOSPC:
-    case EDQUOT:
-    case EFBIG:
-        return FileError::NO_SPACE;
-    default:
-        return FileError::OTHER;
-    }
-}
 
 int openModeOf(unsigned int flags) noexcept {
     int mode = O_CLOEXEC;
@@ -73,7 +41,7 @@ FileError openFile(const char* name, unsigned int flags, int& descriptor) noexce
     constexpr mode_t readAndWrite = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
     const int opened = open(name, openModeOf(flags), readAndWrite);
     if (opened < 0)
-        return errorOf(errno);
+        return fileErrorOf(errno);
     struct stat status {};
     if (fstat(opened, &status) == 0 && S_ISDIR(status.st_mode)) {
         close(opened);
@@ -94,12 +62,12 @@ std::int64_t readFile(int descriptor, void* buffer, std::uint32_t size) noexcept
 std::int64_t writeFile(int descriptor, const void* buffer, std::uint32_t size,
                        FileError& error) noexcept {
     const ssize_t written = write(descriptor, buffer, size);
-    error = written < 0 ? errorOf(errno) : FileError::NONE;
+    error = written < 0 ? fileErrorOf(errno) : FileError::NONE;
     // a device that fills up takes a part first; asking for the rest tells why
     if (written >= 0 && static_cast<std::size_t>(written) < size) {
         const char* const rest = static_cast<const char*>(buffer) + written;
         error = write(descriptor, rest, size - static_cast<std::size_t>(written)) < 0
-                    ? errorOf(errno)
+                    ? fileErrorOf(errno)
                     : FileError::OTHER;
     }
     return written < 0 ? 0 : written;
@@ -198,13 +166,13 @@ bool getCurrentDirectory(char* buffer, std::size_t size) noexcept {
 }
 
 FileError makeDirectory(const char* name) noexcept {
-    return mkdir(name, S_IRWXU | S_IRWXG | S_IRWXO) == 0 ? FileError::NONE : errorOf(errno);
+    return mkdir(name, S_IRWXU | S_IRWXG | S_IRWXO) == 0 ? FileError::NONE : fileErrorOf(errno);
 }
 
 FileError removeDirectory(const char* name) noexcept {
     if (rmdir(name) == 0)
         return FileError::NONE;
-    return errno == EEXIST ? FileError::NOT_EMPTY : errorOf(errno);
+    return errno == EEXIST ? FileError::NOT_EMPTY : fileErrorOf(errno);
 }
 
 } // namespace ZUNO::Common::Platform

@@ -1,9 +1,10 @@
 #include "common/platform/files.h"
 
+#include "common/platform/fileerrorcode.h"
+
 #include "common/platform/win32/windows.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <direct.h>
@@ -16,32 +17,6 @@
 namespace ZUNO::Common::Platform {
 
 namespace {
-
-FileError errorOf(int code) noexcept {
-    switch (code) {
-    case 0:
-        return FileError::NONE;
-    case EACCES:
-    case EPERM:
-        return FileError::ACCESS_DENIED;
-    case EEXIST:
-        return FileError::EXISTS;
-    case EINVAL:
-        return FileError::INVALID_ARGUMENT;
-    case EMFILE:
-    case ENFILE:
-        return FileError::TOO_MANY_OPEN;
-    case ENOENT:
-    case ENAMETOOLONG:
-        return FileError::NOT_FOUND;
-    case ENOTEMPTY:
-        return FileError::NOT_EMPTY;
-    case ENOSPC:
-        return FileError::NO_SPACE;
-    default:
-        return FileError::OTHER;
-    }
-}
 
 int openModeOf(unsigned int flags) noexcept {
     int mode = _O_BINARY | _O_NOINHERIT;
@@ -69,7 +44,7 @@ FileError openFile(const char* name, unsigned int flags, int& descriptor) noexce
         return FileError::NOT_FOUND;
     if (code == 0)
         descriptor = opened;
-    return errorOf(code);
+    return fileErrorOf(code);
 }
 
 void closeFile(int descriptor) noexcept {
@@ -85,7 +60,7 @@ std::int64_t writeFile(int descriptor, const void* buffer, std::uint32_t size,
     const int written = _write(descriptor, buffer, static_cast<unsigned int>(sizeOf(size)));
     error = FileError::NONE;
     if (written < 0)
-        error = errorOf(errno);
+        error = fileErrorOf(errno);
     else if (static_cast<std::uint32_t>(written) < size) // the runtime says no more of a full disk
         error = FileError::NO_SPACE;
     return written < 0 ? 0 : written;
@@ -148,11 +123,11 @@ bool getCurrentDirectory(char* buffer, std::size_t size) noexcept {
 }
 
 FileError makeDirectory(const char* name) noexcept {
-    return _mkdir(name) == 0 ? FileError::NONE : errorOf(errno);
+    return _mkdir(name) == 0 ? FileError::NONE : fileErrorOf(errno);
 }
 
 FileError removeDirectory(const char* name) noexcept {
-    return _rmdir(name) == 0 ? FileError::NONE : errorOf(errno);
+    return _rmdir(name) == 0 ? FileError::NONE : fileErrorOf(errno);
 }
 
 } // namespace ZUNO::Common::Platform
