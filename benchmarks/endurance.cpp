@@ -1,27 +1,13 @@
 // A million searches, a thousand open at a time, and ten thousand starts.
 #include "benchmarks/endurance.h"
-#include "worlds/meshmodel.h"
 
 #include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 
 namespace {
 
 using ZUNO::Benchmarks::Endurance;
-
-std::vector<Endurance::Point> writeFloor(unsigned int nodes, const std::string& file) {
-    const auto mesh = ZUNO::Worlds::makeFloor(nodes, 1);
-    std::ofstream(file, std::ios::binary) << mesh.toXML("endurance");
-    std::vector<Endurance::Point> points;
-    for (const auto& node : mesh.mNodes) {
-        const auto& low = mesh.mVertices[node.mPolygon[0]];
-        points.emplace_back(static_cast<float>(low.mX) / 4 + 1, 0.0F,
-                            static_cast<float>(low.mZ) / 4 + 1);
-    }
-    return points;
-}
 
 void print(const char* what, const std::vector<Endurance::Row>& table) {
     std::printf("%12s %12s %14s\n", what, "blocks", "bytes");
@@ -39,12 +25,12 @@ int main() {
     try {
         std::uint64_t mistakes = 0;
         {
-            Endurance endurance(file, writeFloor(10000, file));
+            Endurance endurance(file, ZUNO::Worlds::makeFloor(10000, 1));
             print("searches", endurance.churn(1000000, 1000, 20));
             mistakes += endurance.mistakes();
         }
         {
-            Endurance endurance(file, writeFloor(1000, file));
+            Endurance endurance(file, ZUNO::Worlds::makeFloor(1000, 1));
             print("starts", endurance.restart(10000, 10));
             mistakes += endurance.mistakes();
         }

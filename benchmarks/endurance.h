@@ -2,9 +2,10 @@
 #pragma once
 
 #include "hostkit/session.h"
+#include "worlds/meshmodel.h"
 
 #include <cstdint>
-#include <functional>
+#include <fstream>
 #include <random>
 #include <string>
 #include <unordered_set>
@@ -23,9 +24,13 @@ public:
         std::uint64_t mBytes;
     };
 
-    /// `points`: places on nodes of the mesh. Works out the right answers in a world of its own.
-    Endurance(const std::string& meshFile, const std::vector<Point>& points) : mMeshFile(meshFile) {
+    /// Writes the mesh to the file and works out the right answers in a world of its own.
+    Endurance(const std::string& meshFile, const Worlds::MeshModel& mesh) : mMeshFile(meshFile) {
         constexpr unsigned int pairs = 300;
+        std::ofstream(meshFile, std::ios::binary) << mesh.toXML("endurance");
+        std::vector<Point> points;
+        for (const auto& [x, y, z] : Worlds::placesOn(mesh))
+            points.emplace_back(x, y, z);
         const HostKit::Session session(mMeshFile);
         for (unsigned int i = 0; i < pairs; ++i) {
             Route route{points[mRandom() % points.size()], points[mRandom() % points.size()], 0, 0};

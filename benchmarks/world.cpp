@@ -33,11 +33,8 @@ const Floor& floorOf(std::int64_t nodes) {
         std::filesystem::temp_directory_path() / ("zunobench" + std::to_string(nodes) + ".xml");
     std::ofstream(made.mFile, std::ios::binary) << mesh.toXML("benchmark");
     made.mBytes = std::filesystem::file_size(made.mFile);
-    for (const auto& node : mesh.mNodes) {
-        const auto& low = mesh.mVertices[node.mPolygon[0]];
-        made.mCentres.emplace_back(static_cast<float>(low.mX) / 4 + 1, 0.0F,
-                                   static_cast<float>(low.mZ) / 4 + 1);
-    }
+    for (const auto& [x, y, z] : ZUNO::Worlds::placesOn(mesh))
+        made.mCentres.emplace_back(x, y, z);
     return made;
 }
 

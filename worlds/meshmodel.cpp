@@ -139,6 +139,23 @@ std::string MeshModel::toXML(const std::string& comment) const {
     return out.str();
 }
 
+std::vector<std::array<float, 3>> placesOn(const MeshModel& mesh) {
+    std::vector<std::array<float, 3>> places;
+    for (const MeshModel::Node& node : mesh.mNodes) {
+        std::array<float, 3> sum{};
+        for (const std::uint32_t id : node.mPolygon) {
+            const MeshModel::Corner& corner = mesh.mVertices[id];
+            sum[0] += static_cast<float>(corner.mX);
+            sum[1] += static_cast<float>(corner.mY);
+            sum[2] += static_cast<float>(corner.mZ);
+        }
+        for (float& coordinate : sum)
+            coordinate *= quarter / static_cast<float>(node.mPolygon.size());
+        places.push_back(sum);
+    }
+    return places;
+}
+
 MeshModel makeFloor(unsigned int nodeCount, unsigned int seed) {
     constexpr int side = 8; // quarters
     constexpr unsigned int holePercent = 15;

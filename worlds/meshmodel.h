@@ -53,6 +53,9 @@ private:
     std::map<Corner, std::uint32_t> mVertexIds;
 };
 
+/// A place on each node: the mean of its corners, as x, y and z.
+std::vector<std::array<float, 3>> placesOn(const MeshModel& mesh);
+
 /// A flat floor of about `nodeCount` squares of 2 x 2 with scattered holes; the same for the same
 /// numbers, and all of it connected but for pockets that the holes cut off.
 MeshModel makeFloor(unsigned int nodeCount, unsigned int seed);

@@ -1,9 +1,7 @@
 #include "benchmarks/endurance.h"
 #include "tests/support/tempfolder.h"
-#include "worlds/meshmodel.h"
 
 #include <algorithm>
-#include <fstream>
 
 namespace ZUNO::Tests {
 
@@ -11,15 +9,7 @@ TEST(Endurance, HoldsNoMoreAfterManySearchesAndStarts) {
     using Benchmarks::Endurance;
     const TempFolder folder;
     const std::string file = (folder.path() / "floor.xml").string();
-    const auto mesh = Worlds::makeFloor(400, 1);
-    std::ofstream(file, std::ios::binary) << mesh.toXML("floor");
-    std::vector<Endurance::Point> points;
-    for (const auto& node : mesh.mNodes) {
-        const auto& low = mesh.mVertices[node.mPolygon[0]];
-        points.emplace_back(static_cast<float>(low.mX) / 4 + 1, 0.0F,
-                            static_cast<float>(low.mZ) / 4 + 1);
-    }
-    Endurance endurance(file, points);
+    Endurance endurance(file, Worlds::makeFloor(400, 1));
     const auto table = endurance.churn(20000, 50, 10);
     ASSERT_EQ(table.size(), 10U);
     for (std::size_t i = 5; i < table.size(); ++i) // warm by then
