@@ -1,6 +1,7 @@
 #include "tools/picture/loadedmesh.h"
 
 #include "common/callback/callbackfilestream.h"
+#include "common/memory/objectcreation.h"
 #include "common/parser/xml/xmltreebuilder.h"
 #include "common/parser/xml/xmlwriter.h"
 #include "hostkit/session.h"
@@ -68,10 +69,19 @@ LoadedMesh::LoadedMesh(const std::string& fileName, Defects defects) {
     Debug::setReportHandler(former);
 }
 
-void LoadedMesh::load(const std::string& fileName, Defects defects) {
-    lastReport().clear();
+LoadedMesh::LoadedMesh() {
+    startLibrary();
+    mMesh = Memory::createManaged<NavMesh::NavMeshContainer>(NavMesh::getAllocator());
+}
+
+void LoadedMesh::startLibrary() {
     NavMesh::initLibrary(SharedPtr<Callback::MemoryCallback>(new HostKit::HeapMemoryCallback),
                          SharedPtr<Callback::FileIOCallback>(new HostKit::StdioFileCallback));
+}
+
+void LoadedMesh::load(const std::string& fileName, Defects defects) {
+    lastReport().clear();
+    startLibrary();
     mIsBinary = isBinaryFile(fileName);
     mMesh = mIsBinary ? NavMesh::loadNavMeshBinary(fileName.c_str())
                       : NavMesh::loadNavMeshXML(fileName.c_str());

@@ -18,6 +18,8 @@ public:
     /// Loads a mesh of either form. Raises a std::runtime_error, with the file's name and what was
     /// found wrong in it.
     explicit LoadedMesh(const std::string& fileName, Defects defects = Defects::REFUSED);
+    /// An empty mesh, to be filled and saved.
+    LoadedMesh();
     ~LoadedMesh();
     LoadedMesh(const LoadedMesh&) = delete;
     LoadedMesh& operator=(const LoadedMesh&) = delete;
@@ -38,6 +40,7 @@ public:
     std::string toXML() const;
 
 private:
+    static void startLibrary();
     void load(const std::string& fileName, Defects defects);
     void close();
 

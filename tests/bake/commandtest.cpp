@@ -1,0 +1,123 @@
+// The command, from scene files to a mesh file and an exit status.
+#include "tests/platform/process.h"
+#include "tests/support/tempfolder.h"
+#include "tools/picture/loadedmesh.h"
+#include "tools/zunobake/levels.h"
+
+#include <algorithm>
+#include <fstream>
+#include <gtest/gtest.h>
+
+namespace ZUNO::Tests {
+namespace {
+
+/// The corners of a square of 8 x 8, lying and upright.
+const std::string square = "v 0 0 0\nv 0 0 8\nv 8 0 8\nv 8 0 0\n";
+const std::string uprightSquare = "v 0 0 0\nv 8 0 0\nv 8 8 0\nv 0 8 0\n";
+
+class BakeCommandTest : public testing::Test {
+protected:
+    std::string write(const std::string& name, const std::string& content) {
+        const std::string file = (mFolder.path() / name).string();
+        std::ofstream(file, std::ios::binary) << content;
+        return file;
+    }
+    Outcome bake(const std::string& scene, const std::string& options = {}) {
+        return runCommand(std::string(ZUNO_TOOL_FOLDER) + "/zunobake " + write("scene.obj", scene) +
+                          " -o " + mMesh + ' ' + options);
+    }
+
+    TempFolder mFolder;
+    std::string mMesh = (mFolder.path() / "mesh.bin").string();
+};
+
+TEST_F(BakeCommandTest, ReadsWhatObjFilesHold) {
+    constexpr float eroded = 6.5F * 6.5F; // without a radius and a cell along open edges
+    const struct {
+        const char* mWhat;
+        std::string mScene;
+        const char* mOptions;
+        std::size_t mSurfaces;
+        float mArea; ///< of the mesh
+    } cases[] = {
+        {"a quadrangle", square + "f 1 2 3 4", "", 0, eroded},
+        {"numbers from behind, textures and normals", square + "f -4/1/1 -3//2 -2/3 -1", "", 0,
+         eroded},
+        {"line ends, continued lines, comments",
+         "# a\r\n" + square + "g a b\r\nf 1 2 \\\r\n3 4 # b\r\n", "", 0, eroded},
+        {"a concave face", square + "v 4 0 4\nf 1 2 5 3 4", "", 0, 25.5F},
+        {"materials", square + "usemtl a\nf 1 2 3\nusemtl b\nf 3 4 1", "", 2, eroded},
+        {"no materials", square + "usemtl a\nf 1 2 3\nusemtl b\nf 3 4 1", "--no-materials", 0,
+         eroded},
+        {"faces from below", square + "f 4 3 2 1", "--both-sides", 0, eroded},
+        {"z up", uprightSquare + "f 1 2 3 4", "--up z", 0, eroded},
+        {"a group left out", square + "g roof\nf 1 2 3\ng floor\nf 1 2 3 4", "--without roof", 0,
+         eroded},
+        {"a face without area", square + "f 1 2 1\nf 1 2 3 4", "--skip-degenerate", 0, eroded},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.mWhat);
+        const Outcome outcome = bake(each.mScene, each.mOptions);
+        ASSERT_EQ(outcome.mStatus, 0) << outcome.mOutput;
+        const Tools::LoadedMesh mesh(mMesh);
+        EXPECT_EQ(mesh->mSurfaceTypes.size(), each.mSurfaces);
+        float area = 0;
+        for (const auto& node : mesh->mNodes) {
+            const auto corner = [&](std::size_t i) {
+                return mesh->projectToPlane(mesh->mVertices[node.mPolygon[i]]);
+            };
+            for (std::size_t i = 2; i < node.mPolygon.size(); ++i)
+                area += signedArea(corner(0), corner(i - 1), corner(i)) / 2;
+        }
+        EXPECT_NEAR(area, each.mArea, 0.5F); // borders on a slant run up to a cell off
+    }
+}
+
+TEST_F(BakeCommandTest, SaysInOneLineWhatIsWrongWithAScene) {
+    const struct {
+        std::string mScene;
+        const char* mOptions;
+        const char* mMessage;
+    } cases[] = {
+        {"", "", "scene.obj: no faces"},
+        {square, "", "scene.obj: no faces"},
+        {"v 0 0 nan\n", "", "scene.obj:1: coordinate 'nan' is no finite number"},
+        {"v 0 0 1e99\n", "", "scene.obj:1: coordinate '1e99' is no finite number"},
+        {"v 0 0\n", "", "scene.obj:1: a vertex needs three coordinates"},
+        {square + "f 1 2 5", "", "scene.obj:5: corner 5 is out of range: 4 vertices so far"},
+        {square + "f 1 2 0", "", "scene.obj:5: corner 0 is out of range: 4 vertices so far"},
+        {square + "f 1 2 -5", "", "scene.obj:5: corner -5 is out of range: 4 vertices so far"},
+        {square + "f 1 2 x", "", "scene.obj:5: corner 'x' is no vertex number"},
+        {square + "f 1 2", "",
+         "scene.obj:5: face without area; --skip-degenerate leaves such faces out"},
+        {square + "f 1 2 2", "",
+         "scene.obj:5: face without area; --skip-degenerate leaves such faces out"},
+        {square + "f 4 3 2 1", "", "nothing is walkable: "},
+        {square + "f 1 2 3 4", "--min-region 100000",
+         "no island is as large as --min-region asks for"},
+        {"v 0 0 0\nv 0 0 800\nv 800 0 800\nf 1 2 3", "",
+         "the scene is 3200 x 3200 cells, and at most 8000000 altogether are taken: "},
+        {"v 0 0 0\nv 0 0 1e38\nv 1e38 0 0\nf 1 2 3", "",
+         "the scene is over 1e15 x over 1e15 cells"},
+        {"v 0 0 0\nv 0 9000 8\nv 8 0 8\nf 1 2 3", "",
+         "the scene is 72000 cells high, and at most 8191 are taken: "},
+        {square + "f 1 2 3 4", "--agent tall:100", "agent tall is more than 254 cells high: "},
+        {square + "f 1 2 3 4", "--agent low:0.5", "the climb must be lower than every agent"},
+        {square + "f 1 2 3 4", "--agent a:b", "zunobake: --agent: expected NAME:HEIGHT"},
+    };
+    for (const auto& each : cases) {
+        const Outcome outcome = bake(each.mScene, each.mOptions);
+        EXPECT_EQ(outcome.mStatus, 2);
+        EXPECT_EQ(std::ranges::count(outcome.mOutput, '\n'), 1) << outcome.mOutput;
+        EXPECT_NE(outcome.mOutput.find(each.mMessage), std::string::npos) << outcome.mOutput;
+    }
+}
+
+TEST(LevelsTest, CutsWhereTheFewestPlacesArePartedAndNeverTooLate) {
+    EXPECT_EQ(Tools::chooseLevels({0, 9, 9, 9}, 1, 4), std::vector<int>{});
+    EXPECT_EQ(Tools::chooseLevels({0, 9, 1, 9, 9, 9, 9}, 1, 4), (std::vector<int>{2, 6}));
+    EXPECT_EQ(Tools::chooseLevels({0, 1, 9, 9, 9, 9, 9}, 2, 3), (std::vector<int>{3, 6}));
+}
+
+} // namespace
+} // namespace ZUNO::Tests

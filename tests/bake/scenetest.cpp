@@ -1,0 +1,176 @@
+// Meshes made of the sample scenes, seen as a host sees them.
+#include "hostkit/session.h"
+#include "navmesh/meshdefects.h"
+#include "tests/bake/detourroutes.h"
+#include "tests/bake/groundprobe.h"
+#include "tests/support/tempfolder.h"
+#include "tools/picture/loadedmesh.h"
+#include "tools/zunobake/baker.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <optional>
+
+namespace ZUNO::Tests {
+namespace {
+
+using Pathfinder::Interface;
+using Vec3 = Common::Math::Vec3<float>;
+
+Vec3 pointOf(const GroundProbe::Point& place) {
+    return {static_cast<float>(place[0]), static_cast<float>(place[1]),
+            static_cast<float>(place[2])};
+}
+
+struct SampleScene {
+    const char* mName;
+    Worlds::SceneModel (*mMake)();
+    std::size_t mSamples; ///< places, or pairs of them
+};
+
+class SceneTest : public testing::TestWithParam<SampleScene> {
+protected:
+    SceneTest() : mModel(GetParam().mMake()) {
+        const std::string scene = (mFolder.path() / "scene.obj").string();
+        const std::string mesh = (mFolder.path() / "mesh.xml").string();
+        std::ofstream(scene) << mModel.toObj(GetParam().mName);
+        mSettings.mAgents = {{"child", 1.25F}, {"adult", 2}};
+        Tools::readObj(scene, {}, mScene);
+        mBaker.emplace(mScene, mSettings);
+        const Tools::BakedMesh baked(Tools::bakeTiles(*mBaker, [](std::size_t, std::size_t) {}),
+                                     mSettings, mBaker->cells());
+        {
+            Tools::LoadedMesh made;
+            baked.fill(*made.shared(), mBaker->grid(), mScene, Tools::UpAxis::Y);
+            made.save(mesh);
+        }
+        mMesh.emplace(mesh);
+        mSession.emplace(mesh);
+    }
+
+    /// A cell more on all sides than an agent takes: cells round up what is in the way.
+    Walker walker() const {
+        return {double{mSettings.mRadius} + mSettings.mCellSize,
+                double{mSettings.mAgents[0].mHeight} + 2 * mSettings.mCellHeight,
+                double{mSettings.mClimb}};
+    }
+
+    static constexpr float offMesh = -2;
+    static constexpr float noPath = -1;
+    static float costOf(const Vec3& from, const Vec3& to) {
+        const int search = Interface::initPathSearch(from, to);
+        if (search < 0)
+            return offMesh;
+        const bool isFound = Interface::runPathSearch(search, 0xFFFFFFFF) == 0;
+        Vec3 waypoint;
+        Interface::getNextWaypoint(search, waypoint);
+        const float cost = Interface::getPathCost(search);
+        Interface::closePathSearch(search);
+        return isFound ? cost : noPath;
+    }
+
+    TempFolder mFolder;
+    Worlds::SceneModel mModel;
+    Tools::BakeSettings mSettings;
+    Tools::Scene mScene;
+    std::optional<Tools::TileBaker> mBaker;
+    std::optional<Tools::LoadedMesh> mMesh;
+    std::optional<HostKit::Session> mSession;
+};
+
+class NoDefects : public NavMesh::DefectListener {
+    bool onDefect(const char* text) override {
+        ADD_FAILURE() << text;
+        return false;
+    }
+};
+
+TEST_P(SceneTest, MeshIsSoundAndLeadsWhereTheSceneSays) {
+    const NavMesh::NavMeshContainer& mesh = **mMesh;
+    NoDefects defects;
+    findDefects(mesh, defects);
+    findOddities(mesh, defects);
+    for (const auto& [name, from, to, isPossible] : mModel.mJourneys) {
+        const float cost = costOf(pointOf(from), pointOf(to));
+        EXPECT_EQ(cost >= 0, isPossible) << name << ": " << cost;
+        const bool isUpright = from[0] == to[0] && from[2] == to[2];
+        EXPECT_TRUE(!isUpright || mesh.findNode(pointOf(from)) != mesh.findNode(pointOf(to)))
+            << name;
+    }
+    // whoever the class is for is found everywhere on a node, head and feet
+    for (std::int32_t id = 0; id < static_cast<std::int32_t>(mesh.mNodes.size()); ++id) {
+        const auto& node = mesh.mNodes[static_cast<std::size_t>(id)];
+        const auto fitting =
+            mesh.getCharactersForHeightClass(static_cast<std::uint32_t>(node.mHeightClass));
+        ASSERT_FALSE(fitting.empty());
+        const Vec3 head(0, fitting.back()->mPhysicalHeight, 0);
+        for (const std::uint32_t corner : node.mPolygon) {
+            EXPECT_TRUE(mesh.isPointInNode(mesh.mVertices[corner], id)) << id;
+            EXPECT_TRUE(mesh.isPointInNode(mesh.mVertices[corner] + head, id)) << id;
+        }
+    }
+}
+
+TEST_P(SceneTest, WalkableGroundLiesOnNodes) {
+    const NavMesh::NavMeshContainer& mesh = **mMesh;
+    std::size_t lost = 0;
+    for (const auto& place : GroundProbe(mModel).sample(GetParam().mSamples, walker(), 7)) {
+        const Vec3 point = pointOf(place);
+        const std::int32_t id = mesh.findNode(point);
+        if (id < 0) {
+            ++lost;
+            continue;
+        }
+        // and it is the floor's own node: none above it, none below
+        const auto& corners = mesh.mNodes[static_cast<std::size_t>(id)].mPolygon;
+        const auto [low, high] = std::ranges::minmax(
+            corners, {}, [&](std::uint32_t corner) { return mesh.mVertices[corner].mY; });
+        EXPECT_GE(point.mY, mesh.mVertices[low].mY - 2 * mesh.mCubeSize) << id;
+        EXPECT_LE(point.mY, mesh.mVertices[high].mY + mSettings.mClimb) << id;
+    }
+    std::cout << "on nodes: " << GetParam().mSamples - lost << " of " << GetParam().mSamples
+              << '\n';
+    EXPECT_LE(lost, GetParam().mSamples / 200);
+}
+
+TEST_P(SceneTest, PathsAreNotMuchLongerThanStraightenedOnes) {
+    const DetourRoutes detour(*mBaker, mSettings);
+    const NavMesh::NavMeshContainer& mesh = **mMesh;
+    // next to each other the way between two centres says little
+    constexpr double tooShort = 4;
+    std::mt19937 random(3);
+    const auto pick = [&] {
+        return mesh.getNodeCenter(static_cast<std::int32_t>(random() % mesh.mNodes.size()));
+    };
+    std::vector<double> ratios;
+    for (std::size_t i = 0; i < GetParam().mSamples / 10; ++i) {
+        const Vec3 from = pick();
+        const Vec3 to = pick();
+        const float cost = costOf(from, to);
+        const double length = detour.lengthOf({from.mX, from.mY, from.mZ}, {to.mX, to.mY, to.mZ});
+        EXPECT_TRUE(length == DetourRoutes::tooFar || (cost < 0) == (length < 0)) << i;
+        if (cost > 0 && length > tooShort)
+            ratios.push_back(double{cost} / length);
+    }
+    ASSERT_GT(ratios.size(), GetParam().mSamples / 20);
+    std::ranges::sort(ratios);
+    std::cout << ratios.size() << " paths, of straightened ones";
+    for (const double part : {0.0, 0.1, 0.5, 0.9, 0.99, 1.0})
+        std::cout
+            << ", " << part * 100 << " %: "
+            << ratios[static_cast<std::size_t>(part * static_cast<double>(ratios.size() - 1))];
+    std::cout << '\n';
+    EXPECT_LE(ratios.back(), 1.6);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, SceneTest,
+    testing::Values(SampleScene{"courtyard", Worlds::makeCourtyard, 20000},
+                    SampleScene{"bridge", Worlds::makeBridge, 20000},
+                    SampleScene{"spiral", Worlds::makeSpiral, 20000},
+                    SampleScene{"maze", [] { return Worlds::makeMaze(200, 1); }, 2000}),
+    [](const auto& parameter) { return parameter.param.mName; });
+
+} // namespace
+} // namespace ZUNO::Tests

@@ -1,0 +1,201 @@
+#include "tools/zunobake/scene.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <fstream>
+#include <limits>
+#include <stdexcept>
+#include <string_view>
+
+namespace ZUNO::Tools {
+
+std::uint16_t Scene::surfaceOf(const std::string& name) {
+    const auto place = std::ranges::find(mSurfaceNames, name);
+    const auto index = static_cast<std::uint16_t>(place - mSurfaceNames.begin());
+    if (index == mSurfaceNames.size())
+        mSurfaceNames.push_back(name);
+    return index;
+}
+
+namespace {
+
+/// Reads one file, line by line, into a scene.
+class ObjReader {
+public:
+    ObjReader(const std::string& fileName, const SceneOptions& options, Scene& scene)
+        : mFileName(fileName), mOptions(options), mScene(scene),
+          mFirstVertex(scene.mVertices.size() / 3) {}
+
+    void read() {
+        std::ifstream file(mFileName, std::ios::binary);
+        if (!file)
+            throw std::runtime_error(mFileName + ": cannot be opened; expected a Wavefront OBJ");
+        std::string line;
+        while (readStatement(file, line))
+            readLine(line);
+        if (file.bad())
+            throw std::runtime_error(mFileName + ": cannot be read");
+        if (mFaceCount == 0)
+            throw std::runtime_error(mFileName + ": no faces");
+    }
+
+private:
+    /// Cutting a face into triangles takes time by its corners' number to the third.
+    static constexpr std::size_t maxCorners = 512;
+
+    /// A line, and those that it goes on in.
+    bool readStatement(std::istream& file, std::string& line) {
+        if (!std::getline(file, line))
+            return false;
+        ++mLine;
+        for (std::string rest; chop(line), line.ends_with('\\') && std::getline(file, rest);) {
+            line.back() = ' ';
+            line += rest;
+            ++mLine;
+        }
+        return true;
+    }
+    static void chop(std::string& line) {
+        if (line.ends_with('\r'))
+            line.pop_back();
+    }
+
+    void readLine(std::string_view line) {
+        mRest = line.substr(0, line.find('#'));
+        const std::string_view keyword = nextWord();
+        if (keyword == "v")
+            readVertex();
+        else if (keyword == "f")
+            readFace();
+        else if (keyword == "usemtl")
+            mSurface = readMaterial();
+        else if (keyword == "g" || keyword == "o")
+            readGroups();
+    }
+
+    std::string_view nextWord() {
+        constexpr std::string_view blanks = " \t";
+        const std::size_t begin = std::min(mRest.find_first_not_of(blanks), mRest.size());
+        const std::size_t end = std::min(mRest.find_first_of(blanks, begin), mRest.size());
+        const std::string_view word = mRest.substr(begin, end - begin);
+        mRest.remove_prefix(end);
+        return word;
+    }
+
+    [[noreturn]] void fail(const std::string& what) const {
+        throw std::runtime_error(mFileName + ':' + std::to_string(mLine) + ": " + what);
+    }
+
+    void readVertex() {
+        float position[3];
+        for (float& coordinate : position) {
+            const std::string_view word = nextWord();
+            if (word.empty())
+                fail("a vertex needs three coordinates");
+            const auto [end, error] =
+                std::from_chars(word.data(), word.data() + word.size(), coordinate);
+            if (error != std::errc() || end != word.data() + word.size() ||
+                !std::isfinite(coordinate))
+                fail("coordinate '" + std::string(word) + "' is no finite number");
+        }
+        if (mOptions.mUp == UpAxis::Z) {
+            std::swap(position[1], position[2]);
+            position[2] = 0.0F - position[2];
+        }
+        mScene.mVertices.insert(mScene.mVertices.end(), position, position + 3);
+    }
+
+    std::uint16_t readMaterial() {
+        const std::string_view name = nextWord();
+        if (mOptions.mIgnoresMaterials || name.empty())
+            return Scene::noSurface;
+        if (mScene.mSurfaceNames.size() == Scene::noSurface)
+            fail("more than 65,535 materials");
+        return mScene.surfaceOf(std::string(name));
+    }
+
+    void readGroups() {
+        mIsLeftOut = false;
+        for (std::string_view name = nextWord(); !name.empty(); name = nextWord())
+            mIsLeftOut |= std::ranges::find(mOptions.mWithout, name) != mOptions.mWithout.end();
+    }
+
+    void readFace() {
+        mFace.clear();
+        for (std::string_view word = nextWord(); !word.empty(); word = nextWord())
+            mFace.push_back(readCorner(word.substr(0, word.find('/'))));
+        if (mFace.size() > maxCorners)
+            fail("a face has " + std::to_string(mFace.size()) + " corners; at most " +
+                 std::to_string(maxCorners) + " are taken");
+        ++mFaceCount;
+        if (mIsLeftOut) {
+            ++mScene.mLeftOut;
+            return;
+        }
+        mPositions.clear();
+        for (const int vertex : mFace) {
+            const float* const position = &mScene.mVertices[static_cast<std::size_t>(vertex) * 3];
+            mPositions.insert(mPositions.end(), position, position + 3);
+        }
+        const std::vector<int> triangles = triangulate(mPositions);
+        if (triangles.empty())
+            return skipDegenerate();
+        for (std::size_t i = 0; i < triangles.size(); i += 3)
+            addTriangle(triangles[i], triangles[i + 1], triangles[i + 2]);
+    }
+
+    void skipDegenerate() {
+        if (!mOptions.mSkipsDegenerate)
+            fail("face without area; --skip-degenerate leaves such faces out");
+        ++mScene.mLeftOut;
+    }
+
+    void addTriangle(int a, int b, int c) {
+        const auto vertex = [&](int corner) { return mFace[static_cast<std::size_t>(corner)]; };
+        const auto add = [&](int first, int second, int third) {
+            if (mScene.triangleCount() >= std::numeric_limits<int>::max() / 3)
+                fail("too many triangles");
+            mScene.mTriangles.insert(mScene.mTriangles.end(),
+                                     {vertex(first), vertex(second), vertex(third)});
+            mScene.mSurfaces.push_back(mSurface);
+        };
+        add(a, b, c);
+        if (mOptions.mTakesBothSides)
+            add(a, c, b);
+    }
+
+    /// The scene's vertex that a corner names: counted from 1 in this file, or back from the last.
+    int readCorner(std::string_view word) const {
+        const auto count = static_cast<std::int64_t>(mScene.mVertices.size() / 3 - mFirstVertex);
+        std::int64_t number = 0;
+        const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+        if (error != std::errc() || end != word.data() + word.size())
+            fail("corner '" + std::string(word) + "' is no vertex number");
+        const std::int64_t index = number < 0 ? count + number : number - 1;
+        if (index < 0 || index >= count)
+            fail("corner " + std::to_string(number) + " is out of range: " + std::to_string(count) +
+                 " vertices so far");
+        return static_cast<int>(static_cast<std::int64_t>(mFirstVertex) + index);
+    }
+
+    std::string mFileName;
+    const SceneOptions& mOptions;
+    Scene& mScene;
+    std::size_t mFirstVertex;
+    std::size_t mLine = 0;
+    std::size_t mFaceCount = 0;
+    std::string_view mRest;
+    std::uint16_t mSurface = Scene::noSurface;
+    bool mIsLeftOut = false;
+    std::vector<int> mFace;
+    std::vector<float> mPositions;
+};
+
+} // namespace
+
+void readObj(const std::string& fileName, const SceneOptions& options, Scene& scene) {
+    ObjReader(fileName, options, scene).read();
+}
+
+} // namespace ZUNO::Tools

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace ZUNO::Tools {
+
+/// The triangles of a scene, right-handed with y up, and what each is made of.
+struct Scene {
+    static constexpr std::uint16_t noSurface = 0xFFFF;
+
+    std::size_t triangleCount() const { return mSurfaces.size(); }
+    /// The index of a surface's name, which is added when it is new.
+    std::uint16_t surfaceOf(const std::string& name);
+
+    std::vector<float> mVertices;         ///< x, y, z of each
+    std::vector<int> mTriangles;          ///< three vertices each, counter-clockwise from outside
+    std::vector<std::uint16_t> mSurfaces; ///< of each triangle, or noSurface
+    std::vector<std::string> mSurfaceNames;
+    std::size_t mLeftOut = 0; ///< faces that were skipped as they were asked to be
+};
+
+/// The axis of a file that points up.
+enum class UpAxis { Y, Z };
+
+/// How a scene's files are to be read.
+struct SceneOptions {
+    UpAxis mUp = UpAxis::Y;
+    bool mTakesBothSides = false; ///< every triangle faces both ways
+    bool mIgnoresMaterials = false;
+    bool mSkipsDegenerate = false;     ///< faces without area are left out; else they are an error
+    std::vector<std::string> mWithout; ///< groups and objects that are left out
+};
+
+/// Adds the faces of a Wavefront OBJ file to a scene. Raises a std::runtime_error with file, line
+/// and what is wrong.
+void readObj(const std::string& fileName, const SceneOptions& options, Scene& scene);
+
+/// Cuts a simple polygon, given by its corners' positions, into triangles of its corners' indices:
+/// one triangle for each corner beyond the second. A polygon without area gives none.
+std::vector<int> triangulate(std::span<const float> corners);
+
+} // namespace ZUNO::Tools
