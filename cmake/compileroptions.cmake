@@ -4,7 +4,10 @@ add_library(zuno_options INTERFACE)
 target_compile_options(zuno_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -ffp-contract=off
   "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/src/=")
-if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+if(EMSCRIPTEN)
+  add_compile_options(-fexceptions)
+  add_link_options(-fexceptions)
+elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
   target_compile_options(zuno_options INTERFACE -msse2 -mfpmath=sse)
 endif()
 if(ZUNO_WARNINGS_AS_ERRORS)

@@ -61,8 +61,9 @@ std::optional<fs::path> StdioFileCallback::locate(const String& filename) const 
     const fs::path path = fs::weakly_canonical(mBaseFolder / name, error);
     if (error)
         return std::nullopt;
-    const auto ends = std::ranges::mismatch(mBaseFolder, path);
-    if (ends.in1 != mBaseFolder.end())
+    const auto ends =
+        std::mismatch(mBaseFolder.begin(), mBaseFolder.end(), path.begin(), path.end());
+    if (ends.first != mBaseFolder.end())
         return std::nullopt;
     return path;
 }

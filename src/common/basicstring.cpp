@@ -72,11 +72,12 @@ BasicString<char>& BasicString<char>::operator+=(const BasicString& other) {
 }
 
 bool BasicString<char>::operator==(const BasicString& other) const {
-    return std::ranges::equal(mCharacters, other.mCharacters);
+    return std::equal(mCharacters.begin(), mCharacters.end(), other.mCharacters.begin(),
+                      other.mCharacters.end());
 }
 
 bool BasicString<char>::operator<(const BasicString& other) const {
-    return std::ranges::lexicographical_compare(
+    return std::lexicographical_compare(
         mCharacters.begin(), mCharacters.end() - 1, other.mCharacters.begin(),
         other.mCharacters.end() - 1, [](char left, char right) {
             return static_cast<signed char>(left) < static_cast<signed char>(right);

@@ -209,14 +209,15 @@ private:
 
     bool leadsTo(std::int32_t from, std::size_t to) const {
         const auto& neighbours = mMesh.mNodes[static_cast<std::size_t>(from)].mNeighbours;
-        return std::ranges::find(neighbours, static_cast<std::int32_t>(to)) != neighbours.end();
+        return std::find(neighbours.begin(), neighbours.end(), static_cast<std::int32_t>(to)) !=
+               neighbours.end();
     }
 
     /// Whether the other node holds both corners of the border.
     bool sharesBorder(const Polygon& polygon, std::size_t border, std::int32_t other) const {
         const Polygon& corners = mMesh.mNodes[static_cast<std::size_t>(other)].mPolygon;
         const auto holds = [&](std::uint32_t corner) {
-            return std::ranges::any_of(corners, [&](std::uint32_t each) {
+            return std::any_of(corners.begin(), corners.end(), [&](std::uint32_t each) {
                 return mMesh.mVertices[each] == mMesh.mVertices[corner];
             });
         };

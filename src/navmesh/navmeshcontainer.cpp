@@ -108,7 +108,7 @@ namespace {
 
 template <typename Table, typename Predicate>
 auto* findFirst(const Table& table, Predicate matches) {
-    const auto place = std::ranges::find_if(table, matches);
+    const auto place = std::find_if(table.begin(), table.end(), matches);
     return place != table.end() ? &*place : nullptr;
 }
 

@@ -49,6 +49,11 @@ public:
     /// Closes a search and returns whether there was one.
     bool closePathSearch(std::int32_t id);
 
+    /// For tools that show what goes on inside: the loaded mesh, or null, and what a search looks
+    /// at, or null for an id that names none. Valid until the search, or the world, is closed.
+    const NavMesh::NavMeshContainer* getNavMesh() const { return mNavMesh.get(); }
+    Common::Astar::AStarStorage* findSearchStorage(std::int32_t id);
+
     /// True outside the grid, and, after a report, without one.
     bool isBlocked(const Vec2& position);
     /// These set the hit distance alone, in units of the mesh's plane; -1 without a grid.

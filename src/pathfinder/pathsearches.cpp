@@ -66,6 +66,11 @@ float NavMeshInstance::getPathCost(std::int32_t id) {
     return search != nullptr ? search->mCost : 0.0F;
 }
 
+Common::Astar::AStarStorage* NavMeshInstance::findSearchStorage(std::int32_t id) {
+    const auto slot = static_cast<std::uint32_t>(id);
+    return id >= 0 && mSearches.isValidID(slot) ? mSearches[slot].mAStar->getStorage() : nullptr;
+}
+
 bool NavMeshInstance::closePathSearch(std::int32_t id) {
     if (id < 0 || !mSearches.isValidID(static_cast<std::uint32_t>(id)))
         return false;

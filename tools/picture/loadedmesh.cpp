@@ -153,8 +153,8 @@ std::vector<unsigned int> findIslands(const NavMesh::NavMeshContainer& mesh) {
         ++size[leaderOf(id)];
     std::vector<unsigned int> order(count);
     std::iota(order.begin(), order.end(), 0U);
-    std::ranges::stable_sort(order,
-                             [&](unsigned int a, unsigned int b) { return size[a] > size[b]; });
+    std::stable_sort(order.begin(), order.end(),
+                     [&](unsigned int a, unsigned int b) { return size[a] > size[b]; });
     std::vector<unsigned int> rank(count);
     for (unsigned int i = 0; i < count; ++i)
         rank[order[i]] = i;

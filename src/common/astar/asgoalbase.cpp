@@ -17,7 +17,7 @@ float ASGoalBase::getPath(EdgeList& edges) {
         edges.push_back(record->mParentEdge);
         record = mStorage->getRecordOfNode(mMap->getEdgeStartNode(record->mParentEdge));
     }
-    std::ranges::reverse(edges);
+    std::reverse(edges.begin(), edges.end());
     return cost;
 }
 

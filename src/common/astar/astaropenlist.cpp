@@ -8,7 +8,7 @@ namespace ZUNO::Common::Astar {
 
 void AStarOpenList::reposition(AStarNode* record) {
     // a record of the overflow part stays where it is: its order there means nothing
-    const auto place = std::ranges::find(mSorted, record);
+    const auto place = std::find(mSorted.begin(), mSorted.end(), record);
     if (place == mSorted.end())
         return;
     mSorted.erase(place);
@@ -91,11 +91,11 @@ void AStarOpenList::refill() {
 /// Replaces the first records of the overflow, which were taken, by those that went back: the
 /// latest first.
 void AStarOpenList::putBack(std::size_t taken) {
-    std::ranges::reverse(mScratch);
+    std::reverse(mScratch.begin(), mScratch.end());
     const auto rest = mOverflow.begin() + static_cast<std::ptrdiff_t>(taken);
     if (mScratch.size() <= taken) {
         const auto begin = rest - static_cast<std::ptrdiff_t>(mScratch.size());
-        std::ranges::copy(mScratch, begin);
+        std::copy(mScratch.begin(), mScratch.end(), begin);
         mOverflow.erase(mOverflow.begin(), begin);
     } else {
         mScratch.insert(mScratch.end(), rest, mOverflow.end());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/utility/floatchars.h"
+
 #include <charconv>
 #include <concepts>
 #include <cstddef>
@@ -29,13 +31,13 @@ public:
     requires std::integral<Number> || std::floating_point<Number> ReportText&
     operator<<(Number number) {
         char digits[32];
-        std::to_chars_result end{};
+        char* end = nullptr;
         if constexpr (std::floating_point<Number>)
-            end = std::to_chars(digits, digits + sizeof(digits), number, std::chars_format::general,
-                                6);
+            end = Utility::floatToChars(digits, digits + sizeof(digits), number,
+                                        Utility::FloatFormat::GENERAL);
         else
-            end = std::to_chars(digits, digits + sizeof(digits), number);
-        append(digits, static_cast<std::size_t>(end.ptr - digits));
+            end = std::to_chars(digits, digits + sizeof(digits), number).ptr;
+        append(digits, static_cast<std::size_t>(end - digits));
         return *this;
     }
 

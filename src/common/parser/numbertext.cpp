@@ -1,5 +1,7 @@
 #include "common/parser/numbertext.h"
 
+#include "common/utility/floatchars.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -34,12 +36,14 @@ template <typename T>
 std::from_chars_result parseDigits(const char* text, const char* end, T& number) {
     if constexpr (std::is_floating_point_v<T>) {
         if (end - text > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
-            const auto hex = std::from_chars(text + 2, end, number, std::chars_format::hex);
+            const auto hex = Utility::floatFromChars(text + 2, end, number, 16);
             if (hex.ec != std::errc::invalid_argument)
                 return hex;
         }
+        return Utility::floatFromChars(text, end, number, 10);
+    } else {
+        return std::from_chars(text, end, number);
     }
-    return std::from_chars(text, end, number);
 }
 
 /// Reads one number and returns the character behind it, or null when there is none.
@@ -129,14 +133,14 @@ template std::size_t toNumbers(const char*, char, std::uint32_t*, std::size_t);
 
 template <typename T>
 char* formatNumber(char* buffer, T number) {
-    std::to_chars_result end{};
+    char* const last = buffer + numberTextSize - 1;
+    char* end = nullptr;
     if constexpr (std::is_floating_point_v<T>)
-        end = std::to_chars(buffer, buffer + numberTextSize - 1, number, std::chars_format::general,
-                            6);
+        end = Utility::floatToChars(buffer, last, number, Utility::FloatFormat::GENERAL);
     else
-        end = std::to_chars(buffer, buffer + numberTextSize - 1, number);
-    *end.ptr = '\0';
-    return end.ptr;
+        end = std::to_chars(buffer, last, number).ptr;
+    *end = '\0';
+    return end;
 }
 
 template char* formatNumber(char*, float);
@@ -147,10 +151,10 @@ template char* formatNumber(char*, std::int64_t);
 template char* formatNumber(char*, std::uint64_t);
 
 char* formatFixed(char* buffer, float number) {
-    const auto end =
-        std::to_chars(buffer, buffer + numberTextSize - 1, number, std::chars_format::fixed, 6);
-    *end.ptr = '\0';
-    return end.ptr;
+    char* const end = Utility::floatToChars(buffer, buffer + numberTextSize - 1, number,
+                                            Utility::FloatFormat::FIXED);
+    *end = '\0';
+    return end;
 }
 
 } // namespace ZUNO::Common::Parser

@@ -20,15 +20,15 @@ char* XMLScanner::findBehind(char* from, const char* text) const {
 }
 
 bool XMLScanner::startsWith(const char* position, const char* text) const {
-    return std::string_view(position, mEnd).starts_with(text);
+    return std::string_view(position, static_cast<std::size_t>(mEnd - position)).starts_with(text);
 }
 
 void XMLScanner::fail(const char* message) const {
     const auto errorOffset = static_cast<std::uint32_t>(mErrorPosition - mBegin);
     auto newlines = mNewlines;
-    std::ranges::sort(newlines);
+    std::sort(newlines.begin(), newlines.end());
     newlines.erase(std::unique(newlines.begin(), newlines.end()), newlines.end());
-    const auto behind = std::ranges::upper_bound(newlines, errorOffset);
+    const auto behind = std::upper_bound(newlines.begin(), newlines.end(), errorOffset);
     const auto count = static_cast<std::uint32_t>(behind - newlines.begin());
     const std::uint32_t row = count != 0 ? errorOffset - *(behind - 1) : errorOffset;
     throw new XMLParserException(message, count + 1, row);

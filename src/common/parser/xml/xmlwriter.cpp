@@ -27,7 +27,7 @@ struct OpenElement {
 } // namespace
 
 XMLWriter::XMLWriter() : mTabs() {
-    std::ranges::fill(mTabs, '\t');
+    std::fill(std::begin(mTabs), std::end(mTabs), '\t');
 }
 
 void XMLWriter::writeHeader(IO::Stream& stream) {

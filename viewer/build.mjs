@@ -1,0 +1,50 @@
+// Puts the page together: build.mjs PAGE_FOLDER ENGINE SAMPLE... [--serve PORT]
+import { createServer } from "node:http";
+import { cpSync, mkdirSync, readFileSync, writeFileSync } from "node:fs";
+import { basename, dirname, extname, join, normalize } from "node:path";
+import { fileURLToPath } from "node:url";
+import { gzipSync } from "node:zlib";
+import { build } from "esbuild";
+
+const here = dirname(fileURLToPath(import.meta.url));
+const serveAt = process.argv.indexOf("--serve");
+const [page, engine, ...samples] = process.argv.slice(2, serveAt < 0 ? undefined : serveAt);
+
+mkdirSync(page, { recursive: true });
+for (const file of ["index.html", "style.css"]) cpSync(join(here, file), join(page, file));
+cpSync(engine, join(page, "engine.js"));
+const packed = Object.fromEntries(
+    samples.map((file) => [basename(file, extname(file)), gzipSync(readFileSync(file), { level: 9 }).toString("base64")]),
+);
+writeFileSync(join(page, "samples.js"), `var zunoSamples = ${JSON.stringify(packed)};\n`);
+await build({
+    entryPoints: [join(here, "src/main.ts")],
+    bundle: true,
+    minify: true,
+    format: "iife",
+    target: "es2022",
+    outfile: join(page, "workbench.js"),
+    legalComments: "linked",
+});
+
+const kinds = { ".html": "text/html", ".js": "text/javascript", ".css": "text/css" };
+
+function serve(port) {
+    const server = createServer((request, response) => {
+        const path = normalize(decodeURIComponent(new URL(request.url, "http://page").pathname));
+        const file = join(page, path === "/" ? "index.html" : path);
+        try {
+            const content = readFileSync(file);
+            response.writeHead(200, { "Content-Type": kinds[extname(file)] ?? "application/octet-stream" }).end(content);
+        } catch {
+            response.writeHead(404).end("not found");
+        }
+    });
+    server.on("error", (error) => {
+        if (error.code !== "EADDRINUSE") throw error;
+        serve(port + 1);
+    });
+    server.listen(port, "127.0.0.1", () => console.log(`the workbench: http://127.0.0.1:${port}/ (Ctrl+C ends it)`));
+}
+
+if (serveAt >= 0) serve(Number(process.argv[serveAt + 1]));

@@ -1,0 +1,31 @@
+import type { Vec3 } from "./engine";
+
+/** The shortest text that a `float` of the same bits is read from. */
+export function floatText(value: number): string {
+    for (let digits = 1; digits < 9; ++digits) {
+        const text = value.toPrecision(digits);
+        if (Math.fround(Number(text)) === Math.fround(value)) return String(Number(text));
+    }
+    return String(Number(value.toPrecision(9)));
+}
+
+export function pointText(point: Vec3): string {
+    return point.map(floatText).join(",");
+}
+
+/** A number for people: three digits behind the point at most. */
+export function shortText(value: number): string {
+    return String(Number(value.toFixed(3)));
+}
+
+export function parsePoint(text: string | null): Vec3 | null {
+    const numbers = (text ?? "").split(",").map(Number);
+    return text && numbers.length === 3 && numbers.every(Number.isFinite)
+        ? (numbers.map(Math.fround) as Vec3)
+        : null;
+}
+
+export function byteText(bytes: number): string {
+    if (bytes < 1e4) return `${bytes} B`;
+    return bytes < 1e7 ? `${(bytes / 1e3).toFixed(0)} kB` : `${(bytes / 1e6).toFixed(1)} MB`;
+}

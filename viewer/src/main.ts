@@ -1,0 +1,632 @@
+import { readAddress, writeAddress } from "./address";
+import { Engine, MeshDescription, noGround, Vec2, Vec3 } from "./engine";
+import { byteText, floatText, pointText, shortText } from "./format";
+import { MeshView, Palette } from "./meshview";
+import { makeGridPicture, makePolyline, Marker } from "./overlays";
+import { darkPalette, lightPalette } from "./palette";
+import { element, save, setPressed, setText, showDefects, showFigures, showMesh, showSearches } from "./panel";
+import { Search, SearchBoard } from "./searches";
+import { Pick, View } from "./view";
+
+type Tool = "path" | "ray" | "look";
+
+interface OpenMesh {
+    name: string;
+    sample: string | null;
+    engine: Engine;
+    mesh: MeshDescription;
+    view: MeshView | null;
+    board: SearchBoard;
+}
+
+interface Ray {
+    from: Vec3;
+    to: Vec3;
+    /** Below 0: nothing is hit. */
+    hit: number;
+}
+
+const mostGridCells = 4e6;
+
+async function unpack(base64: string): Promise<Uint8Array> {
+    const packed = Uint8Array.from(atob(base64), (letter) => letter.charCodeAt(0));
+    const stream = new Blob([packed]).stream().pipeThrough(new DecompressionStream("gzip"));
+    return new Uint8Array(await new Response(stream).arrayBuffer());
+}
+
+/** The page: what is open, what is chosen, and what the controls do with it. */
+class Workbench {
+    readonly view: View;
+    private open: OpenMesh | null = null;
+    private active: Search | null = null;
+    private pendingStart: Vec3 | null = null;
+    private ray: Ray | null = null;
+    private pendingRay: Vec3 | null = null;
+    private tool: Tool = "path";
+    private isPlaying = false;
+    private addsNext = false;
+    private showsGrid = false;
+    private showsLabels = false;
+    private isDark = matchMedia("(prefers-color-scheme: dark)").matches;
+    private focus: number | null = null;
+    private frames: number[] = [];
+    private timings: [string, string][] = [];
+    private isAddressStale = false;
+
+    constructor() {
+        this.view = new View(element<HTMLCanvasElement>("scene"), element<HTMLCanvasElement>("names"), {
+            onHover: (pick) => this.showPointer(pick),
+            onClick: (pick) => this.click(pick),
+            onDrag: (marker, pick, isLast) => this.drag(marker, pick, isLast),
+            onCameraMoved: () => (this.isAddressStale = true),
+        });
+        const samples = element<HTMLSelectElement>("sample");
+        samples.add(new Option("–", ""));
+        for (const name of Object.keys(zunoSamples)) samples.add(new Option(name, name));
+        this.connectControls();
+        this.setTheme(this.isDark);
+        this.setBudget();
+        this.showAll();
+        requestAnimationFrame((time) => this.frame(time));
+    }
+
+    private get palette(): Palette {
+        return this.isDark ? darkPalette : lightPalette;
+    }
+
+    private get budget(): number {
+        return Math.max(1, Math.round(10 ** (Number(element<HTMLInputElement>("budget").value) / 10)));
+    }
+
+    // ---- meshes -------------------------------------------------------------------------------
+
+    async openSample(name: string): Promise<void> {
+        if (!zunoSamples[name]) return this.fail(`There is no sample “${name}”.`);
+        await this.openBytes(name, await unpack(zunoSamples[name]), name);
+    }
+
+    async openFile(file: File): Promise<void> {
+        await this.openBytes(file.name, new Uint8Array(await file.arrayBuffer()), null);
+    }
+
+    /** Opens a mesh in a new engine; on an error what was open stays. */
+    async openBytes(name: string, bytes: Uint8Array, sample: string | null): Promise<void> {
+        const begin = performance.now();
+        let engine: Engine;
+        let mesh: MeshDescription;
+        try {
+            engine = await createEngine();
+            mesh = engine.openMesh(bytes);
+        } catch (error) {
+            this.fail(`${name}: ${error instanceof Error ? error.message.replace(/^\/mesh: /, "") : String(error)}`);
+            element<HTMLSelectElement>("sample").value = this.open?.sample ?? "";
+            return;
+        }
+        const loaded = performance.now();
+        this.closeMesh();
+        const view = mesh.isFit ? new MeshView(mesh, this.palette) : null;
+        this.open = { name, sample, engine, mesh, view, board: new SearchBoard(engine) };
+        this.view.show(view);
+        this.view.fit();
+        this.view.draw(begin);
+        this.timings = [
+            ["Opened in", `${(loaded - begin).toFixed(0)} ms`],
+            ["First picture", `after ${(performance.now() - begin).toFixed(0)} ms`],
+        ];
+        element("stage").dataset.firstPicture = String(performance.now() - begin);
+        element<HTMLSelectElement>("sample").value = sample ?? "";
+        if (mesh.isFit) this.hideError();
+        else this.fail(`${name}: no world can run over this mesh: ${mesh.defects[0].text}`);
+        if (!mesh.isFit) this.showTab("defects");
+        if (this.showsGrid) this.showGrid();
+        this.showAll();
+    }
+
+    private closeMesh(): void {
+        this.open?.engine.closeWorld();
+        this.open = null;
+        this.active = this.ray = this.pendingStart = this.pendingRay = this.focus = null;
+        this.isPlaying = this.addsNext = false;
+    }
+
+    // ---- the pointer --------------------------------------------------------------------------
+
+    private click(pick: Pick | null): void {
+        if (!pick || !this.open || this.tool === "look") return;
+        if (this.tool === "path") {
+            if (!this.pendingStart) this.pendingStart = pick.point;
+            else this.startSearch(this.pendingStart, pick.point);
+        } else if (!this.pendingRay) this.pendingRay = pick.point;
+        else this.traceRay(this.pendingRay, pick.point);
+        this.showAll();
+    }
+
+    private drag(marker: Marker, pick: Pick, isLast: boolean): void {
+        let owner: unknown = marker.owner;
+        if (marker.owner instanceof Search) {
+            const search = marker.owner;
+            const [start, goal] = marker.kind === "start" ? [pick.point, search.goal] : [search.start, pick.point];
+            const next = this.open!.board.replace(search, start, goal);
+            next.run(0xffffffff);
+            this.active = owner = next;
+        } else if (this.ray) {
+            const { from, to } = this.ray;
+            if (marker.kind === "rayStart") this.traceRay(pick.point, to);
+            else this.traceRay(from, pick.point);
+        }
+        this.showAll(!isLast);
+        this.view.regrip(marker.kind, owner);
+    }
+
+    private showPointer(pick: Pick | null): void {
+        const open = this.open;
+        if (!pick || !open) {
+            for (const id of ["pointer", "node", "ground"]) setText(id, "");
+            return;
+        }
+        const { mesh, engine } = open;
+        setText("pointer", pick.point.map(shortText).join(", "));
+        // what a search would start from: where floors meet, the lowest id
+        const node = engine.nodeAt(pick.point);
+        const surface = mesh.tables.surfaces.find((type) => type.id === mesh.surfaceTypes[node]);
+        setText("node", node < 0 ? "no node" : `node ${node} · class ${mesh.heightClasses[node]}${surface ? ` · ${surface.name}` : ""}`);
+        const position = this.withoutUp(pick.point);
+        const height = engine.groundHeight(position);
+        setText("ground", engine.isBlocked(position) ? "blocked" : height === noGround ? "no ground" : `ground ${shortText(height)}`);
+    }
+
+    private withoutUp(point: Vec3): Vec2 {
+        const size = this.open!.mesh.normal.map(Math.abs);
+        const up = size.indexOf(Math.max(...size));
+        return point.filter((_, axis) => axis !== up) as Vec2;
+    }
+
+    // ---- searches and rays --------------------------------------------------------------------
+
+    private startSearch(start: Vec3, goal: Vec3): void {
+        const { board } = this.open!;
+        this.pendingStart = null;
+        if (this.active && !this.addsNext) this.active = board.replace(this.active, start, goal);
+        else this.active = board.open(start, goal);
+        this.addsNext = false;
+        this.isPlaying = true;
+        this.showTab("search");
+    }
+
+    private restart(): void {
+        if (!this.open) return;
+        for (const search of [...this.open.board.all]) {
+            const next = this.open.board.replace(search, search.start, search.goal);
+            if (search === this.active) this.active = next;
+        }
+        this.isPlaying = false;
+        this.showAll();
+    }
+
+    private addCrowd(): void {
+        if (!this.open?.view) return;
+        const { mesh, board } = this.open;
+        const pick = (): Vec3 => {
+            const node = Math.floor(Math.random() * (mesh.firstCorners.length - 1));
+            return [...mesh.centres.subarray(node * 3, node * 3 + 3)] as Vec3;
+        };
+        for (let i = 0; i < 20; ++i) this.active = board.open(pick(), pick());
+        this.isPlaying = true;
+        this.showAll();
+    }
+
+    private closeSearch(search: Search): void {
+        const { board } = this.open!;
+        board.close(search);
+        if (this.active === search) this.active = board.all.at(-1) ?? null;
+        this.showAll();
+    }
+
+    private clearSearches(): void {
+        for (const search of [...(this.open?.board.all ?? [])]) this.open!.board.close(search);
+        this.active = this.pendingStart = null;
+        this.isPlaying = false;
+        this.showAll();
+    }
+
+    private step(): void {
+        this.isPlaying = false;
+        this.open?.board.runFrame(this.budget);
+        this.showAll();
+    }
+
+    private finish(): void {
+        this.isPlaying = false;
+        this.open?.board.finish();
+        this.showAll();
+    }
+
+    private togglePlay(): void {
+        this.isPlaying = !this.isPlaying && !!this.open?.board.isRunning;
+        this.showAll();
+    }
+
+    private traceRay(from: Vec3, to: Vec3): void {
+        this.pendingRay = null;
+        this.ray = { from, to, hit: this.open!.engine.traceRay(from, to) };
+        this.showTab("ray");
+    }
+
+    /** Where along a ray its hit lies: 0 at its start, 1 at its end. */
+    private partOf(ray: Ray): number {
+        const { xAxis, yAxis } = this.open!.mesh;
+        const dot = (axis: Vec3) => axis.reduce((sum, value, i) => sum + value * (ray.to[i] - ray.from[i]), 0);
+        const length = Math.hypot(dot(xAxis), dot(yAxis));
+        return ray.hit < 0 ? 1 : length > 0 ? Math.min(ray.hit / length, 1) : 0;
+    }
+
+    // ---- what is shown ------------------------------------------------------------------------
+
+    /** Brings the picture and the panels up to date; a short look leaves out what takes time. */
+    private showAll(isShort = false): void {
+        this.showSigns();
+        const open = this.open;
+        const searches = open?.board.all ?? [];
+        open?.view?.showStates(this.active?.nodeStates() ?? new Uint8Array(), this.palette);
+        this.view.invalidate();
+        showFigures(this.active);
+        showSearches(searches, this.active, (search) => this.choose(search), (search) => this.closeSearch(search));
+        this.showRay();
+        this.showControls();
+        this.isAddressStale = true;
+        if (isShort) return;
+        setText("title", open ? open.name : "Navigation workbench");
+        if (open) {
+            const { blocks, bytes, peak } = open.engine.memory();
+            const memory: [string, string] = ["World memory", `${byteText(bytes)} in ${blocks} blocks, at most ${byteText(peak)}`];
+            showMesh(open.mesh, [...(open.mesh.isFit ? [memory] : []), ...this.timings]);
+            setText("memory", open.mesh.isFit ? `runtime ${byteText(bytes)}` : "");
+        }
+        showDefects(open?.mesh ?? null, (node) => this.jumpTo(node));
+    }
+
+    private showSigns(): void {
+        const open = this.open;
+        if (!open?.view) return this.view.setSigns([], []);
+        const { mesh, board } = open;
+        const lines = [];
+        const markers: Marker[] = [];
+        const mark = (kind: Marker["kind"], colour: string | number, point: Vec3, owner: unknown = null) =>
+            markers.push(new Marker(kind, colour, this.view.toScene(point), owner));
+        const isCrowd = board.all.length > 3;
+        for (const search of board.all) {
+            const isActive = search === this.active;
+            if (search.state === "found")
+                lines.push(makePolyline([search.start, ...search.waypoints, search.goal], search.colour, mesh, { width: isActive ? 4.5 : 2.5 }));
+            else if (search.state !== "running")
+                lines.push(makePolyline([search.start, search.goal], search.colour, mesh, { width: 1.5, isDashed: true }));
+            if (isCrowd && !isActive) continue;
+            mark("start", search.colour, search.start, search);
+            mark("goal", search.colour, search.goal, search);
+        }
+        if (this.pendingStart) mark("start", this.palette.mark, this.pendingStart);
+        if (this.pendingRay) mark("rayStart", this.palette.mark, this.pendingRay);
+        if (this.ray) {
+            const part = this.partOf(this.ray);
+            const { from, to, hit } = this.ray;
+            const at = from.map((value, i) => value + (to[i] - value) * part) as Vec3;
+            lines.push(makePolyline([from, at], this.palette.mark, mesh, { width: 3.5 }));
+            if (part < 1) lines.push(makePolyline([at, to], this.palette.mark, mesh, { width: 1.5, isDashed: true }));
+            mark("rayStart", this.palette.mark, from, "ray");
+            mark("rayEnd", this.palette.mark, to, "ray");
+            if (hit >= 0) mark("hit", this.palette.wall, at);
+        }
+        if (this.focus !== null)
+            mark("focus", this.palette.mark, [...mesh.centres.subarray(this.focus * 3, this.focus * 3 + 3)] as Vec3);
+        this.view.setSigns(lines, markers);
+    }
+
+    private showRay(): void {
+        const ray = this.ray;
+        setText("hit", !ray ? "–" : ray.hit < 0 ? "no hit" : `at ${floatText(ray.hit)}`);
+        setText("rayLength", ray ? shortText(Math.hypot(...ray.to.map((value, i) => value - ray.from[i]))) : "–");
+        setText("rayFrom", ray ? ray.from.map(shortText).join(", ") : "–");
+        setText("rayTo", ray ? ray.to.map(shortText).join(", ") : "–");
+    }
+
+    private showControls(): void {
+        const isFit = !!this.open?.view;
+        const isRunning = !!this.open?.board.isRunning;
+        const hints: Record<Tool, [string, string]> = {
+            path: ["Click where the path starts", "Click the goal"],
+            ray: ["Click where the ray begins", "Click where it ends"],
+            look: ["", ""],
+        };
+        const isPending = this.tool === "path" ? this.pendingStart !== null : this.pendingRay !== null;
+        const isDone = this.tool === "path" ? this.active !== null && !this.addsNext : this.ray !== null;
+        setText("hint", !this.open ? "Choose a sample, or drop a mesh file" : isFit && (isPending || !isDone) ? hints[this.tool][isPending ? 1 : 0] : "");
+        setText("play", this.isPlaying ? "Pause" : "Play");
+        for (const id of ["play", "step", "finish"]) element<HTMLButtonElement>(id).disabled = !isRunning;
+        for (const id of ["restart", "clear"]) element<HTMLButtonElement>(id).disabled = !this.open?.board.all.length;
+        for (const id of ["another", "crowd", "script", "grid", "labels"]) element<HTMLButtonElement>(id).disabled = !isFit;
+        setPressed(element("another"), this.addsNext);
+        setPressed(element("grid"), this.showsGrid);
+        setPressed(element("labels"), this.showsLabels);
+        setPressed(element("top"), this.view.isTopView);
+        for (const button of document.querySelectorAll<HTMLElement>("[data-tool]"))
+            setPressed(button, button.dataset.tool === this.tool);
+        this.showLegend();
+    }
+
+    private showLegend(): void {
+        const { palette } = this;
+        const entries: [number, string][] = [
+            [palette.lowFloor, "lowest floor"],
+            [palette.highFloor, "highest floor"],
+            [palette.wall, "border without neighbour"],
+        ];
+        if (this.open?.mesh.isFit && this.open.mesh.islands.some((island) => island > 0)) entries.push([palette.islands[0], "island apart"]);
+        if (this.active) entries.push([palette.open, "open"], [palette.closed, "closed"]);
+        if (this.showsGrid) entries.push([palette.blocked, "blocked"]);
+        const key = entries.join() + this.isDark;
+        const legend = element("legend");
+        if (legend.dataset.key === key) return;
+        legend.dataset.key = key;
+        legend.replaceChildren(
+            ...entries.flatMap(([colour, text]) => {
+                const sign = document.createElement("i");
+                sign.style.background = `#${colour.toString(16).padStart(6, "0")}`;
+                const name = document.createElement("span");
+                name.textContent = text;
+                return [sign, name];
+            }),
+        );
+    }
+
+    private choose(search: Search): void {
+        this.active = search;
+        this.showAll();
+    }
+
+    private jumpTo(node: number): void {
+        this.focus = node;
+        this.view.lookAtNode(node);
+        this.showAll();
+    }
+
+    private showGrid(): void {
+        const open = this.open;
+        if (!open?.view) return;
+        if (!this.showsGrid) return this.view.setOverlay(null);
+        const { mesh, view } = open;
+        let lowest = Infinity;
+        for (let i = 0; i < mesh.vertices.length; i += 3)
+            lowest = Math.min(lowest, mesh.normal.reduce((sum, value, axis) => sum + value * mesh.vertices[i + axis], 0));
+        this.view.setOverlay(makeGridPicture(open.engine.blockingGrid(mostGridCells), view.mesh, this.palette, lowest));
+    }
+
+    private setTheme(isDark: boolean): void {
+        this.isDark = isDark;
+        document.documentElement.dataset.theme = isDark ? "dark" : "light";
+        this.view.setPalette(this.palette);
+        this.open?.view?.paint(this.palette);
+        if (this.showsGrid) this.showGrid();
+    }
+
+    private setBudget(): void {
+        setText("budgetText", this.budget.toLocaleString("en"));
+    }
+
+    private showTab(name: string): void {
+        for (const tab of document.querySelectorAll<HTMLElement>("[data-tab]"))
+            tab.setAttribute("aria-selected", String(tab.dataset.tab === name));
+        for (const panel of document.querySelectorAll<HTMLElement>("[data-panel]"))
+            panel.hidden = panel.dataset.panel !== name;
+    }
+
+    private fail(message: string): void {
+        setText("errorText", message);
+        element("error").hidden = false;
+    }
+
+    private hideError(): void {
+        element("error").hidden = true;
+    }
+
+    // ---- frames, files, controls --------------------------------------------------------------
+
+    private frame(time: number): void {
+        const open = this.open;
+        if (this.isPlaying && open) {
+            open.board.runFrame(this.budget);
+            this.isPlaying = open.board.isRunning;
+            this.showAll(this.isPlaying);
+        }
+        if (this.view.draw(time)) this.frames.push(time);
+        this.frames = this.frames.filter((each) => time - each < 1000);
+        setText("rate", this.frames.length > 1 ? `${this.frames.length} fps` : "");
+        if (this.isAddressStale && open) {
+            this.isAddressStale = false;
+            this.keepAddress(open);
+        }
+        requestAnimationFrame((next) => this.frame(next));
+    }
+
+    private keepAddress(open: OpenMesh): void {
+        clearTimeout(this.addressTimer);
+        // browsers refuse an address that changes with every frame
+        this.addressTimer = window.setTimeout(
+            () =>
+                writeAddress({
+                    sample: open.sample,
+                    searches: open.board.all.slice(0, 30).map(({ start, goal }) => [start, goal]),
+                    ray: this.ray ? [this.ray.from, this.ray.to] : null,
+                    camera: this.view.cameraState,
+                    isTopView: this.view.isTopView,
+                    showsGrid: this.showsGrid,
+                    showsLabels: this.showsLabels,
+                }),
+            200,
+        );
+    }
+    private addressTimer = 0;
+
+    /** Shows what the page's address tells. */
+    async followAddress(): Promise<void> {
+        const state = readAddress();
+        const first = Object.keys(zunoSamples)[0];
+        await this.openSample(state.sample ?? first);
+        const open = this.open;
+        if (!open?.view) return;
+        for (const [start, goal] of state.searches) this.active = open.board.open(start, goal);
+        open.board.finish();
+        if (state.ray) this.traceRay(...state.ray);
+        if (state.searches.length) this.showTab("search");
+        if (state.isTopView) this.view.setTopView(true);
+        if (state.camera) this.view.cameraState = state.camera;
+        this.setLabels(state.showsLabels);
+        this.setGrid(state.showsGrid);
+        this.showAll();
+    }
+
+    private setLabels(isOn: boolean): void {
+        this.showsLabels = isOn;
+        this.view.setLabels(isOn);
+    }
+
+    private setGrid(isOn: boolean): void {
+        this.showsGrid = isOn;
+        this.showGrid();
+    }
+
+    /** The searches and the ray, as zunopath run reads them. */
+    scriptText(): string {
+        const lines = [`# queries over ${this.open?.name ?? "no mesh"}`];
+        for (const { start, goal } of this.open?.board.all ?? []) lines.push(`path ${pointText(start)} ${pointText(goal)}`);
+        if (this.ray) lines.push(`ray ${pointText(this.ray.from)} ${pointText(this.ray.to)}`);
+        return lines.join("\n") + "\n";
+    }
+
+    /** All that was answered, to the bit. */
+    results(): { searches: { state: string; cost: number; waypoints: Vec3[]; expansions: number }[]; hit: number | null } {
+        const searches = this.open?.board.all ?? [];
+        return {
+            searches: searches.map(({ state, cost, waypoints, expansions }) => ({ state, cost, waypoints, expansions })),
+            hit: this.ray && this.ray.hit,
+        };
+    }
+
+    private async savePicture(): Promise<void> {
+        const picture = await this.view.toPicture();
+        if (picture) save(`${this.open?.name ?? "workbench"}.png`, picture);
+    }
+
+    private saveScript(): void {
+        save(`${this.open?.name ?? "workbench"}.txt`, new Blob([this.scriptText()], { type: "text/plain" }));
+    }
+
+    private setTool(tool: Tool): void {
+        this.tool = tool;
+        this.pendingStart = this.pendingRay = null;
+        if (tool !== "look") this.showTab(tool === "path" ? "search" : "ray");
+        this.showAll();
+    }
+
+    private escape(): void {
+        this.hideError();
+        this.pendingStart = this.pendingRay = this.focus = null;
+        this.addsNext = false;
+        this.showAll();
+    }
+
+    private connectControls(): void {
+        const actions: Record<string, () => void> = {
+            open: () => element("file").click(),
+            fit: () => this.view.fit(),
+            top: () => this.view.setTopView(!this.view.isTopView),
+            labels: () => this.setLabels(!this.showsLabels),
+            grid: () => this.setGrid(!this.showsGrid),
+            picture: () => void this.savePicture(),
+            script: () => this.saveScript(),
+            link: () => void navigator.clipboard?.writeText(location.href),
+            theme: () => this.setTheme(!this.isDark),
+            help: () => element<HTMLDialogElement>("keys").showModal(),
+            play: () => this.togglePlay(),
+            step: () => this.step(),
+            finish: () => this.finish(),
+            restart: () => this.restart(),
+            another: () => (this.addsNext = !this.addsNext),
+            crowd: () => this.addCrowd(),
+            clear: () => this.clearSearches(),
+            clearRay: () => (this.ray = this.pendingRay = null),
+            errorClose: () => this.hideError(),
+        };
+        for (const [id, action] of Object.entries(actions))
+            element(id).addEventListener("click", (event) => {
+                action();
+                this.showAll();
+                // Enter and Space go to the picture again, not to the button that the mouse pressed
+                if (event.detail > 0 && id !== "help") element("scene").focus();
+            });
+        for (const button of document.querySelectorAll<HTMLElement>("[data-tool]"))
+            button.addEventListener("click", () => this.setTool(button.dataset.tool as Tool));
+        for (const tab of document.querySelectorAll<HTMLElement>("[data-tab]"))
+            tab.addEventListener("click", () => this.showTab(tab.dataset.tab!));
+        element("budget").addEventListener("input", () => this.setBudget());
+        element("sample").addEventListener("change", () => {
+            const name = element<HTMLSelectElement>("sample").value;
+            if (name) void this.openSample(name);
+        });
+        const file = element<HTMLInputElement>("file");
+        file.addEventListener("change", () => {
+            if (file.files?.[0]) void this.openFile(file.files[0]);
+            file.value = "";
+        });
+        this.connectDrop();
+        const keys: Record<string, () => void> = {
+            s: () => this.setTool("path"),
+            r: () => this.setTool("ray"),
+            v: () => this.setTool("look"),
+            f: actions.fit,
+            t: actions.top,
+            l: actions.labels,
+            g: actions.grid,
+            p: actions.picture,
+            q: actions.script,
+            d: actions.theme,
+            n: actions.step,
+            " ": actions.play,
+            Enter: actions.finish,
+            Escape: () => this.escape(),
+            Delete: () => this.active && this.closeSearch(this.active),
+            "?": actions.help,
+        };
+        document.addEventListener("keydown", (event) => {
+            const isTyping = event.target instanceof HTMLElement && event.target.matches("input, select, dialog *, button");
+            const action = keys[event.key.length === 1 ? event.key.toLowerCase() : event.key];
+            if (!action || event.ctrlKey || event.metaKey || event.altKey) return;
+            if (isTyping && (event.key === " " || event.key === "Enter")) return;
+            event.preventDefault();
+            action();
+            this.showAll();
+        });
+    }
+
+    private connectDrop(): void {
+        const dropHere = element("dropHere");
+        addEventListener("dragover", (event) => {
+            event.preventDefault();
+            dropHere.hidden = false;
+        });
+        addEventListener("dragleave", (event) => {
+            if (!event.relatedTarget) dropHere.hidden = true;
+        });
+        addEventListener("drop", (event) => {
+            event.preventDefault();
+            dropHere.hidden = true;
+            const file = event.dataTransfer?.files[0];
+            if (file) void this.openFile(file);
+        });
+    }
+}
+
+const workbench = new Workbench();
+void workbench.followAddress();
+addEventListener("hashchange", () => void workbench.followAddress());
+// for scripts that work the page
+Object.assign(window, { workbench });

@@ -1,0 +1,165 @@
+import type { MeshDescription } from "./engine";
+import { byteText, pointText, shortText } from "./format";
+import type { Search } from "./searches";
+
+export function element<T extends HTMLElement = HTMLElement>(id: string): T {
+    const found = document.getElementById(id);
+    if (!found) throw new Error(`the page has no ${id}`);
+    return found as T;
+}
+
+export function setText(id: string, text: string): void {
+    const place = element(id);
+    if (place.textContent !== text) place.textContent = text;
+}
+
+export function setPressed(button: HTMLElement, isPressed: boolean): void {
+    button.setAttribute("aria-pressed", String(isPressed));
+}
+
+export function save(name: string, content: Blob): void {
+    const link = document.createElement("a");
+    link.download = name;
+    link.href = URL.createObjectURL(content);
+    link.click();
+    setTimeout(() => URL.revokeObjectURL(link.href), 1000);
+}
+
+/** Browsers count in steps of a tenth of a millisecond. */
+function timeText(milliseconds: number): string {
+    return milliseconds < 0.1 ? "below 0.1 ms" : `${milliseconds.toFixed(1)} ms`;
+}
+
+/** Shows one search's figures; null: none. */
+export function showFigures(search: Search | null): void {
+    setText("state", search?.state ?? "–");
+    setText("cost", search?.state === "found" ? shortText(search.cost) : "–");
+    setText("waypointCount", search?.state === "found" ? String(search.waypoints.length) : "–");
+    setText("expansions", search ? search.expansions.toLocaleString("en") : "–");
+    setText("time", search ? timeText(search.milliseconds) : "–");
+    setText("from", search ? search.start.map(shortText).join(", ") : "–");
+    setText("to", search ? search.goal.map(shortText).join(", ") : "–");
+    const list = element("waypoints");
+    const shown = search?.waypoints ?? [];
+    if (list.dataset.path === String(search?.cost) && list.childElementCount === Math.min(shown.length, 500)) return;
+    list.dataset.path = String(search?.cost);
+    list.replaceChildren(
+        ...shown.slice(0, 500).map((point) => {
+            const item = document.createElement("li");
+            item.textContent = point.map(shortText).join(", ");
+            item.dataset.point = pointText(point);
+            return item;
+        }),
+    );
+}
+
+/** The list of searches; an entry can be chosen, and closed. */
+export function showSearches(
+    searches: Search[],
+    active: Search | null,
+    choose: (search: Search) => void,
+    close: (search: Search) => void,
+): void {
+    element("searches").replaceChildren(
+        ...searches.map((search) => {
+            const entry = document.createElement("div");
+            entry.className = "entry";
+            entry.setAttribute("aria-current", String(search === active));
+            const dot = document.createElement("i");
+            dot.style.background = search.colour;
+            const cells = [search.state, search.state === "found" ? shortText(search.cost) : "–", `${search.expansions} exp.`].map(
+                (text) => {
+                    const cell = document.createElement("span");
+                    cell.textContent = text;
+                    return cell;
+                },
+            );
+            const button = document.createElement("button");
+            button.textContent = "×";
+            button.title = "Close this search";
+            button.addEventListener("click", (event) => {
+                event.stopPropagation();
+                close(search);
+            });
+            entry.append(dot, ...cells, button);
+            entry.addEventListener("click", () => choose(search));
+            return entry;
+        }),
+    );
+}
+
+function makeTable(title: string, heads: string[], rows: (string | number)[][]): HTMLElement {
+    const table = document.createElement("table");
+    table.createCaption().textContent = title;
+    const head = table.createTHead().insertRow();
+    for (const text of heads) {
+        const cell = document.createElement("th");
+        cell.textContent = text;
+        head.append(cell);
+    }
+    const body = table.createTBody();
+    for (const row of rows) {
+        const line = body.insertRow();
+        for (const value of row)
+            line.insertCell().textContent = typeof value === "number" ? shortText(value) : value;
+    }
+    return table;
+}
+
+/** What the mesh is, its tables, and how long it took. */
+export function showMesh(mesh: MeshDescription, figures: [string, string][]): void {
+    const rows: [string, string][] = [];
+    if (mesh.isFit) {
+        const nodes = mesh.firstCorners.length - 1;
+        const links = mesh.neighbours.reduce((sum, id) => sum + (id >= 0 ? 1 : 0), 0);
+        rows.push(
+            ["Nodes", nodes.toLocaleString("en")],
+            ["Vertices", (mesh.vertices.length / 3).toLocaleString("en")],
+            ["Borders", `${mesh.corners.length.toLocaleString("en")}, ${links.toLocaleString("en")} with neighbour`],
+            ["Islands", String(mesh.islands.reduce((most, id) => Math.max(most, id), 0) + 1)],
+        );
+    }
+    rows.push(
+        ["Cube size", shortText(mesh.cubeSize)],
+        ["Up", mesh.normal.join(", ")],
+        ["Form", mesh.isBinary ? "binary" : "XML"],
+        ["Mesh memory", byteText(mesh.memory)],
+        ...figures,
+    );
+    element("meshFigures").replaceChildren(
+        ...rows.flatMap(([name, value]) => {
+            const term = document.createElement("dt");
+            term.textContent = name;
+            const text = document.createElement("dd");
+            text.textContent = value;
+            return [term, text];
+        }),
+    );
+    const { heights, characters, surfaces } = mesh.tables;
+    const nodesOfClass = (number: number) => (mesh.isFit ? mesh.heightClasses.filter((id) => id === number).length : 0);
+    element("tables").replaceChildren(
+        makeTable("Height classes", ["class", "height", "nodes"], heights.map((height, i) => [String(i), height, String(nodesOfClass(i))])),
+        makeTable("Characters", ["name", "height", "jump", "fall", "class"],
+                  characters.map((c) => [c.name, c.height, c.jump, c.fall, String(c.heightClass)])),
+        makeTable("Surface types", ["id", "name"], surfaces.map((s) => [String(s.id), s.name])),
+    );
+}
+
+/** The list of defects; those of a node jump to it. */
+export function showDefects(mesh: MeshDescription | null, jump: (node: number) => void): void {
+    const defects = mesh?.defects ?? [];
+    setText("defectCount", defects.length ? String(defects.length) : "");
+    const isBroken = mesh !== null && !mesh.isFit;
+    setText("defectHint", isBroken ? "No world runs over this mesh." : defects.length ? "Click to see the place." : "Nothing is wrong with this mesh.");
+    element("defects").replaceChildren(
+        ...defects.map(({ kind, text }) => {
+            const entry = document.createElement("button");
+            entry.className = kind;
+            entry.textContent = text;
+            const node = /^node (\d+)/.exec(text);
+            entry.disabled = !node || isBroken;
+            if (node) entry.addEventListener("click", () => jump(Number(node[1])));
+            return entry;
+        }),
+    );
+}
