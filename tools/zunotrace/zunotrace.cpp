@@ -1,15 +1,14 @@
-// The trace viewer: prints what hosts send on the trace channel.
-#include "common/debug/trace.h"
-#include "common/platform/tracechannel.h"
+// The trace viewer: shows what hosts send on the trace channel.
+#include "tools/zunotrace/tracetext.h"
+#include "tools/zunotrace/weblog.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
+#include <memory>
+#include <stdexcept>
 #include <string>
-
-using ZUNO::Common::Platform::TraceMessage;
-namespace Debug = ZUNO::Common::Debug;
 
 namespace {
 
@@ -19,63 +18,46 @@ void interrupt(int) {
     gIsInterrupted = 1;
 }
 
-/// The payload as a text, without its zero.
-std::string textOf(const std::byte* bytes, std::size_t length) {
-    const auto* const characters = reinterpret_cast<const char*>(bytes);
-    return {characters, strnlen(characters, length)};
-}
-
-template <typename T>
-T numberAt(const std::byte* bytes) {
-    T number;
-    std::memcpy(&number, bytes, sizeof(number));
-    return number;
-}
-
-std::string valueText(std::uint32_t type, const std::byte* bytes, std::size_t length) {
-    if (type == 0 && length == 4)
-        return std::to_string(numberAt<std::int32_t>(bytes));
-    if (type == 1 && length == 4)
-        return std::to_string(numberAt<float>(bytes));
-    if (type == 2 && length == 12)
-        return std::to_string(numberAt<float>(bytes)) + " / " +
-               std::to_string(numberAt<float>(bytes + 4)) + " / " +
-               std::to_string(numberAt<float>(bytes + 8));
-    if (type == 6)
-        return '"' + textOf(bytes, length) + '"';
-    return "(" + std::to_string(length) + " bytes of type " + std::to_string(type) + ")";
-}
-
-void printValue(const TraceMessage& message) {
-    constexpr std::size_t head = 12;
-    const std::size_t nameLength =
-        message.mLength >= head ? numberAt<std::uint32_t>(message.mPayload + 4) : 0;
-    if (message.mLength < head || nameLength > message.mLength - head) {
-        std::printf("value    (damaged)\n");
-        return;
-    }
-    const std::byte* const name = message.mPayload + head;
-    const auto type = numberAt<std::uint32_t>(message.mPayload + 8);
-    std::printf("value    %d %s = %s\n", numberAt<std::int32_t>(message.mPayload),
-                textOf(name, nameLength).c_str(),
-                valueText(type, name + nameLength, message.mLength - head - nameLength).c_str());
-}
-
-void print(const TraceMessage& message) {
-    switch (message.mCode) {
-    case Debug::TRACE_ERROR:
-        std::printf("error    %s\n", textOf(message.mPayload, message.mLength).c_str());
-        break;
-    case Debug::TRACE_MESSAGE:
-        std::printf("message  %s\n", textOf(message.mPayload, message.mLength).c_str());
-        break;
-    case Debug::TRACE_VALUE:
-        printValue(message);
-        break;
-    default:
-        std::printf("code %u  (%u bytes)\n", message.mCode, message.mLength);
-    }
+void say(const std::string& line) {
+    std::printf("%s\n", line.c_str());
     std::fflush(stdout);
+}
+
+struct Options {
+    unsigned int mCount = 0; ///< 0: no end
+    bool mHasWebLog = false;
+    unsigned short mPort = 8090;
+};
+
+void run(const Options& options) {
+    std::unique_ptr<ZUNO::Tools::WebLog> webLog;
+    if (options.mHasWebLog)
+        webLog = std::make_unique<ZUNO::Tools::WebLog>(options.mPort);
+    ZUNO::Common::Platform::TraceReceiver receiver;
+    if (const char* const obstacle = receiver.open(); obstacle != nullptr)
+        throw std::runtime_error(obstacle);
+    say(webLog != nullptr ? "waiting for trace messages; the log: " + webLog->address()
+                          : "waiting for trace messages");
+    // milliseconds between looks at the interrupt, and at browsers
+    const int patience = webLog != nullptr ? 20 : 200;
+    const unsigned int count = options.mCount;
+    for (unsigned int received = 0; gIsInterrupted == 0 && (count == 0 || received < count);) {
+        if (webLog != nullptr)
+            webLog->serve();
+        ZUNO::Common::Platform::TraceMessage message;
+        if (!receiver.receive(message, patience))
+            continue;
+        const ZUNO::Tools::TraceEntry entry = ZUNO::Tools::readEntry(message);
+        constexpr std::size_t column = 9;
+        say(entry.mKind +
+            std::string(std::max(column, entry.mKind.size() + 1) - entry.mKind.size(), ' ') +
+            entry.mText);
+        if (webLog != nullptr)
+            webLog->append(entry);
+        ++received;
+    }
+    if (webLog != nullptr)
+        webLog->finish();
 }
 
 } // namespace
@@ -83,25 +65,22 @@ void print(const TraceMessage& message) {
 int main(int argc, char** argv) {
     CLI::App app{"Receives and prints the trace messages of hosts until it is interrupted."};
     app.allow_windows_style_options(false); // a path may begin with a slash
-    unsigned int count = 0;
-    app.add_option("--count", count, "end after so many messages");
+    Options options;
+    app.add_option("--count", options.mCount, "end after so many messages");
+    CLI::Option* const web =
+        app.add_flag("--web", options.mHasWebLog,
+                     "show them in browsers of this machine too: levels, filter, pause");
+    app.add_option("--port", options.mPort, "where browsers find the log; 0: any free port")
+        ->needs(web)
+        ->capture_default_str();
     CLI11_PARSE(app, argc, argv);
     std::signal(SIGINT, interrupt);
     std::signal(SIGTERM, interrupt);
-    ZUNO::Common::Platform::TraceReceiver receiver;
-    if (const char* const obstacle = receiver.open(); obstacle != nullptr) {
-        std::fprintf(stderr, "zunotrace: %s\n", obstacle);
+    try {
+        run(options);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "zunotrace: %s\n", error.what());
         return 2;
-    }
-    std::printf("waiting for trace messages\n");
-    std::fflush(stdout);
-    constexpr int patience = 200; // milliseconds between looks at the interrupt
-    for (unsigned int received = 0; gIsInterrupted == 0 && (count == 0 || received < count);) {
-        TraceMessage message;
-        if (!receiver.receive(message, patience))
-            continue;
-        print(message);
-        ++received;
     }
     return 0;
 }
