@@ -192,7 +192,9 @@ public:
         accept();
     }
 
-    unsigned short port() const { return mPort; }
+    unsigned short port() const {
+        return mPort;
+    }
 
     void append(const TraceEntry& entry) {
         mBacklog.append(entry);
@@ -201,7 +203,9 @@ public:
                 connection->sendMore();
     }
 
-    void serve() { mContext.poll(); }
+    void serve() {
+        mContext.poll();
+    }
 
     bool isBehind() const {
         return std::ranges::any_of(mConnections, [](const auto& weak) {
