@@ -4,6 +4,8 @@ import { parsePoint, pointText, shortText } from "./format";
 /** What the page's address tells: enough for a colleague to see the same. */
 export interface AddressState {
     sample: string | null;
+    /** The name of the file that was open instead of a sample: the address can't hold it. */
+    file: string | null;
     searches: [Vec3, Vec3][];
     ray: [Vec3, Vec3] | null;
     camera: [Vec3, Vec3] | null;
@@ -23,6 +25,7 @@ export function readAddress(): AddressState {
     const fields = new URLSearchParams(location.hash.slice(1));
     return {
         sample: fields.get("mesh"),
+        file: fields.get("file"),
         searches: fields.getAll("path").map(parsePair).filter((pair) => pair !== null),
         ray: parsePair(fields.get("ray")),
         camera: parsePair(fields.get("camera")),
@@ -36,6 +39,7 @@ export function writeAddress(state: AddressState): void {
     const pair = ([from, to]: [Vec3, Vec3], text: (p: Vec3) => string) => `${text(from)};${text(to)}`;
     const fields: string[] = [];
     if (state.sample) fields.push(`mesh=${encodeURIComponent(state.sample)}`);
+    if (state.file) fields.push(`file=${encodeURIComponent(state.file)}`);
     for (const search of state.searches) fields.push(`path=${pair(search, pointText)}`);
     if (state.ray) fields.push(`ray=${pair(state.ray, pointText)}`);
     if (state.camera)

@@ -1,4 +1,4 @@
-import { readAddress, writeAddress } from "./address";
+import { AddressState, readAddress, writeAddress } from "./address";
 import { Engine, MeshDescription, noGround, Vec2, Vec3 } from "./engine";
 import { byteText, floatText, pointText, shortText } from "./format";
 import { MeshView, Palette } from "./meshview";
@@ -52,6 +52,8 @@ class Workbench {
     private frames: number[] = [];
     private timings: [string, string][] = [];
     private isAddressStale = false;
+    /** What an address told about a file that is not open yet. */
+    private awaited: AddressState | null = null;
 
     constructor() {
         this.view = new View(element<HTMLCanvasElement>("scene"), element<HTMLCanvasElement>("names"), {
@@ -87,6 +89,7 @@ class Workbench {
 
     async openFile(file: File): Promise<void> {
         await this.openBytes(file.name, new Uint8Array(await file.arrayBuffer()), null);
+        if (this.awaited?.file === this.open?.name) this.apply(this.awaited!);
     }
 
     /** Opens a mesh in a new engine; on an error what was open stays. */
@@ -134,6 +137,7 @@ class Workbench {
     private click(pick: Pick | null): void {
         if (!pick || !this.open || this.tool === "look") return;
         if (this.tool === "path") {
+            if (!pick.isOnMesh) return; // most likely a slip
             if (!this.pendingStart) this.pendingStart = pick.point;
             else this.startSearch(this.pendingStart, pick.point);
         } else if (!this.pendingRay) this.pendingRay = pick.point;
@@ -339,7 +343,8 @@ class Workbench {
         };
         const isPending = this.tool === "path" ? this.pendingStart !== null : this.pendingRay !== null;
         const isDone = this.tool === "path" ? this.active !== null && !this.addsNext : this.ray !== null;
-        setText("hint", !this.open ? "Choose a sample, or drop a mesh file" : isFit && (isPending || !isDone) ? hints[this.tool][isPending ? 1 : 0] : "");
+        const invitation = this.awaited ? `This address is about ${this.awaited.file}: drop that file here` : "Choose a sample, or drop a mesh file";
+        setText("hint", !this.open || this.awaited ? invitation : isFit && (isPending || !isDone) ? hints[this.tool][isPending ? 1 : 0] : "");
         setText("play", this.isPlaying ? "Pause" : "Play");
         for (const id of ["play", "step", "finish"]) element<HTMLButtonElement>(id).disabled = !isRunning;
         for (const id of ["restart", "clear"]) element<HTMLButtonElement>(id).disabled = !this.open?.board.all.length;
@@ -454,6 +459,7 @@ class Workbench {
             () =>
                 writeAddress({
                     sample: open.sample,
+                    file: open.sample ? null : open.name,
                     searches: open.board.all.slice(0, 30).map(({ start, goal }) => [start, goal]),
                     ray: this.ray ? [this.ray.from, this.ray.to] : null,
                     camera: this.view.cameraState,
@@ -466,11 +472,17 @@ class Workbench {
     }
     private addressTimer = 0;
 
-    /** Shows what the page's address tells. */
+    /** Shows what the page's address tells; what belongs to a file waits for that file. */
     async followAddress(): Promise<void> {
         const state = readAddress();
-        const first = Object.keys(zunoSamples)[0];
-        await this.openSample(state.sample ?? first);
+        this.awaited = state.file && !state.sample ? state : null;
+        if (this.awaited) return this.showAll();
+        await this.openSample(state.sample ?? Object.keys(zunoSamples)[0]);
+        this.apply(state);
+    }
+
+    private apply(state: AddressState): void {
+        this.awaited = null;
         const open = this.open;
         if (!open?.view) return;
         for (const [start, goal] of state.searches) this.active = open.board.open(start, goal);

@@ -23,7 +23,6 @@ export class MeshView {
     private readonly walls: THREE.Mesh<THREE.BufferGeometry, THREE.MeshBasicMaterial>;
     private readonly links: THREE.LineSegments<THREE.BufferGeometry, THREE.LineBasicMaterial>;
     private readonly wallLines: THREE.LineSegments<THREE.BufferGeometry, THREE.LineBasicMaterial>;
-    private readonly nodeOfTriangle: Uint32Array;
     private readonly baseColours: Float32Array;
     private readonly colours: Float32Array;
     private readonly up: THREE.Vector3;
@@ -38,15 +37,10 @@ export class MeshView {
         const positions = new Float32Array(mesh.corners.length * 3);
         mesh.corners.forEach((vertex, i) => positions.set(mesh.vertices.subarray(vertex * 3, vertex * 3 + 3), i * 3));
         const triangles: number[] = [];
-        const nodes: number[] = [];
         for (let node = 0; node < this.nodeCount; ++node) {
             const first = mesh.firstCorners[node];
-            for (let i = first + 2; i < mesh.firstCorners[node + 1]; ++i) {
-                triangles.push(first, i - 1, i);
-                nodes.push(node);
-            }
+            for (let i = first + 2; i < mesh.firstCorners[node + 1]; ++i) triangles.push(first, i - 1, i);
         }
-        this.nodeOfTriangle = Uint32Array.from(nodes);
         this.baseColours = new Float32Array(positions.length);
         this.colours = new Float32Array(positions.length);
         const geometry = new THREE.BufferGeometry();
@@ -80,10 +74,6 @@ export class MeshView {
 
     get nodeCount(): number {
         return this.mesh.firstCorners.length - 1;
-    }
-
-    nodeOfFace(face: number): number {
-        return this.nodeOfTriangle[face];
     }
 
     centreOf(node: number): THREE.Vector3 {

@@ -5,10 +5,13 @@ import type { Vec3 } from "./engine";
 import { MeshView, Palette } from "./meshview";
 import { disposeLine, Marker, MarkerKind } from "./overlays";
 
-/** A place on the mesh under the pointer, in the mesh's own coordinates. */
+/**
+ * What is under the pointer, in the mesh's own coordinates: a place on the mesh, or, beside it, one
+ * as high as the lowest floor.
+ */
 export interface Pick {
     point: Vec3;
-    node: number;
+    isOnMesh: boolean;
 }
 
 export interface ViewListener {
@@ -300,12 +303,11 @@ export class View {
         if (!this.meshView) return null;
         this.aim(event);
         const [hit] = this.raycaster.intersectObject(this.meshView.fill, false);
-        if (!hit) return null;
-        const local = this.meshView.group.worldToLocal(hit.point.clone());
-        return {
-            point: local.toArray().map(Math.fround) as Vec3,
-            node: this.meshView.nodeOfFace(hit.faceIndex!),
-        };
+        const floor = new THREE.Plane(new THREE.Vector3(0, 1, 0), -this.meshView.bounds.min.y);
+        const place = hit?.point ?? this.raycaster.ray.intersectPlane(floor, new THREE.Vector3());
+        if (!place) return null;
+        const local = this.meshView.group.worldToLocal(place.clone());
+        return { point: local.toArray().map(Math.fround) as Vec3, isOnMesh: !!hit };
     }
 
     private pickMarker(event: PointerEvent): Marker | null {

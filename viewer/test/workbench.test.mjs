@@ -199,9 +199,14 @@ test("files: both forms, defects to jump to, and broken ones that leave the page
     await open("mesh=bridge");
     const xml = join(folder, "bridge.xml");
     execFileSync(zunopath, ["convert", sample("bridge"), xml]);
-    await page.setInputFiles("#file", xml);
-    await page.waitForFunction(() => document.getElementById("title").textContent === "bridge.xml");
     const whole = readFileSync(xml, "utf8");
+    const dropped = await page.evaluateHandle((content) => {
+        const transfer = new DataTransfer();
+        transfer.items.add(new File([content], "bridge.xml"));
+        return transfer;
+    }, whole);
+    await page.dispatchEvent("#scene", "drop", { dataTransfer: dropped });
+    await page.waitForFunction(() => document.getElementById("title").textContent === "bridge.xml");
     assert.equal(await text("defectCount"), "");
 
     // a border that leads one way only
@@ -244,6 +249,26 @@ test("files: both forms, defects to jump to, and broken ones that leave the page
     await page.keyboard.press("Enter");
     await compareWithNative(xml);
     assert.deepEqual(pageErrors, []);
+});
+
+test("a mesh with z up, and an address that tells of a file", async () => {
+    const file = join(folder, "upright.xml");
+    const swap = (_, x, y, z) => `>${x}/${-z}/${y}<`; // turned about x
+    execFileSync(zunopath, ["convert", sample("bridge"), file]);
+    const turned = readFileSync(file, "utf8")
+        .replace(/>([-\d.e]+)\/([-\d.e]+)\/([-\d.e]+)</g, swap);
+    writeFileSync(file, turned);
+    await page.goto(`${address}#file=upright.xml&path=10,-20,0;30,-20,4`);
+    await page.waitForFunction(() => /upright\.xml: drop/.test(document.getElementById("hint").textContent));
+    await page.setInputFiles("#file", file);
+    await page.waitForFunction(() => window.workbench.results().searches[0]?.state === "found");
+    await compareWithNative(file);
+    await page.click("#clear");
+    await clickAt([10, -10, 0]);
+    await clickAt([20, -35, 0]);
+    await page.keyboard.press("Enter");
+    assert.equal((await results()).searches[0].state, "found");
+    await compareWithNative(file);
 });
 
 function execFileCheck(mesh) {
