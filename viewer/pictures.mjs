@@ -1,9 +1,12 @@
-// Takes the pictures of the documentation: pictures.mjs PAGE_FOLDER OUTPUT_FOLDER
+// Takes the pictures of the documentation: pictures.mjs PAGE_FOLDER PROGRAM_FOLDER OUTPUT_FOLDER
+import { execFileSync, spawn } from "node:child_process";
+import { mkdtempSync, rmSync } from "node:fs";
+import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { pathToFileURL } from "node:url";
 import { launch } from "./browser.mjs";
 
-const [pageFolder, output] = process.argv.slice(2);
+const [pageFolder, programs, output] = process.argv.slice(2);
 const address = pathToFileURL(join(pageFolder, "index.html")).href;
 const browser = await launch();
 
@@ -31,4 +34,19 @@ await shoot("workbench-spiral", "mesh=spiral&path=14,0,-10;0,11,-7&path=-14,0,10
 await shoot("workbench-grid", "mesh=harbour&view=top&grid", {
     work: (page) => page.click('[data-tab="mesh"]'),
 });
+
+// the trace log, with a host that says what a game might
+const channel = mkdtempSync(join(tmpdir(), "zunotrace"));
+const env = { ...process.env, XDG_RUNTIME_DIR: channel };
+const viewer = spawn(join(programs, "zunotrace"), ["--web", "--port", "0"], { env });
+const log = await new Promise((resolve) => viewer.stdout.once("data", (text) => resolve(/http:\S+/.exec(String(text))[0])));
+const page = await browser.newPage({ viewport: { width: 960, height: 420 } });
+await page.goto(log);
+const lines = ["world harbour.xml loaded: 873 nodes", "value openSearches 200", "value budgetPerFrame 400", "error character 17: start stands on no node"];
+for (let frame = 1; frame < 6; ++frame) lines.push(`frame ${frame * 60}: ${40 * frame} paths found`, `value openSearches ${200 - 40 * frame}`);
+for (let i = 0; i < lines.length; i += 4) execFileSync(join(programs, "tracesender"), { env, input: lines.slice(i, i + 4).join("\n") + "\n" });
+await page.waitForTimeout(500);
+await page.screenshot({ path: join(output, "trace-log.png") });
+viewer.kill();
+rmSync(channel, { recursive: true });
 await browser.close();

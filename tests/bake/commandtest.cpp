@@ -23,8 +23,9 @@ protected:
         return file;
     }
     Outcome bake(const std::string& scene, const std::string& options = {}) {
+        const std::string output = options.starts_with("-o") ? "" : "-o " + mMesh + ' ';
         return runCommand(std::string(ZUNO_TOOL_FOLDER) + "/zunobake " + write("scene.obj", scene) +
-                          " -o " + mMesh + ' ' + options);
+                          ' ' + output + options);
     }
 
     TempFolder mFolder;
@@ -103,6 +104,8 @@ TEST_F(BakeCommandTest, SaysInOneLineWhatIsWrongWithAScene) {
          "the scene is 72000 cells high, and at most 8191 are taken: "},
         {square + "f 1 2 3 4", "--agent tall:100", "agent tall is more than 254 cells high: "},
         {square + "f 1 2 3 4", "--agent low:0.5", "the climb must be lower than every agent"},
+        {square + "usemtl a<b\nf 1 2 3 4", "-o x.xml",
+         "the name 'a<b' can't stand in an XML file: "},
         {square + "f 1 2 3 4", "--agent a:b", "zunobake: --agent: expected NAME:HEIGHT"},
     };
     for (const auto& each : cases) {

@@ -174,19 +174,31 @@ void draw(const LoadedMesh& mesh, const std::string& title, const std::string& f
         throw std::runtime_error(fileName + ": cannot be written");
 }
 
+/// The XML form writes names as they are: an opening bracket would make a file that can't be read.
+void requireWritableNames(const Options& options, const Scene& scene) {
+    if (formOf(options.mOutput) != MeshForm::XML)
+        return;
+    std::vector<std::string> names = scene.mSurfaceNames;
+    for (const Agent& agent : options.mBake.mAgents)
+        names.push_back(agent.mName);
+    for (const std::string& name : names)
+        if (name.find('<') != std::string::npos)
+            throw std::runtime_error("the name '" + name + "' can't stand in an XML file: " +
+                                     "choose an output that ends in .bin");
+}
+
 void bake(const Options& options) {
     formOf(options.mOutput); // before anything takes its time
-    Progress progress;
+    Progress progress(!options.mIsQuiet);
+    const auto showProgress = [&](std::size_t done, std::size_t all) { progress.show(done, all); };
     Scene scene;
     progress.begin("reading");
-    for (std::size_t i = 0; i < options.mScenes.size(); ++i) {
-        progress.show(i, options.mScenes.size());
-        readObj(options.mScenes[i], options.mScene, scene);
-    }
+    for (const std::string& file : options.mScenes)
+        readObj(file, options.mScene, scene, showProgress);
+    requireWritableNames(options, scene);
     progress.begin("baking");
     const TileBaker baker(scene, options.mBake);
-    std::vector<TilePolygon> polygons =
-        bakeTiles(baker, [&](std::size_t done, std::size_t all) { progress.show(done, all); });
+    std::vector<TilePolygon> polygons = bakeTiles(baker, showProgress);
     progress.begin("joining");
     const BakedMesh baked(std::move(polygons), options.mBake, baker.cells());
     if (baked.nodes().empty())

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <stdexcept>
@@ -23,17 +24,24 @@ namespace {
 /// Reads one file, line by line, into a scene.
 class ObjReader {
 public:
-    ObjReader(const std::string& fileName, const SceneOptions& options, Scene& scene)
-        : mFileName(fileName), mOptions(options), mScene(scene),
+    ObjReader(const std::string& fileName, const SceneOptions& options, Scene& scene,
+              const ReadListener& listener)
+        : mFileName(fileName), mOptions(options), mScene(scene), mListener(listener),
           mFirstVertex(scene.mVertices.size() / 3) {}
 
     void read() {
         std::ifstream file(mFileName, std::ios::binary);
         if (!file)
             throw std::runtime_error(mFileName + ": cannot be opened; expected a Wavefront OBJ");
+        std::error_code unknown;
+        const auto size = std::filesystem::file_size(mFileName, unknown);
         std::string line;
-        while (readStatement(file, line))
+        while (readStatement(file, line)) {
             readLine(line);
+            constexpr std::size_t linesBetweenWords = 50000;
+            if (mListener && !unknown && mLine % linesBetweenWords == 0)
+                mListener(static_cast<std::size_t>(file.tellg()), static_cast<std::size_t>(size));
+        }
         if (file.bad())
             throw std::runtime_error(mFileName + ": cannot be read");
         if (mFaceCount == 0)
@@ -182,6 +190,7 @@ private:
     std::string mFileName;
     const SceneOptions& mOptions;
     Scene& mScene;
+    const ReadListener& mListener;
     std::size_t mFirstVertex;
     std::size_t mLine = 0;
     std::size_t mFaceCount = 0;
@@ -194,8 +203,9 @@ private:
 
 } // namespace
 
-void readObj(const std::string& fileName, const SceneOptions& options, Scene& scene) {
-    ObjReader(fileName, options, scene).read();
+void readObj(const std::string& fileName, const SceneOptions& options, Scene& scene,
+             const ReadListener& listener) {
+    ObjReader(fileName, options, scene, listener).read();
 }
 
 } // namespace ZUNO::Tools

@@ -4,6 +4,11 @@
 
 namespace ZUNO::Tools {
 
+Progress::~Progress() {
+    if (mHasSpoken) // a failure's message begins a line of its own
+        std::cerr << '\n';
+}
+
 void Progress::begin(const std::string& stage) {
     end();
     mStage = stage;
@@ -23,7 +28,7 @@ void Progress::end() {
 void Progress::show(std::size_t done, std::size_t all) {
     using std::chrono_literals::operator""ms;
     const Clock::time_point now = Clock::now();
-    if (now - mBegin < 1000ms || now - mLastWord < 500ms || all == 0)
+    if (!mIsShown || now - mBegin < 1000ms || now - mLastWord < 500ms || all == 0)
         return;
     mLastWord = now;
     mHasSpoken = true;

@@ -10,6 +10,12 @@ namespace ZUNO::Tools {
 /// Tells on standard error how far long work is, and keeps how long each stage took.
 class Progress {
 public:
+    /// Without `isShown` it keeps the times alone.
+    explicit Progress(bool isShown) : mIsShown(isShown) {}
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
     /// Ends the stage before.
     void begin(const std::string& stage);
     void end();
@@ -24,6 +30,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    bool mIsShown;
     std::string mStage;
     Clock::time_point mBegin;
     Clock::time_point mLastWord;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -35,8 +36,11 @@ struct SceneOptions {
 };
 
 /// Adds the faces of a Wavefront OBJ file to a scene. Raises a std::runtime_error with file, line
-/// and what is wrong.
-void readObj(const std::string& fileName, const SceneOptions& options, Scene& scene);
+/// and what is wrong. The listener, when there is one, is told every now and then how many bytes of
+/// all are read.
+using ReadListener = std::function<void(std::size_t done, std::size_t all)>;
+void readObj(const std::string& fileName, const SceneOptions& options, Scene& scene,
+             const ReadListener& listener = {});
 
 /// Cuts a simple polygon, given by its corners' positions, into triangles of its corners' indices:
 /// one triangle for each corner beyond the second. A polygon without area gives none.

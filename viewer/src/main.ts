@@ -444,7 +444,7 @@ class Workbench {
         }
         if (this.view.draw(time)) this.frames.push(time);
         this.frames = this.frames.filter((each) => time - each < 1000);
-        setText("rate", this.frames.length > 1 ? `${this.frames.length} fps` : "");
+        setText("rate", this.frames.length > 5 ? `${this.frames.length} fps` : "");
         if (this.isAddressStale && open) {
             this.isAddressStale = false;
             this.keepAddress(open);

@@ -129,7 +129,7 @@ export class MeshView {
 
     /** Leaves out what a slow machine can't draw in time while the camera moves. */
     setCoarse(isCoarse: boolean): void {
-        this.links.visible = this.walls.visible = !isCoarse;
+        this.links.visible = this.walls.visible = this.wallLines.visible = !isCoarse;
     }
 
     dispose(): void {
