@@ -47,7 +47,7 @@ public:
 
     /// The entries from `next` on, a piece of them; `next` goes behind them.
     std::string take(std::size_t& next) const {
-        constexpr std::size_t pieceSize = 64 * 1024;
+        constexpr std::size_t pieceSize = 65536;
         std::string piece;
         for (next = std::max(next, mFirst); next < end() && piece.size() < pieceSize; ++next)
             piece += mEntries[next - mFirst];
