@@ -31,9 +31,9 @@ const kinds = { ".html": "text/html", ".js": "text/javascript", ".css": "text/cs
 
 function serve(port) {
     const server = createServer((request, response) => {
-        const path = normalize(decodeURIComponent(new URL(request.url, "http://page").pathname));
-        const file = join(page, path === "/" ? "index.html" : path);
         try {
+            const path = normalize(decodeURIComponent(new URL(request.url, "http://page").pathname));
+            const file = join(page, path === "/" ? "index.html" : path);
             const content = readFileSync(file);
             response.writeHead(200, { "Content-Type": kinds[extname(file)] ?? "application/octet-stream" }).end(content);
         } catch {
