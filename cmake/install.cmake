@@ -7,8 +7,12 @@ install(TARGETS zunopathfinder zunocommon zunonavmesh zunohostkit EXPORT zunopat
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 if(ZUNO_BUILD_TOOLS)
-  set_target_properties(zunopath PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
-  install(TARGETS zunopath zunotrace RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  set(tools zunopath zunotrace)
+  if(TARGET zunobake)
+    list(APPEND tools zunobake)
+  endif()
+  set_target_properties(${tools} PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+  install(TARGETS ${tools} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zunopathfinder
   FILES_MATCHING PATTERN "*.h")

@@ -163,3 +163,26 @@ export function showDefects(mesh: MeshDescription | null, jump: (node: number) =
         }),
     );
 }
+
+/** The legend: colours and what they mean. */
+export function showLegend(entries: [number, string][]): void {
+    const legend = element("legend");
+    const key = entries.join();
+    if (legend.dataset.key === key) return;
+    legend.dataset.key = key;
+    legend.replaceChildren(
+        ...entries.flatMap(([colour, text]) => {
+            const sign = document.createElement("i");
+            sign.style.background = `#${colour.toString(16).padStart(6, "0")}`;
+            const name = document.createElement("span");
+            name.textContent = text;
+            return [sign, name];
+        }),
+    );
+}
+
+export function showTab(name: string): void {
+    for (const tab of document.querySelectorAll<HTMLElement>("[data-tab]"))
+        tab.setAttribute("aria-selected", String(tab.dataset.tab === name));
+    for (const panel of document.querySelectorAll<HTMLElement>("[data-panel]")) panel.hidden = panel.dataset.panel !== name;
+}
