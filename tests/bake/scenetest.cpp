@@ -27,6 +27,8 @@ struct SampleScene {
     const char* mName;
     Worlds::SceneModel (*mMake)();
     std::size_t mSamples; ///< places, or pairs of them
+
+    friend void PrintTo(const SampleScene& scene, std::ostream* out) { *out << scene.mName; }
 };
 
 class SceneTest : public testing::TestWithParam<SampleScene> {
