@@ -27,6 +27,8 @@ struct SampleScene {
     const char* mName;
     Worlds::SceneModel (*mMake)();
     std::size_t mSamples; ///< places, or pairs of them
+    double mCellSize = 0.25;
+    double mCellHeight = 0.125;
 
     friend void PrintTo(const SampleScene& scene, std::ostream* out) { *out << scene.mName; }
 };
@@ -37,6 +39,8 @@ protected:
         const std::string scene = (mFolder.path() / "scene.obj").string();
         const std::string mesh = (mFolder.path() / "mesh.xml").string();
         std::ofstream(scene) << mModel.toObj(GetParam().mName);
+        mSettings.mCellSize = GetParam().mCellSize;
+        mSettings.mCellHeight = GetParam().mCellHeight;
         mSettings.mAgents = {{"child", 1.25F}, {"adult", 2}};
         Tools::readObj(scene, {}, mScene);
         mBaker.emplace(mScene, mSettings);
@@ -51,9 +55,9 @@ protected:
         mSession.emplace(mesh);
     }
 
-    /// A cell more on all sides than an agent takes: cells round up what is in the way.
+    /// A cell more on all sides than the radius in whole cells: a cell that is touched is taken.
     Walker walker() const {
-        return {double{mSettings.mRadius} + mSettings.mCellSize,
+        return {(mBaker->cells().mRadius + 1) * mSettings.mCellSize,
                 double{mSettings.mAgents[0].mHeight} + 2 * mSettings.mCellHeight,
                 double{mSettings.mClimb}};
     }
@@ -170,6 +174,7 @@ INSTANTIATE_TEST_SUITE_P(
     All, SceneTest,
     testing::Values(SampleScene{"courtyard", Worlds::makeCourtyard, 20000},
                     SampleScene{"bridge", Worlds::makeBridge, 20000},
+                    SampleScene{"decimal", Worlds::makeBridge, 20000, 0.3, 0.2},
                     SampleScene{"spiral", Worlds::makeSpiral, 20000},
                     SampleScene{"maze", [] { return Worlds::makeMaze(200, 1); }, 2000}),
     [](const auto& parameter) { return parameter.param.mName; });

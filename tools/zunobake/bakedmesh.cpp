@@ -268,8 +268,10 @@ void BakedMesh::fill(NavMesh::NavMeshContainer& mesh, const TileGrid& grid, cons
         classes[{node.mAgent, classStepsOf(node)}];
     for (auto& [kind, number] : classes) {
         number = static_cast<std::int32_t>(mesh.mHeights.size());
-        mesh.mHeights.push_back(static_cast<float>(double{mSettings.mAgents[kind.first].mHeight} +
-                                                   kind.second * mSettings.mCellSize));
+        // a cell height more: the ground lies up to half of one above what it was rounded to
+        mesh.mHeights.push_back(
+            static_cast<float>(static_cast<double>(mSettings.mAgents[kind.first].mHeight) +
+                               mSettings.mCellHeight + kind.second * mSettings.mCellSize));
     }
     for (std::size_t agent = 0; agent < mSettings.mAgents.size(); ++agent) {
         const Agent& from = mSettings.mAgents[agent];
