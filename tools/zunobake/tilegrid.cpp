@@ -79,8 +79,7 @@ std::vector<std::vector<int>> listTrianglesOfTiles(const Scene& scene, const Til
         const int lastRow = tileOf(box.mHigh[2] + margin, 2, grid.mTileRows);
         for (int row = tileOf(box.mLow[2] - margin, 2, grid.mTileRows); row <= lastRow; ++row)
             for (int column = firstColumn; column <= lastColumn; ++column, ++entries)
-                lists[static_cast<std::size_t>(column + row * grid.mTileColumns)].push_back(
-                    static_cast<int>(triangle));
+                lists[grid.tileAt(column, row)].push_back(static_cast<int>(triangle));
         if (entries > most)
             throw std::runtime_error("too many large triangles lie above each other for such small "
                                      "tiles: choose a larger --tile");

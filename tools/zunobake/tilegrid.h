@@ -37,6 +37,10 @@ struct TileGrid {
     std::size_t tileCount() const {
         return static_cast<std::size_t>(mTileColumns) * static_cast<std::size_t>(mTileRows);
     }
+    std::size_t tileAt(int column, int row) const {
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(mTileColumns) +
+               static_cast<std::size_t>(column);
+    }
     /// The position of a point of the grid along one axis: a multiple of the cell's side.
     float positionOf(int cell, std::size_t axis) const {
         return static_cast<float>((static_cast<double>(mOrigin[axis]) + cell) * mSides[axis]);
