@@ -12,9 +12,7 @@ export function launch() {
             "--disable-background-networking",
             "--disable-component-update",
             "--disable-sync",
-            "--use-gl=angle",
-            "--use-angle=swiftshader",
-            "--enable-unsafe-swiftshader",
+            "--disable-gpu",
         ],
     });
 }
