@@ -164,4 +164,28 @@ std::vector<unsigned int> findIslands(const NavMesh::NavMeshContainer& mesh) {
     return islands;
 }
 
+MeshCounts countMesh(const NavMesh::NavMeshContainer& mesh) {
+    MeshCounts counts;
+    for (const auto& node : mesh.mNodes) {
+        counts.mBorders += node.mPolygon.size();
+        for (const std::int32_t neighbour : node.mNeighbours)
+            counts.mLinks += neighbour >= 0 ? 1 : 0;
+    }
+    for (const unsigned int island : findIslands(mesh)) {
+        counts.mIslandSizes.resize(std::max<std::size_t>(counts.mIslandSizes.size(), island + 1));
+        ++counts.mIslandSizes[island];
+    }
+    return counts;
+}
+
+Math::Vec2<float> positionAt(const NavMesh::NavMeshContainer& mesh,
+                             const Math::Vec2<float>& point) {
+    const Math::Vec3<float>& x = mesh.mXAxis;
+    const Math::Vec3<float>& y = mesh.mYAxis;
+    const Math::Vec3<float> position(x.mX * point.mX + y.mX * point.mY,
+                                     x.mY * point.mX + y.mY * point.mY,
+                                     x.mZ * point.mX + y.mZ * point.mY);
+    return position.killComponent(mesh.mNormal.getDominantAxis());
+}
+
 } // namespace ZUNO::Tools

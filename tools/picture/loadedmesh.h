@@ -57,4 +57,16 @@ MeshForm formOf(const std::string& fileName);
 /// Islands are numbered by size, the largest first.
 std::vector<unsigned int> findIslands(const NavMesh::NavMeshContainer& mesh);
 
+/// What is counted of a mesh.
+struct MeshCounts {
+    std::size_t mBorders = 0;
+    std::size_t mLinks = 0;                ///< borders with a neighbour
+    std::vector<std::size_t> mIslandSizes; ///< in nodes, the largest first
+};
+MeshCounts countMesh(const NavMesh::NavMeshContainer& mesh);
+
+/// A host's position over a point of the mesh's plane: what that point is without its up component.
+Common::Math::Vec2<float> positionAt(const NavMesh::NavMeshContainer& mesh,
+                                     const Common::Math::Vec2<float>& point);
+
 } // namespace ZUNO::Tools

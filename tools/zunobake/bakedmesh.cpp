@@ -83,12 +83,11 @@ private:
 
 } // namespace
 
-BakedMesh::BakedMesh(std::vector<TilePolygon> polygons, const BakeSettings& settings,
+BakedMesh::BakedMesh(const std::vector<TilePolygon>& polygons, const BakeSettings& settings,
                      const CellSettings& cells)
     : mSettings(settings), mCells(cells) {
     for (const TilePolygon& polygon : polygons)
         addPolygon(polygon);
-    polygons = {};
     splitBordersOfTiles();
     connect();
     dropSmallIslands();
@@ -114,13 +113,9 @@ std::size_t BakedMesh::vertexAt(const GridPoint& point) {
 void BakedMesh::addPolygon(const TilePolygon& polygon) {
     Node node{
         {}, {}, polygon.mLowestGround, polygon.mHighestGround, polygon.mSurface, polygon.mAgent};
-    std::int64_t area = 0;
-    for (std::size_t i = 0; i < polygon.mCorners.size(); ++i) {
-        const GridPoint& a = polygon.mCorners[i];
-        const GridPoint& b = polygon.mCorners[(i + 1) % polygon.mCorners.size()];
-        area += std::int64_t{a.mX} * b.mZ - std::int64_t{b.mX} * a.mZ;
-        node.mCorners.push_back(vertexAt(a));
-    }
+    for (const GridPoint& corner : polygon.mCorners)
+        node.mCorners.push_back(vertexAt(corner));
+    const double area = cellsOf(node);
     if (area == 0)
         return;
     if (area < 0)
@@ -169,57 +164,71 @@ double BakedMesh::cellsOf(const Node& node) const {
     return area / 2;
 }
 
+/// Keeps the nodes of these ids, in this order, and gives them new ids. What is left out must be
+/// nobody's neighbour that stays.
+void BakedMesh::arrange(const std::vector<std::size_t>& order) {
+    std::vector<std::int32_t> newIds(mNodes.size());
+    std::vector<Node> arranged;
+    for (const std::size_t id : order) {
+        newIds[id] = static_cast<std::int32_t>(arranged.size());
+        arranged.push_back(std::move(mNodes[id]));
+    }
+    for (Node& node : arranged)
+        for (std::int32_t& neighbour : node.mNeighbours)
+            if (neighbour >= 0)
+                neighbour = newIds[static_cast<std::size_t>(neighbour)];
+    mNodes = std::move(arranged);
+}
+
 /// Recast does the same inside a tile, but keeps what reaches its border.
 void BakedMesh::dropSmallIslands() {
-    std::vector<std::int32_t> newIds(mNodes.size(), -2); // -2: not looked at yet
-    std::vector<Node> kept;
+    std::vector<bool> isSeen(mNodes.size());
+    std::vector<std::size_t> kept;
     for (std::size_t first = 0; first < mNodes.size(); ++first) {
-        if (newIds[first] != -2)
+        if (isSeen[first])
             continue;
         std::vector<std::size_t> island{first};
-        newIds[first] = -1;
+        isSeen[first] = true;
         double area = 0;
         for (std::size_t i = 0; i < island.size(); ++i) {
             area += cellsOf(mNodes[island[i]]);
-            for (const std::int32_t neighbour : mNodes[island[i]].mNeighbours)
-                if (neighbour >= 0 && newIds[static_cast<std::size_t>(neighbour)] == -2) {
-                    newIds[static_cast<std::size_t>(neighbour)] = -1;
-                    island.push_back(static_cast<std::size_t>(neighbour));
+            for (const std::int32_t neighbour : mNodes[island[i]].mNeighbours) {
+                const auto id = static_cast<std::size_t>(neighbour);
+                if (neighbour >= 0 && !isSeen[id]) {
+                    isSeen[id] = true;
+                    island.push_back(id);
                 }
+            }
         }
         if (area < mSettings.mMinRegion) {
             ++mIslandsLeftOut;
             continue;
         }
         std::ranges::sort(island);
-        for (const std::size_t id : island) {
-            newIds[id] = static_cast<std::int32_t>(kept.size());
-            kept.push_back(std::move(mNodes[id]));
-        }
+        kept.insert(kept.end(), island.begin(), island.end());
     }
-    for (Node& node : kept)
-        for (std::int32_t& neighbour : node.mNeighbours)
-            if (neighbour >= 0)
-                neighbour = newIds[static_cast<std::size_t>(neighbour)];
-    mNodes = std::move(kept);
+    arrange(kept);
+}
+
+std::ptrdiff_t BakedMesh::lowestCornerOf(const Node& node) const {
+    return std::ranges::min_element(node.mCorners, {},
+                                    [&](std::size_t vertex) { return heightOf(vertex); }) -
+           node.mCorners.begin();
 }
 
 /// Ground that dips below a node's corners is still on the node when its lowest corner lies near
 /// enough above.
 void BakedMesh::lowerCorners() {
     for (const Node& node : mNodes) {
-        const std::size_t lowest = *std::ranges::min_element(
-            node.mCorners, {}, [&](std::size_t vertex) { return heightOf(vertex); });
-        mVertices[lowest].mY = std::min(heightOf(lowest), node.mLowestGround + mCells.mReachBelow);
+        int& height = mVertices[node.mCorners[static_cast<std::size_t>(lowestCornerOf(node))]].mY;
+        height = std::min(height, node.mLowestGround + mCells.mReachBelow);
     }
 }
 
 void BakedMesh::turnToLowestCorner(Node& node) const {
-    const auto lowest = std::ranges::min_element(
-        node.mCorners, {}, [&](std::size_t vertex) { return heightOf(vertex); });
-    const auto turn = lowest - node.mCorners.begin();
+    const std::ptrdiff_t turn = lowestCornerOf(node);
     std::rotate(node.mNeighbours.begin(), node.mNeighbours.begin() + turn, node.mNeighbours.end());
-    std::rotate(node.mCorners.begin(), lowest, node.mCorners.end());
+    std::rotate(node.mCorners.begin(), node.mCorners.begin() + turn, node.mCorners.end());
 }
 
 /// Of two nodes that hold a point the one with the lower id is found, and a node's class admits an
@@ -229,17 +238,7 @@ void BakedMesh::sortFromHighToLow() {
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::ranges::stable_sort(order, {},
                              [&](std::size_t id) { return -heightOf(mNodes[id].mCorners[0]); });
-    std::vector<std::int32_t> newIds(mNodes.size());
-    std::vector<Node> sorted;
-    for (const std::size_t id : order) {
-        newIds[id] = static_cast<std::int32_t>(sorted.size());
-        sorted.push_back(std::move(mNodes[id]));
-    }
-    for (Node& node : sorted)
-        for (std::int32_t& neighbour : node.mNeighbours)
-            if (neighbour >= 0)
-                neighbour = newIds[static_cast<std::size_t>(neighbour)];
-    mNodes = std::move(sorted);
+    arrange(order);
 }
 
 /// How many steps of the cube size the ground of a node, or a corner, rises above its first corner.

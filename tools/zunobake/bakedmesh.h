@@ -22,7 +22,7 @@ public:
 
     /// Joins polygons at their common borders, also where those of one tile meet several of the
     /// next. Islands of fewer cells than the settings ask for are left out.
-    BakedMesh(std::vector<TilePolygon> polygons, const BakeSettings& settings,
+    BakedMesh(const std::vector<TilePolygon>& polygons, const BakeSettings& settings,
               const CellSettings& cells);
 
     const std::vector<Node>& nodes() const { return mNodes; }
@@ -37,7 +37,9 @@ private:
     void addPolygon(const TilePolygon& polygon);
     void splitBordersOfTiles();
     void connect();
+    void arrange(const std::vector<std::size_t>& order);
     void dropSmallIslands();
+    std::ptrdiff_t lowestCornerOf(const Node& node) const;
     void lowerCorners();
     void turnToLowestCorner(Node& node) const;
     void sortFromHighToLow();

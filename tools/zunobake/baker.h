@@ -6,7 +6,7 @@
 
 namespace ZUNO::Tools {
 
-/// Is told how many tiles of all are done; always by the thread that bakes.
+/// Is told how many tiles of all are done; by the thread that calls.
 using TileListener = std::function<void(std::size_t done, std::size_t all)>;
 
 /// Makes all tiles, on as many threads as the machine has. Raises a std::runtime_error when

@@ -12,7 +12,6 @@
 #include <cstdio>
 #include <fstream>
 #include <iostream>
-#include <set>
 
 namespace ZUNO::Tools {
 namespace {
@@ -64,15 +63,15 @@ void addOptions(CLI::App& app, Options& options) {
         ->type_name("y|z")
         ->default_str("y")
         ->group("Scene");
-    app.add_flag("--both-sides", options.mScene.mTakesBothSides,
-                 "take faces from both sides, however they are wound")
-        ->group("Scene");
-    app.add_flag("--no-materials", options.mScene.mIgnoresMaterials,
-                 "make no surface types of the materials")
-        ->group("Scene");
-    app.add_flag("--skip-degenerate", options.mScene.mSkipsDegenerate,
-                 "leave out faces without area instead of ending with an error")
-        ->group("Scene");
+    const auto choice = [&](const char* name, bool& value, const char* description) {
+        app.add_flag(name, value, description)->group("Scene");
+    };
+    choice("--both-sides", options.mScene.mTakesBothSides,
+           "take faces from both sides, however they are wound");
+    choice("--no-materials", options.mScene.mIgnoresMaterials,
+           "make no surface types of the materials");
+    choice("--skip-degenerate", options.mScene.mSkipsDegenerate,
+           "leave out faces without area instead of ending with an error");
     app.add_option("--without", options.mScene.mWithout,
                    "a group or object to leave out; again for others")
         ->allow_extra_args(false)
@@ -87,16 +86,17 @@ void addOptions(CLI::App& app, Options& options) {
            "who walks, as NAME:HEIGHT[:JUMP[:FALL]]; again for others (default: agent:2)")
         ->allow_extra_args(false)
         ->group("Agents");
-    const auto length = [&](const char* name, auto& value, const char* description) {
-        return app.add_option(name, value, description)->capture_default_str()->group("Agents");
+    const auto numbers = [&app](const char* group) {
+        return [&app, group](const char* name, auto& value, const char* description) {
+            return app.add_option(name, value, description)->capture_default_str()->group(group);
+        };
     };
+    const auto length = numbers("Agents");
     length("--radius", bake.mRadius, "of every agent")->check(CLI::Range(0.0, 1e6));
     length("--climb", bake.mClimb, "the highest step")->check(CLI::Range(0.0, 1e6));
     length("--slope", bake.mSlope, "the steepest ground, in degrees")->check(CLI::Range(0.0, 89.0));
 
-    const auto detail = [&](const char* name, auto& value, const char* description) {
-        return app.add_option(name, value, description)->capture_default_str()->group("Mesh");
-    };
+    const auto detail = numbers("Mesh");
     detail("--cell-size", bake.mCellSize, "side of a cell, which becomes the cube size")
         ->check(CLI::Range(1e-6, 1e6));
     detail("--cell-height", bake.mCellHeight, "height of a cell")->check(CLI::Range(1e-6, 1e6));
@@ -117,14 +117,7 @@ void addOptions(CLI::App& app, Options& options) {
 /// What the written file holds, and whether something about it is odd.
 class Summary : NavMesh::DefectListener {
 public:
-    explicit Summary(const LoadedMesh& mesh) : mMesh(*mesh) {
-        for (const auto& node : mMesh.mNodes) {
-            mBorders += node.mPolygon.size();
-            mLinks += static_cast<std::size_t>(
-                std::ranges::count_if(node.mNeighbours, [](std::int32_t id) { return id >= 0; }));
-        }
-        for (const unsigned int island : findIslands(mMesh))
-            ++mIslands[island];
+    explicit Summary(const LoadedMesh& mesh) : mMesh(*mesh), mCounts(countMesh(*mesh)) {
         findOddities(mMesh, *this);
     }
 
@@ -133,12 +126,13 @@ public:
                   << " vertices\n"
                   << "scene          " << scene.triangleCount() << " triangles, " << scene.mLeftOut
                   << " faces left out\n"
-                  << "borders        " << mBorders << ", " << mLinks << " of them with neighbour\n"
-                  << "islands        " << mIslands.size() << " (nodes:";
+                  << "borders        " << mCounts.mBorders << ", " << mCounts.mLinks
+                  << " of them with neighbour\n"
+                  << "islands        " << mCounts.mIslandSizes.size() << " (nodes:";
         constexpr std::size_t shown = 8;
-        for (std::size_t i = 0; i < std::min(shown, mIslands.size()); ++i)
-            std::cout << ' ' << std::next(mIslands.begin(), static_cast<std::ptrdiff_t>(i))->second;
-        std::cout << (mIslands.size() > shown ? " ..." : "") << "), " << islandsLeftOut
+        for (std::size_t i = 0; i < std::min(shown, mCounts.mIslandSizes.size()); ++i)
+            std::cout << ' ' << mCounts.mIslandSizes[i];
+        std::cout << (mCounts.mIslandSizes.size() > shown ? " ..." : "") << "), " << islandsLeftOut
                   << " smaller ones left out\n"
                   << "height classes";
         for (std::size_t i = 0; i < mMesh.mHeights.size(); ++i)
@@ -161,9 +155,7 @@ private:
     }
 
     const NavMesh::NavMeshContainer& mMesh;
-    std::size_t mBorders = 0;
-    std::size_t mLinks = 0;
-    std::map<unsigned int, std::size_t> mIslands;
+    MeshCounts mCounts;
     std::size_t mOddities = 0;
 };
 
@@ -198,9 +190,9 @@ void bake(const Options& options) {
     requireWritableNames(options, scene);
     progress.begin("baking");
     const TileBaker baker(scene, options.mBake);
-    std::vector<TilePolygon> polygons = bakeTiles(baker, showProgress);
+    const std::vector<TilePolygon> polygons = bakeTiles(baker, showProgress);
     progress.begin("joining");
-    const BakedMesh baked(std::move(polygons), options.mBake, baker.cells());
+    const BakedMesh baked(polygons, options.mBake, baker.cells());
     if (baked.nodes().empty())
         throw std::runtime_error("no island is as large as --min-region asks for");
     progress.begin("writing");

@@ -94,13 +94,8 @@ ExitStatus draw(const Options& options) {
     MeshPicture picture(world.mesh(), options.mMesh);
     // the picture lies in the mesh's plane; a host's position is what maps there
     if (options.mShowsBlocked) {
-        const unsigned int up = world.mesh().mNormal.getDominantAxis();
-        const auto& x = world.mesh().mXAxis;
-        const auto& y = world.mesh().mYAxis;
-        picture.addBlockedCells([&](const Common::Math::Vec2<float>& p) {
-            const Common::Math::Vec3<float> position(
-                x.mX * p.mX + y.mX * p.mY, x.mY * p.mX + y.mY * p.mY, x.mZ * p.mX + y.mZ * p.mY);
-            return Pathfinder::Interface::isBlocked(position.killComponent(up));
+        picture.addBlockedCells([&](const Common::Math::Vec2<float>& point) {
+            return Pathfinder::Interface::isBlocked(positionAt(world.mesh(), point));
         });
     }
     ExitStatus status = STATUS_OK;
@@ -167,25 +162,16 @@ ExitStatus convert(const Options& options) {
 ExitStatus showInfo(const Options& options) {
     const World world(options.mMesh);
     const NavMesh::NavMeshContainer& mesh = world.mesh();
-    std::size_t borders = 0;
-    std::size_t links = 0;
+    const MeshCounts counts = countMesh(mesh);
     std::map<std::int32_t, unsigned int> classes;
-    for (const auto& node : mesh.mNodes) {
-        borders += node.mPolygon.size();
-        links += static_cast<std::size_t>(
-            std::ranges::count_if(node.mNeighbours, [](std::int32_t id) { return id >= 0; }));
+    for (const auto& node : mesh.mNodes)
         ++classes[node.mHeightClass];
-    }
-    const std::vector<unsigned int> islands = findIslands(mesh);
-    std::map<unsigned int, unsigned int> islandSizes;
-    for (const unsigned int island : islands)
-        ++islandSizes[island];
     const Answer bounds = ask({});
     nlohmann::ordered_json json = {{"mesh", options.mMesh},
                                    {"nodes", mesh.mNodes.size()},
                                    {"vertices", mesh.mVertices.size()},
-                                   {"borders", borders},
-                                   {"links", links},
+                                   {"borders", counts.mBorders},
+                                   {"links", counts.mLinks},
                                    {"cubesize", mesh.mCubeSize},
                                    {"bounds", {bounds.mJson["min"], bounds.mJson["max"]}}};
     for (const auto& [number, count] : classes)
@@ -193,7 +179,7 @@ ExitStatus showInfo(const Options& options) {
             {{"class", number},
              {"height", mesh.mHeights[static_cast<std::size_t>(number)]},
              {"nodes", count}});
-    for (const auto& [number, size] : islandSizes)
+    for (const std::size_t size : counts.mIslandSizes)
         json["islands"].push_back(size);
     for (const auto& info : mesh.mCharacters)
         json["characters"].push_back(info.mName.getConstCharPtr());

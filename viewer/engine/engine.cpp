@@ -189,17 +189,12 @@ val blockingGrid(double mostCells) {
         const float side = mesh.mCubeSize * static_cast<float>(step);
         const auto columns = static_cast<int>(std::ceil(static_cast<double>(grid.mColumns) / step));
         const auto rows = static_cast<int>(std::ceil(static_cast<double>(grid.mRows) / step));
-        const unsigned int up = mesh.mNormal.getDominantAxis();
         std::vector<float> heights; // NaN: blocked
         for (int row = 0; row < rows; ++row)
             for (int column = 0; column < columns; ++column) {
                 const float x = grid.mBounds.mMin.mX + (static_cast<float>(column) + 0.5F) * side;
                 const float y = grid.mBounds.mMin.mY + (static_cast<float>(row) + 0.5F) * side;
-                const auto& u = mesh.mXAxis;
-                const auto& v = mesh.mYAxis;
-                const Vec3<float> point(u.mX * x + v.mX * y, u.mY * x + v.mY * y,
-                                        u.mZ * x + v.mZ * y);
-                const Vec2<float> position = point.killComponent(up);
+                const Vec2<float> position = Tools::positionAt(mesh, {x, y});
                 heights.push_back(
                     Interface::isBlocked(position) ? NAN : Interface::getGroundHeight(position));
             }

@@ -29,13 +29,17 @@ export class Search {
 
     /** Expands at most so many nodes. */
     run(budget: number): void {
-        if (!this.isRunning) return;
+        if (!this.isRunning || budget === 0) return;
         const begin = performance.now();
         const result = this.engine.runSearch(this.id, budget);
         this.milliseconds += performance.now() - begin;
+        if (result === SearchResult.Running) {
+            this.expansions += budget;
+            return;
+        }
         if (result === SearchResult.Found) this.readPath();
-        else if (result === SearchResult.NoPath) this.state = "no path";
-        // each expansion closes one node, and none is opened again
+        else this.state = "no path";
+        // each expansion closed one node, and none is opened again
         this.expansions = this.nodeStates().reduce((sum, state) => sum + (state === 2 ? 1 : 0), 0);
     }
 

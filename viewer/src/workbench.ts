@@ -208,7 +208,6 @@ export class Workbench {
             if (search === this.active) this.active = next;
         }
         this.isPlaying = false;
-        this.showAll();
     }
 
     private addCrowd(): void {
@@ -220,7 +219,6 @@ export class Workbench {
         };
         for (let i = 0; i < 20; ++i) this.active = board.open(pick(), pick());
         this.isPlaying = true;
-        this.showAll();
     }
 
     private closeSearch(search: Search): void {
@@ -234,24 +232,20 @@ export class Workbench {
         for (const search of [...(this.open?.board.all ?? [])]) this.open!.board.close(search);
         this.active = this.pendingStart = null;
         this.isPlaying = false;
-        this.showAll();
     }
 
     private step(): void {
         this.isPlaying = false;
         this.open?.board.runFrame(this.budget);
-        this.showAll();
     }
 
     private finish(): void {
         this.isPlaying = false;
         this.open?.board.finish();
-        this.showAll();
     }
 
     private togglePlay(): void {
         this.isPlaying = !this.isPlaying && !!this.open?.board.isRunning;
-        this.showAll();
     }
 
     private traceRay(from: Vec3, to: Vec3): void {
@@ -477,14 +471,12 @@ export class Workbench {
         this.tool = tool;
         this.pendingStart = this.pendingRay = null;
         if (tool !== "look") showTab(tool === "path" ? "search" : "ray");
-        this.showAll();
     }
 
     private escape(): void {
         this.hideError();
         this.pendingStart = this.pendingRay = this.focus = null;
         this.addsNext = false;
-        this.showAll();
     }
 
     private connectControls(): void {
@@ -516,7 +508,7 @@ export class Workbench {
         const withShow = (all: Actions) => Object.fromEntries(Object.entries(all).map(([name, action]) => [name, shown(action)]));
         bindButtons(withShow(actions));
         for (const button of document.querySelectorAll<HTMLElement>("[data-tool]"))
-            button.addEventListener("click", () => this.setTool(button.dataset.tool as Tool));
+            button.addEventListener("click", shown(() => this.setTool(button.dataset.tool as Tool)));
         for (const tab of document.querySelectorAll<HTMLElement>("[data-tab]"))
             tab.addEventListener("click", () => showTab(tab.dataset.tab!));
         element("budget").addEventListener("input", () => this.setBudget());

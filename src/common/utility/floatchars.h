@@ -6,7 +6,6 @@
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 #include <type_traits>
 
 namespace ZUNO::Common::Utility {
