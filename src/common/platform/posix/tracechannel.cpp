@@ -11,7 +11,9 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-// A message is one datagram: the code and the payload's length as 32-bit numbers, then the payload.
+// Each message is a connection of its own with one packet: the code and the payload's length as
+// 32-bit numbers, then the payload. Connections that wait to be accepted hold far more messages
+// than a datagram socket's queue of ten, so a burst is not lost while a viewer draws.
 
 namespace ZUNO::Common::Platform {
 
@@ -22,8 +24,14 @@ struct Header {
     std::uint32_t mLength;
 };
 
-/// Larger than what the kernel carries in one local datagram by default.
-constexpr std::size_t maxDatagram = std::size_t{256} * 1024;
+/// Larger than what the kernel carries in one local packet by default.
+constexpr std::size_t maxPacket = std::size_t{256} * 1024;
+
+/// How many messages may wait; the kernel may allow fewer.
+constexpr int maxWaiting = 4096;
+
+/// How long a host may take between its connection and its message, in milliseconds.
+constexpr int hostPatience = 100;
 
 /// Finds the socket's address. The folder must belong to this user alone, so that nobody else can
 /// read the messages or take the viewer's place. `create` makes a missing folder.
@@ -55,7 +63,12 @@ bool findAddress(sockaddr_un& address, bool create) noexcept {
 }
 
 int openSocket() noexcept {
-    return socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    return socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+}
+
+bool isReadable(int socket, int milliseconds) noexcept {
+    pollfd waiting{socket, POLLIN, 0};
+    return poll(&waiting, 1, milliseconds) > 0;
 }
 
 const sockaddr* general(const sockaddr_un& address) noexcept {
@@ -74,11 +87,10 @@ bool sendTraceMessage(std::uint32_t code, const void* payload, std::uint32_t len
     Header header{code, length};
     iovec parts[2] = {{&header, sizeof(header)}, {const_cast<void*>(payload), length}};
     msghdr message{};
-    message.msg_name = &address;
-    message.msg_namelen = sizeof(address);
     message.msg_iov = parts;
     message.msg_iovlen = 2;
-    const bool sent = sendmsg(channel, &message, MSG_DONTWAIT | MSG_NOSIGNAL) >= 0;
+    const bool sent = connect(channel, general(address), sizeof(address)) == 0 &&
+                      sendmsg(channel, &message, MSG_NOSIGNAL) >= 0;
     ::close(channel);
     return sent;
 }
@@ -86,7 +98,7 @@ bool sendTraceMessage(std::uint32_t code, const void* payload, std::uint32_t len
 struct TraceReceiver::State {
     int mSocket = -1;
     sockaddr_un mAddress{};
-    std::byte mBuffer[maxDatagram];
+    std::byte mBuffer[maxPacket];
 };
 
 TraceReceiver::TraceReceiver() noexcept : mState(nullptr) {}
@@ -110,13 +122,14 @@ const char* TraceReceiver::open() noexcept {
     const int channel = openSocket();
     if (channel < 0)
         return "the system has no socket left";
-    if (connect(channel, general(address), sizeof(address)) == 0) {
+    if (connect(channel, general(address), sizeof(address)) == 0 || errno == EAGAIN) {
         ::close(channel);
         return "another trace viewer runs already";
     }
     unlink(address.sun_path); // left behind by a viewer that did not end in order
     State* state = new (std::nothrow) State;
-    if (state == nullptr || bind(channel, general(address), sizeof(address)) != 0) {
+    if (state == nullptr || bind(channel, general(address), sizeof(address)) != 0 ||
+        listen(channel, maxWaiting) != 0) {
         ::close(channel);
         delete state;
         return "the trace socket can't be opened";
@@ -130,10 +143,15 @@ const char* TraceReceiver::open() noexcept {
 bool TraceReceiver::receive(TraceMessage& message, int milliseconds) noexcept {
     if (mState == nullptr)
         return false;
-    pollfd waiting{mState->mSocket, POLLIN, 0};
-    if (poll(&waiting, 1, milliseconds) <= 0)
+    if (!isReadable(mState->mSocket, milliseconds))
         return false;
-    const ssize_t size = recv(mState->mSocket, mState->mBuffer, sizeof(mState->mBuffer), 0);
+    const int host = accept4(mState->mSocket, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    if (host < 0)
+        return false;
+    const ssize_t size = isReadable(host, hostPatience)
+                             ? recv(host, mState->mBuffer, sizeof(mState->mBuffer), 0)
+                             : -1;
+    ::close(host);
     Header header{};
     if (size < static_cast<ssize_t>(sizeof(header)))
         return false;
