@@ -24,28 +24,23 @@ namespace {
 /// Reads one file, line by line, into a scene.
 class ObjReader {
 public:
-    ObjReader(const std::string& fileName, const SceneOptions& options, Scene& scene,
-              const ReadListener& listener)
-        : mFileName(fileName), mOptions(options), mScene(scene), mListener(listener),
+    ObjReader(std::istream& file, const std::string& name, const SceneOptions& options,
+              Scene& scene)
+        : mFile(file), mName(name), mOptions(options), mScene(scene),
           mFirstVertex(scene.mVertices.size() / 3) {}
 
-    void read() {
-        std::ifstream file(mFileName, std::ios::binary);
-        if (!file)
-            throw std::runtime_error(mFileName + ": cannot be opened; expected a Wavefront OBJ");
-        std::error_code unknown;
-        const auto size = std::filesystem::file_size(mFileName, unknown);
+    void read(std::size_t size, const ReadListener& listener) {
         std::string line;
-        while (readStatement(file, line)) {
+        while (readStatement(line)) {
             readLine(line);
             constexpr std::size_t linesBetweenWords = 50000;
-            if (mListener && !unknown && mLine % linesBetweenWords == 0)
-                mListener(static_cast<std::size_t>(file.tellg()), static_cast<std::size_t>(size));
+            if (listener && mLine % linesBetweenWords == 0)
+                listener(static_cast<std::size_t>(mFile.tellg()), size);
         }
-        if (file.bad())
-            throw std::runtime_error(mFileName + ": cannot be read");
+        if (mFile.bad())
+            throw std::runtime_error(mName + ": cannot be read");
         if (mFaceCount == 0)
-            throw std::runtime_error(mFileName + ": no faces");
+            throw std::runtime_error(mName + ": no faces");
     }
 
 private:
@@ -53,11 +48,11 @@ private:
     static constexpr std::size_t maxCorners = 512;
 
     /// A line, and those that it goes on in.
-    bool readStatement(std::istream& file, std::string& line) {
-        if (!std::getline(file, line))
+    bool readStatement(std::string& line) {
+        if (!std::getline(mFile, line))
             return false;
         ++mLine;
-        for (std::string rest; chop(line), line.ends_with('\\') && std::getline(file, rest);) {
+        for (std::string rest; chop(line), line.ends_with('\\') && std::getline(mFile, rest);) {
             line.back() = ' ';
             line += rest;
             ++mLine;
@@ -92,7 +87,7 @@ private:
     }
 
     [[noreturn]] void fail(const std::string& what) const {
-        throw std::runtime_error(mFileName + ':' + std::to_string(mLine) + ": " + what);
+        throw std::runtime_error(mName + ':' + std::to_string(mLine) + ": " + what);
     }
 
     void readVertex() {
@@ -187,10 +182,10 @@ private:
         return static_cast<int>(static_cast<std::int64_t>(mFirstVertex) + index);
     }
 
-    std::string mFileName;
+    std::istream& mFile;
+    const std::string& mName;
     const SceneOptions& mOptions;
     Scene& mScene;
-    const ReadListener& mListener;
     std::size_t mFirstVertex;
     std::size_t mLine = 0;
     std::size_t mFaceCount = 0;
@@ -203,9 +198,19 @@ private:
 
 } // namespace
 
+void readObj(std::istream& file, std::size_t size, const std::string& name,
+             const SceneOptions& options, Scene& scene, const ReadListener& listener) {
+    ObjReader(file, name, options, scene).read(size, listener);
+}
+
 void readObj(const std::string& fileName, const SceneOptions& options, Scene& scene,
              const ReadListener& listener) {
-    ObjReader(fileName, options, scene, listener).read();
+    std::ifstream file(fileName, std::ios::binary);
+    if (!file)
+        throw std::runtime_error(fileName + ": cannot be opened; expected a Wavefront OBJ");
+    std::error_code unknown;
+    const auto size = static_cast<std::size_t>(std::filesystem::file_size(fileName, unknown));
+    readObj(file, size, fileName, options, scene, unknown ? ReadListener() : listener);
 }
 
 } // namespace ZUNO::Tools

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <iosfwd>
 #include <span>
 #include <string>
 #include <vector>
@@ -35,12 +36,16 @@ struct SceneOptions {
     std::vector<std::string> mWithout; ///< groups and objects that are left out
 };
 
-/// Adds the faces of a Wavefront OBJ file to a scene. Raises a std::runtime_error with file, line
-/// and what is wrong. The listener, when there is one, is told every now and then how many bytes of
-/// all are read.
+/// Is told every now and then how many bytes of all are read.
 using ReadListener = std::function<void(std::size_t done, std::size_t all)>;
+
+/// Adds the faces of a Wavefront OBJ file to a scene. Raises a std::runtime_error with file, line
+/// and what is wrong.
 void readObj(const std::string& fileName, const SceneOptions& options, Scene& scene,
              const ReadListener& listener = {});
+/// The same of a stream of so many bytes; messages call it by its name.
+void readObj(std::istream& file, std::size_t size, const std::string& name,
+             const SceneOptions& options, Scene& scene, const ReadListener& listener = {});
 
 /// Cuts a simple polygon, given by its corners' positions, into triangles of its corners' indices:
 /// one triangle for each corner beyond the second. A polygon without area gives none.

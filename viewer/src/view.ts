@@ -24,6 +24,8 @@ export interface ViewListener {
 
 const clickTolerance = 4; // pixels
 const slowFrame = 22; // milliseconds: below 45 frames a second
+const toleratedFrames = 4; // slow ones, until the picture gets coarser
+const manyNodes = 5000; // more than a processor draws in a frame's time
 const restAfter = 160; // milliseconds without movement until everything is drawn again
 
 /** Without a graphics card smooth edges cost too much. */
@@ -37,6 +39,7 @@ function isDrawnByProcessor(): boolean {
 /** The picture: camera, controls, what is drawn, and what the pointer does on it. */
 export class View {
     readonly camera = new THREE.PerspectiveCamera(45, 1, 0.1, 1e5);
+    private readonly isDrawnByProcessor = isDrawnByProcessor();
     private readonly renderer: THREE.WebGLRenderer;
     private readonly scene = new THREE.Scene();
     private readonly controls: OrbitControls;
@@ -63,7 +66,7 @@ export class View {
         labelCanvas: HTMLCanvasElement,
         private readonly listener: ViewListener,
     ) {
-        this.renderer = new THREE.WebGLRenderer({ canvas, antialias: !isDrawnByProcessor() });
+        this.renderer = new THREE.WebGLRenderer({ canvas, antialias: !this.isDrawnByProcessor });
         this.labels = labelCanvas.getContext("2d")!;
         this.controls = new OrbitControls(this.camera, canvas);
         this.controls.maxPolarAngle = Math.PI * 0.495;
@@ -92,7 +95,8 @@ export class View {
         this.setOverlay(null);
         this.setSigns([], []);
         this.meshView = meshView;
-        this.slowFrames = 0;
+        const isTooMuch = this.isDrawnByProcessor && (meshView?.nodeCount ?? 0) > manyNodes;
+        this.slowFrames = isTooMuch ? toleratedFrames + 1 : 0; // nothing to learn by dropping frames
         if (meshView) this.scene.add(meshView.group);
         this.isStale = true;
     }
@@ -244,7 +248,7 @@ export class View {
     private adaptToMachine(time: number): void {
         const isMoving = performance.now() - this.lastMovement < restAfter;
         if (isMoving && this.wasMoving && time - this.lastFrame > slowFrame) ++this.slowFrames;
-        const isCoarse = isMoving && this.slowFrames > 4;
+        const isCoarse = isMoving && this.slowFrames > toleratedFrames;
         this.lastFrame = time;
         this.wasMoving = isMoving;
         if (isCoarse === this.isCoarse) return;
