@@ -57,6 +57,57 @@ val describeTables(const NavMeshContainer& mesh) {
     return tables;
 }
 
+/// The middle of those of a node's corners that have a place; NaN without any.
+Common::Math::Vec3<float> findPlace(const NavMeshContainer& mesh,
+                                    const std::vector<std::uint32_t>& corners) {
+    Common::Math::Vec3<float> sum(0, 0, 0);
+    for (const std::uint32_t corner : corners)
+        sum = sum + mesh.mVertices[corner];
+    const auto count = static_cast<float>(corners.size());
+    return {sum.mX / count, sum.mY / count, sum.mZ / count};
+}
+
+/// The arrays to draw; of a mesh that is not fit for a world, what has a place in them.
+void describeShape(const NavMeshContainer& mesh, bool isFit, val& out) {
+    std::vector<float> vertices;
+    for (const auto& vertex : mesh.mVertices)
+        vertices.insert(vertices.end(), {vertex.mX, vertex.mY, vertex.mZ});
+    std::vector<std::uint32_t> firstCorners;
+    std::vector<std::uint32_t> corners;
+    std::vector<std::int32_t> neighbours;
+    std::vector<std::int32_t> heightClasses;
+    std::vector<std::int32_t> surfaces;
+    std::vector<float> centres;
+    const auto nodeCount = static_cast<std::int32_t>(mesh.mNodes.size());
+    for (const auto& node : mesh.mNodes) {
+        firstCorners.push_back(static_cast<std::uint32_t>(corners.size()));
+        std::vector<std::uint32_t> placed;
+        for (std::size_t i = 0; i < node.mPolygon.size(); ++i) {
+            const std::uint32_t corner = node.mPolygon[i];
+            if (corner >= mesh.mVertices.size() || !isFinite(mesh.mVertices[corner]))
+                continue;
+            placed.push_back(corner);
+            const std::int32_t other = i < node.mNeighbours.size() ? node.mNeighbours[i] : -1;
+            neighbours.push_back(other < nodeCount ? other : -1);
+        }
+        corners.insert(corners.end(), placed.begin(), placed.end());
+        heightClasses.push_back(node.mHeightClass);
+        surfaces.push_back(node.mSurfaceTypeID);
+        const auto centre = findPlace(mesh, placed);
+        centres.insert(centres.end(), {centre.mX, centre.mY, centre.mZ});
+    }
+    firstCorners.push_back(static_cast<std::uint32_t>(corners.size()));
+    out.set("vertices", copyOf(vertices));
+    out.set("firstCorners", copyOf(firstCorners));
+    out.set("corners", copyOf(corners));
+    out.set("neighbours", copyOf(neighbours));
+    out.set("heightClasses", copyOf(heightClasses));
+    out.set("surfaceTypes", copyOf(surfaces));
+    out.set("centres", copyOf(centres));
+    out.set("islands", copyOf(isFit ? Tools::findIslands(mesh)
+                                    : std::vector<unsigned int>(mesh.mNodes.size(), 0)));
+}
+
 } // namespace
 
 val toArray(const Common::Math::Vec3<float>& vector) {
@@ -84,38 +135,7 @@ val describe(const Tools::LoadedMesh& loaded) {
     out.set("yAxis", toArray(mesh.mYAxis));
     out.set("tables", describeTables(mesh));
     out.set("memory", mesh.getMemoryUsage());
-    if (!isFit)
-        return out;
-
-    std::vector<float> vertices;
-    for (const auto& vertex : mesh.mVertices)
-        vertices.insert(vertices.end(), {vertex.mX, vertex.mY, vertex.mZ});
-    std::vector<std::uint32_t> firstCorners;
-    std::vector<std::uint32_t> corners;
-    std::vector<std::int32_t> neighbours;
-    std::vector<std::int32_t> heightClasses;
-    std::vector<std::int32_t> surfaces;
-    std::vector<float> centres;
-    for (std::size_t id = 0; id < mesh.mNodes.size(); ++id) {
-        const auto& node = mesh.mNodes[id];
-        firstCorners.push_back(static_cast<std::uint32_t>(corners.size()));
-        corners.insert(corners.end(), node.mPolygon.begin(), node.mPolygon.end());
-        neighbours.insert(neighbours.end(), node.mNeighbours.begin(), node.mNeighbours.end());
-        neighbours.resize(corners.size(), -1);
-        heightClasses.push_back(node.mHeightClass);
-        surfaces.push_back(node.mSurfaceTypeID);
-        const auto centre = mesh.getNodeCenter(static_cast<std::int32_t>(id));
-        centres.insert(centres.end(), {centre.mX, centre.mY, centre.mZ});
-    }
-    firstCorners.push_back(static_cast<std::uint32_t>(corners.size()));
-    out.set("vertices", copyOf(vertices));
-    out.set("firstCorners", copyOf(firstCorners));
-    out.set("corners", copyOf(corners));
-    out.set("neighbours", copyOf(neighbours));
-    out.set("heightClasses", copyOf(heightClasses));
-    out.set("surfaceTypes", copyOf(surfaces));
-    out.set("centres", copyOf(centres));
-    out.set("islands", copyOf(Tools::findIslands(mesh)));
+    describeShape(mesh, isFit, out);
     return out;
 }
 

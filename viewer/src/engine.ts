@@ -14,7 +14,10 @@ export interface MeshTables {
     surfaces: { name: string; id: number }[];
 }
 
-/** A loaded mesh. Without `isFit` there is no world over it, and the arrays are missing. */
+/**
+ * A loaded mesh. Without `isFit` there is no world over it, and the arrays hold what can be drawn:
+ * corners with a place, neighbours that exist, no islands.
+ */
 export interface MeshDescription {
     defects: Defect[];
     isFit: boolean;
@@ -33,6 +36,7 @@ export interface MeshDescription {
     neighbours: Int32Array;
     heightClasses: Int32Array;
     surfaceTypes: Int32Array;
+    /** NaN for a node that has no place. */
     centres: Float32Array;
     /** Of each node the island's number, the largest first. */
     islands: Uint32Array;

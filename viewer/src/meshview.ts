@@ -15,6 +15,19 @@ export interface Palette {
     blocked: number;
 }
 
+/** The direction up; where a broken mesh has none, y. */
+function upOf({ normal }: MeshDescription): THREE.Vector3 {
+    const up = new THREE.Vector3(...normal);
+    return up.length() > 0 && Number.isFinite(up.length()) ? up.normalize() : new THREE.Vector3(0, 1, 0);
+}
+
+/** The side of a cube; where a broken mesh has none, one that suits its size. */
+function unitOf({ cubeSize }: MeshDescription, positions: Float32Array): number {
+    if (cubeSize > 0 && Number.isFinite(cubeSize)) return cubeSize;
+    const size = new THREE.Box3().setFromArray(positions).getSize(new THREE.Vector3());
+    return size.length() / 300;
+}
+
 /** The polygons and borders of a mesh, as three.js shows them. */
 export class MeshView {
     readonly group = new THREE.Group();
@@ -26,12 +39,14 @@ export class MeshView {
     private readonly baseColours: Float32Array;
     private readonly colours: Float32Array;
     private readonly up: THREE.Vector3;
+    /** The scale of what is drawn on the mesh: the side of a cube. */
+    readonly unit: number;
 
     constructor(
         readonly mesh: MeshDescription,
         palette: Palette,
     ) {
-        this.up = new THREE.Vector3(...mesh.normal).normalize();
+        this.up = upOf(mesh);
         this.group.quaternion.setFromUnitVectors(this.up, new THREE.Vector3(0, 1, 0));
         // a vertex for each corner of each node, so that nodes have colours of their own
         const positions = new Float32Array(mesh.corners.length * 3);
@@ -47,6 +62,7 @@ export class MeshView {
         geometry.setAttribute("position", new THREE.BufferAttribute(positions, 3));
         geometry.setAttribute("color", new THREE.BufferAttribute(this.colours, 3));
         geometry.setIndex(triangles);
+        this.unit = unitOf(mesh, positions);
         this.fill = new THREE.Mesh(
             geometry,
             new THREE.MeshBasicMaterial({
@@ -172,7 +188,7 @@ export class MeshView {
     private makeWalls(): THREE.BufferGeometry {
         const points: number[] = [];
         const triangles: number[] = [];
-        const lift = this.up.clone().multiplyScalar(this.mesh.cubeSize * 1.6);
+        const lift = this.up.clone().multiplyScalar(this.unit * 1.6);
         this.forEachBorder((node, corner, beyond) => {
             if (beyond >= 0) return;
             const first = points.length / 3;

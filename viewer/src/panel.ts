@@ -109,16 +109,14 @@ function makeTable(title: string, heads: string[], rows: (string | number)[][]):
 /** What the mesh is, its tables, and how long it took. */
 export function showMesh(mesh: MeshDescription, figures: [string, string][]): void {
     const rows: [string, string][] = [];
-    if (mesh.isFit) {
-        const nodes = mesh.firstCorners.length - 1;
-        const links = mesh.neighbours.reduce((sum, id) => sum + (id >= 0 ? 1 : 0), 0);
-        rows.push(
-            ["Nodes", nodes.toLocaleString("en")],
-            ["Vertices", (mesh.vertices.length / 3).toLocaleString("en")],
-            ["Borders", `${mesh.corners.length.toLocaleString("en")}, ${links.toLocaleString("en")} with neighbour`],
-            ["Islands", String(mesh.islands.reduce((most, id) => Math.max(most, id), 0) + 1)],
-        );
-    }
+    const nodes = mesh.firstCorners.length - 1;
+    const links = mesh.neighbours.reduce((sum, id) => sum + (id >= 0 ? 1 : 0), 0);
+    rows.push(
+        ["Nodes", nodes.toLocaleString("en")],
+        ["Vertices", (mesh.vertices.length / 3).toLocaleString("en")],
+        ["Borders", `${mesh.corners.length.toLocaleString("en")}, ${links.toLocaleString("en")} with neighbour`],
+    );
+    if (mesh.isFit) rows.push(["Islands", String(mesh.islands.reduce((most, id) => Math.max(most, id), 0) + 1)]);
     rows.push(
         ["Cube size", shortText(mesh.cubeSize)],
         ["Up", mesh.normal.join(", ")],
@@ -136,7 +134,7 @@ export function showMesh(mesh: MeshDescription, figures: [string, string][]): vo
         }),
     );
     const { heights, characters, surfaces } = mesh.tables;
-    const nodesOfClass = (number: number) => (mesh.isFit ? mesh.heightClasses.filter((id) => id === number).length : 0);
+    const nodesOfClass = (number: number) => mesh.heightClasses.filter((id) => id === number).length;
     element("tables").replaceChildren(
         makeTable("Height classes", ["class", "height", "nodes"], heights.map((height, i) => [String(i), height, String(nodesOfClass(i))])),
         makeTable("Characters", ["name", "height", "jump", "fall", "class"],
@@ -150,15 +148,15 @@ export function showDefects(mesh: MeshDescription | null, jump: (node: number) =
     const defects = mesh?.defects ?? [];
     setText("defectCount", defects.length ? String(defects.length) : "");
     const isBroken = mesh !== null && !mesh.isFit;
-    setText("defectHint", isBroken ? "No world runs over this mesh." : defects.length ? "Click to see the place." : "Nothing is wrong with this mesh.");
+    setText("defectHint", isBroken ? "No world runs over this mesh. Click to see the place." : defects.length ? "Click to see the place." : "Nothing is wrong with this mesh.");
     element("defects").replaceChildren(
         ...defects.map(({ kind, text }) => {
             const entry = document.createElement("button");
             entry.className = kind;
             entry.textContent = text;
-            const node = /^node (\d+)/.exec(text);
-            entry.disabled = !node || isBroken;
-            if (node) entry.addEventListener("click", () => jump(Number(node[1])));
+            const node = Number(/^node (\d+)/.exec(text)?.[1] ?? NaN);
+            entry.disabled = !Number.isFinite(mesh?.centres[node * 3]);
+            entry.addEventListener("click", () => jump(node));
             return entry;
         }),
     );

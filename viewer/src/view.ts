@@ -198,7 +198,7 @@ export class View {
         if (!this.meshView) return;
         const centre = this.meshView.centreOf(node);
         const away = this.camera.position.clone().sub(this.controls.target);
-        away.setLength(Math.min(away.length(), this.meshView.mesh.cubeSize * 60));
+        away.setLength(Math.min(away.length(), this.meshView.unit * 60));
         this.place(centre.clone().add(away), centre);
     }
 

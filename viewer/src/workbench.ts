@@ -6,20 +6,19 @@ import { MeshView, Palette } from "./meshview";
 import { makeGridPicture, Marker } from "./overlays";
 import { darkPalette, lightPalette } from "./palette";
 import { element, save, setPressed, setText, showDefects, showFigures, showLegend, showMesh, showSearches, showTab } from "./panel";
-import { Ray, showRay } from "./rays";
-import { Search, SearchBoard } from "./searches";
+import { Queries, Tool } from "./queries";
+import { showRay } from "./rays";
+import { Search } from "./searches";
 import { showSigns } from "./signs";
 import { Pick, View } from "./view";
-
-type Tool = "path" | "ray" | "look";
 
 interface OpenMesh {
     name: string;
     sample: string | null;
     engine: Engine;
     mesh: MeshDescription;
-    view: MeshView | null;
-    board: SearchBoard;
+    view: MeshView;
+    queries: Queries;
 }
 
 const mostGridCells = 4e6;
@@ -34,13 +33,7 @@ async function unpack(base64: string): Promise<Uint8Array> {
 export class Workbench {
     readonly view: View;
     private open: OpenMesh | null = null;
-    private active: Search | null = null;
-    private pendingStart: Vec3 | null = null;
-    private ray: Ray | null = null;
-    private pendingRay: Vec3 | null = null;
     private tool: Tool = "path";
-    private isPlaying = false;
-    private addsNext = false;
     private showsGrid = false;
     private showsLabels = false;
     private isDark = matchMedia("(prefers-color-scheme: dark)").matches;
@@ -71,6 +64,11 @@ export class Workbench {
 
     private get palette(): Palette {
         return this.isDark ? darkPalette : lightPalette;
+    }
+
+    /** What is open, if a world runs over it. */
+    private get world(): OpenMesh | null {
+        return this.open?.mesh.isFit ? this.open : null;
     }
 
     private get budget(): number {
@@ -107,8 +105,8 @@ export class Workbench {
         if (turn !== this.openings) return; // another was asked for meanwhile
         const loaded = performance.now();
         this.closeMesh();
-        const view = mesh.isFit ? new MeshView(mesh, this.palette) : null;
-        this.open = { name, sample, engine, mesh, view, board: new SearchBoard(engine) };
+        const view = new MeshView(mesh, this.palette);
+        this.open = { name, sample, engine, mesh, view, queries: new Queries(engine, mesh) };
         this.view.show(view);
         this.view.fit();
         this.view.draw(begin);
@@ -132,36 +130,21 @@ export class Workbench {
     private closeMesh(): void {
         this.open?.engine.closeWorld();
         this.open = null;
-        this.active = this.ray = this.pendingStart = this.pendingRay = this.focus = null;
-        this.isPlaying = this.addsNext = false;
+        this.focus = null;
     }
 
     // ---- the pointer --------------------------------------------------------------------------
 
     private click(pick: Pick | null): void {
-        if (!pick || !this.open || this.tool === "look") return;
-        if (this.tool === "path") {
-            if (!pick.isOnMesh) return; // most likely a slip
-            if (!this.pendingStart) this.pendingStart = pick.point;
-            else this.startSearch(this.pendingStart, pick.point);
-        } else if (!this.pendingRay) this.pendingRay = pick.point;
-        else this.traceRay(this.pendingRay, pick.point);
+        if (!pick || !this.world || this.tool === "look") return;
+        if (this.tool === "path" && !pick.isOnMesh) return; // most likely a slip
+        this.world.queries.click(this.tool, pick.point);
+        this.showToolTab();
         this.showAll();
     }
 
     private drag(marker: Marker, pick: Pick, isLast: boolean): void {
-        let owner: unknown = marker.owner;
-        if (marker.owner instanceof Search) {
-            const search = marker.owner;
-            const [start, goal] = marker.kind === "start" ? [pick.point, search.goal] : [search.start, pick.point];
-            const next = this.open!.board.replace(search, start, goal);
-            next.run(0xffffffff);
-            this.active = owner = next;
-        } else if (this.ray) {
-            const { from, to } = this.ray;
-            if (marker.kind === "rayStart") this.traceRay(pick.point, to);
-            else this.traceRay(from, pick.point);
-        }
+        const owner = this.world?.queries.drag(marker, pick.point);
         this.showAll(!isLast);
         this.view.regrip(marker.kind, owner);
     }
@@ -174,6 +157,7 @@ export class Workbench {
         }
         const { mesh, engine } = open;
         setText("pointer", pick.point.map(shortText).join(", "));
+        if (!mesh.isFit) return setText("node", "no world");
         // what a search would start from: where floors meet, the lowest id
         const node = engine.nodeAt(pick.point);
         const surface = mesh.tables.surfaces.find((type) => type.id === mesh.surfaceTypes[node]);
@@ -189,83 +173,18 @@ export class Workbench {
         return point.filter((_, axis) => axis !== up) as Vec2;
     }
 
-    // ---- searches and rays --------------------------------------------------------------------
-
-    private startSearch(start: Vec3, goal: Vec3): void {
-        const { board } = this.open!;
-        this.pendingStart = null;
-        if (this.active && !this.addsNext) this.active = board.replace(this.active, start, goal);
-        else this.active = board.open(start, goal);
-        this.addsNext = false;
-        this.isPlaying = true;
-        showTab("search");
-    }
-
-    private restart(): void {
-        if (!this.open) return;
-        for (const search of [...this.open.board.all]) {
-            const next = this.open.board.replace(search, search.start, search.goal);
-            if (search === this.active) this.active = next;
-        }
-        this.isPlaying = false;
-    }
-
-    private addCrowd(): void {
-        if (!this.open?.view) return;
-        const { mesh, board } = this.open;
-        const pick = (): Vec3 => {
-            const node = Math.floor(Math.random() * (mesh.firstCorners.length - 1));
-            return [...mesh.centres.subarray(node * 3, node * 3 + 3)] as Vec3;
-        };
-        for (let i = 0; i < 20; ++i) this.active = board.open(pick(), pick());
-        this.isPlaying = true;
-    }
-
-    private closeSearch(search: Search): void {
-        const { board } = this.open!;
-        board.close(search);
-        if (this.active === search) this.active = board.all.at(-1) ?? null;
-        this.showAll();
-    }
-
-    private clearSearches(): void {
-        for (const search of [...(this.open?.board.all ?? [])]) this.open!.board.close(search);
-        this.active = this.pendingStart = null;
-        this.isPlaying = false;
-    }
-
-    private step(): void {
-        this.isPlaying = false;
-        this.open?.board.runFrame(this.budget);
-    }
-
-    private finish(): void {
-        this.isPlaying = false;
-        this.open?.board.finish();
-    }
-
-    private togglePlay(): void {
-        this.isPlaying = !this.isPlaying && !!this.open?.board.isRunning;
-    }
-
-    private traceRay(from: Vec3, to: Vec3): void {
-        this.pendingRay = null;
-        this.ray = { from, to, hit: this.open!.engine.traceRay(from, to) };
-        showTab("ray");
-    }
-
     // ---- what is shown ------------------------------------------------------------------------
 
     /** Brings the picture and the panels up to date; a short look leaves out what takes time. */
     private showAll(isShort = false): void {
         this.showSigns();
-        const open = this.open;
-        const searches = open?.board.all ?? [];
-        open?.view?.showStates(this.active?.nodeStates() ?? new Uint8Array(), this.palette);
+        const { open } = this;
+        const active = open?.queries.active ?? null;
+        open?.view.showStates(active?.nodeStates() ?? new Uint8Array(), this.palette);
         this.view.invalidate();
-        showFigures(this.active);
-        showSearches(searches, this.active, (search) => this.choose(search), (search) => this.closeSearch(search));
-        showRay(this.ray);
+        showFigures(active);
+        showSearches(open?.queries.all ?? [], active, (search) => this.choose(search), (search) => this.closeSearch(search));
+        showRay(open?.queries.ray ?? null);
         this.showControls();
         this.isAddressStale = true;
         if (isShort) return;
@@ -280,10 +199,8 @@ export class Workbench {
     }
 
     private showSigns(): void {
-        const open = this.open;
-        if (!open?.view) return this.view.setSigns([], []);
-        const { active, pendingStart, ray, pendingRay, focus } = this;
-        showSigns(this.view, open.mesh, this.palette, { searches: open.board.all, active, pendingStart, ray, pendingRay, focus });
+        if (!this.open) return this.view.setSigns([], []);
+        showSigns(this.view, this.open.mesh, this.palette, this.open.queries, this.focus);
     }
 
     private showLegend(): void {
@@ -293,29 +210,28 @@ export class Workbench {
             [palette.highFloor, "highest floor"],
             [palette.wall, "border without neighbour"],
         ];
-        if (this.open?.mesh.isFit && this.open.mesh.islands.some((island) => island > 0)) entries.push([palette.islands[0], "island apart"]);
-        if (this.active) entries.push([palette.open, "open"], [palette.closed, "closed"]);
+        if (this.open?.mesh.islands.some((island) => island > 0)) entries.push([palette.islands[0], "island apart"]);
+        if (this.open?.queries.active) entries.push([palette.open, "open"], [palette.closed, "closed"]);
         if (this.showsGrid) entries.push([palette.blocked, "blocked"]);
         showLegend(entries);
     }
 
     private showControls(): void {
-        const isFit = !!this.open?.view;
-        const isRunning = !!this.open?.board.isRunning;
+        const queries = this.world?.queries;
         const hints: Record<Tool, [string, string]> = {
             path: ["Click where the path starts", "Click the goal"],
             ray: ["Click where the ray begins", "Click where it ends"],
             look: ["", ""],
         };
-        const isPending = this.tool === "path" ? this.pendingStart !== null : this.pendingRay !== null;
-        const isDone = this.tool === "path" ? this.active !== null && !this.addsNext : this.ray !== null;
+        const isPending = !!(this.tool === "path" ? queries?.pendingStart : queries?.pendingRay);
+        const isDone = this.tool === "path" ? queries?.active && !queries.addsNext : queries?.ray;
         const invitation = this.awaited ? `This address is about ${this.awaited.file}: drop that file here` : "Choose a sample, or drop a mesh file";
-        setText("hint", !this.open || this.awaited ? invitation : isFit && (isPending || !isDone) ? hints[this.tool][isPending ? 1 : 0] : "");
-        setText("play", this.isPlaying ? "Pause" : "Play");
-        for (const id of ["play", "step", "finish"]) element<HTMLButtonElement>(id).disabled = !isRunning;
-        for (const id of ["restart", "clear"]) element<HTMLButtonElement>(id).disabled = !this.open?.board.all.length;
-        for (const id of ["another", "crowd", "script", "grid", "labels"]) element<HTMLButtonElement>(id).disabled = !isFit;
-        setPressed(element("another"), this.addsNext);
+        setText("hint", !this.open || this.awaited ? invitation : queries && (isPending || !isDone) ? hints[this.tool][isPending ? 1 : 0] : "");
+        setText("play", queries?.isPlaying ? "Pause" : "Play");
+        for (const id of ["play", "step", "finish"]) element<HTMLButtonElement>(id).disabled = !queries?.board.isRunning;
+        for (const id of ["restart", "clear"]) element<HTMLButtonElement>(id).disabled = !queries?.all.length;
+        for (const id of ["another", "crowd", "script", "grid"]) element<HTMLButtonElement>(id).disabled = !queries;
+        setPressed(element("another"), !!queries?.addsNext);
         setPressed(element("grid"), this.showsGrid);
         setPressed(element("labels"), this.showsLabels);
         setPressed(element("top"), this.view.isTopView);
@@ -325,7 +241,12 @@ export class Workbench {
     }
 
     private choose(search: Search): void {
-        this.active = search;
+        this.open!.queries.active = search;
+        this.showAll();
+    }
+
+    private closeSearch(search: Search): void {
+        this.open!.queries.close(search);
         this.showAll();
     }
 
@@ -336,21 +257,20 @@ export class Workbench {
     }
 
     private showGrid(): void {
-        const open = this.open;
-        if (!open?.view) return;
+        if (!this.world) return;
         if (!this.showsGrid) return this.view.setOverlay(null);
-        const { mesh, view } = open;
+        const { mesh, engine } = this.world;
         let lowest = Infinity;
         for (let i = 0; i < mesh.vertices.length; i += 3)
             lowest = Math.min(lowest, mesh.normal.reduce((sum, value, axis) => sum + value * mesh.vertices[i + axis], 0));
-        this.view.setOverlay(makeGridPicture(open.engine.blockingGrid(mostGridCells), view.mesh, this.palette, lowest));
+        this.view.setOverlay(makeGridPicture(engine.blockingGrid(mostGridCells), mesh, this.palette, lowest));
     }
 
     private setTheme(isDark: boolean): void {
         this.isDark = isDark;
         document.documentElement.dataset.theme = isDark ? "dark" : "light";
         this.view.setPalette(this.palette);
-        this.open?.view?.paint(this.palette);
+        this.open?.view.paint(this.palette);
         if (this.showsGrid) this.showGrid();
     }
 
@@ -371,10 +291,9 @@ export class Workbench {
 
     private frame(time: number): void {
         const open = this.open;
-        if (this.isPlaying && open) {
-            open.board.runFrame(this.budget);
-            this.isPlaying = open.board.isRunning;
-            this.showAll(this.isPlaying);
+        if (open?.queries.isPlaying) {
+            open.queries.playFrame(this.budget);
+            this.showAll(open.queries.isPlaying);
         }
         if (this.view.draw(time)) this.frames.push(time);
         this.frames = this.frames.filter((each) => time - each < 1000);
@@ -386,16 +305,16 @@ export class Workbench {
         requestAnimationFrame((next) => this.frame(next));
     }
 
-    private keepAddress(open: OpenMesh): void {
+    private keepAddress({ sample, name, queries: { all, ray } }: OpenMesh): void {
         clearTimeout(this.addressTimer);
         // browsers refuse an address that changes with every frame
         this.addressTimer = window.setTimeout(
             () =>
                 writeAddress({
-                    sample: open.sample,
-                    file: open.sample ? null : open.name,
-                    searches: open.board.all.slice(0, 30).map(({ start, goal }) => [start, goal]),
-                    ray: this.ray ? [this.ray.from, this.ray.to] : null,
+                    sample,
+                    file: sample ? null : name,
+                    searches: all.slice(0, 30).map(({ start, goal }) => [start, goal]),
+                    ray: ray && [ray.from, ray.to],
                     camera: this.view.cameraState,
                     isTopView: this.view.isTopView,
                     showsGrid: this.showsGrid,
@@ -418,12 +337,11 @@ export class Workbench {
 
     private apply(state: AddressState): void {
         this.awaited = null;
-        const open = this.open;
-        if (!open?.view) return;
-        for (const [start, goal] of state.searches) this.active = open.board.open(start, goal);
-        open.board.finish();
-        if (state.ray) this.traceRay(...state.ray);
-        if (state.searches.length) showTab("search");
+        if (!this.world) return;
+        const { queries } = this.world;
+        queries.solve(state.searches);
+        if (state.ray) queries.traceRay(...state.ray);
+        if (state.searches.length || state.ray) showTab(state.searches.length ? "search" : "ray");
         if (state.isTopView) this.view.setTopView(true);
         if (state.camera) this.view.cameraState = state.camera;
         this.setLabels(state.showsLabels);
@@ -444,17 +362,18 @@ export class Workbench {
     /** The searches and the ray, as zunopath run reads them. */
     scriptText(): string {
         const lines = [`# queries over ${this.open?.name ?? "no mesh"}`];
-        for (const { start, goal } of this.open?.board.all ?? []) lines.push(`path ${pointText(start)} ${pointText(goal)}`);
-        if (this.ray) lines.push(`ray ${pointText(this.ray.from)} ${pointText(this.ray.to)}`);
+        for (const { start, goal } of this.open?.queries.all ?? []) lines.push(`path ${pointText(start)} ${pointText(goal)}`);
+        const ray = this.open?.queries.ray;
+        if (ray) lines.push(`ray ${pointText(ray.from)} ${pointText(ray.to)}`);
         return lines.join("\n") + "\n";
     }
 
     /** All that was answered, to the bit. */
     results(): { searches: { state: string; cost: number; waypoints: Vec3[]; expansions: number }[]; hit: number | null } {
-        const searches = this.open?.board.all ?? [];
+        const queries = this.open?.queries;
         return {
-            searches: searches.map(({ state, cost, waypoints, expansions }) => ({ state, cost, waypoints, expansions })),
-            hit: this.ray && this.ray.hit,
+            searches: (queries?.all ?? []).map(({ state, cost, waypoints, expansions }) => ({ state, cost, waypoints, expansions })),
+            hit: queries?.ray?.hit ?? null,
         };
     }
 
@@ -469,14 +388,18 @@ export class Workbench {
 
     private setTool(tool: Tool): void {
         this.tool = tool;
-        this.pendingStart = this.pendingRay = null;
-        if (tool !== "look") showTab(tool === "path" ? "search" : "ray");
+        this.open?.queries.cancel();
+        this.showToolTab();
+    }
+
+    private showToolTab(): void {
+        if (this.tool !== "look") showTab(this.tool === "path" ? "search" : "ray");
     }
 
     private escape(): void {
         this.hideError();
-        this.pendingStart = this.pendingRay = this.focus = null;
-        this.addsNext = false;
+        this.focus = null;
+        this.open?.queries.cancel();
     }
 
     private connectControls(): void {
@@ -491,14 +414,16 @@ export class Workbench {
             link: () => void navigator.clipboard?.writeText(location.href),
             theme: () => this.setTheme(!this.isDark),
             help: () => element<HTMLDialogElement>("keys").showModal(),
-            play: () => this.togglePlay(),
-            step: () => this.step(),
-            finish: () => this.finish(),
-            restart: () => this.restart(),
-            another: () => (this.addsNext = !this.addsNext),
-            crowd: () => this.addCrowd(),
-            clear: () => this.clearSearches(),
-            clearRay: () => (this.ray = this.pendingRay = null),
+            play: () => this.world?.queries.togglePlay(),
+            step: () => this.world?.queries.step(this.budget),
+            finish: () => this.world?.queries.finish(),
+            restart: () => this.world?.queries.restart(),
+            another: () => {
+                if (this.world) this.world.queries.addsNext = !this.world.queries.addsNext;
+            },
+            crowd: () => this.world?.queries.addCrowd(),
+            clear: () => this.world?.queries.clear(),
+            clearRay: () => this.world?.queries.clearRay(),
             errorClose: () => this.hideError(),
         };
         const shown = (action: () => void) => () => {
@@ -532,7 +457,9 @@ export class Workbench {
             " ": actions.play,
             Enter: actions.finish,
             Escape: () => this.escape(),
-            Delete: () => this.active && this.closeSearch(this.active),
+            Delete: () => {
+                if (this.open?.queries.active) this.closeSearch(this.open.queries.active);
+            },
             "?": actions.help,
         };
         bindKeys(withShow(keys));

@@ -219,16 +219,27 @@ test("files: both forms, defects to jump to, and broken ones that leave the page
     await page.click('[data-tab="defects"]');
     const entry = page.locator("#defects button").first();
     assert.equal(await entry.textContent(), expected[0]);
-    const before_ = await page.evaluate(() => window.workbench.view.cameraState[1]);
+    const target = () => page.evaluate(() => window.workbench.view.cameraState[1]);
+    const middle = await target();
     await entry.click();
-    assert.notDeepEqual(await page.evaluate(() => window.workbench.view.cameraState[1]), before_);
+    assert.notDeepEqual(await target(), middle);
 
-    // one that no world can run with, and ones that are no meshes
+    // one that no world can run with, which is drawn all the same
     const unfit = join(folder, "unfit.xml");
-    writeFileSync(unfit, whole.replace(/<cubesize>.*<\/cubesize>/, "<cubesize>0</cubesize>"));
+    writeFileSync(unfit, whole.replace(/<cubesize>.*<\/cubesize>/, "<cubesize>0</cubesize>")
+        .replace("<normal>0/1/0<", "<normal>0/0/0<")
+        .replaceAll("<vert_id>0<", "<vert_id>99999<")
+        .replace("<node_id>1<", "<node_id>77777<"));
     await page.setInputFiles("#file", unfit);
     await page.waitForSelector("#error:not([hidden])");
     assert.match(await text("errorText"), /unfit\.xml: .*cubesize is 0/);
+    assert.ok(await page.isDisabled("#crowd"));
+    const there = await target();
+    await page.click("#defects button:has-text('node 0: corner 0 refers to vertex 99999 of')");
+    assert.notDeepEqual(await target(), there);
+    await clickAt([10, 0, 10]);
+    await clickAt([20, 0, 35]);
+    assert.deepEqual((await results()).searches, []);
     await page.setInputFiles("#file", xml);
     await page.waitForFunction(() => document.getElementById("error").hidden);
     for (const [name, content] of [
