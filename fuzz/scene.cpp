@@ -2,7 +2,7 @@
 #include "fuzz/ground.h"
 #include "navmesh/meshdefects.h"
 #include "tools/picture/loadedmesh.h"
-#include "tools/zunobake/bakedmesh.h"
+#include "tools/zunobake/baker.h"
 
 #include <sstream>
 #include <stdexcept>
@@ -34,11 +34,8 @@ void bake(std::istream& file, std::size_t size) {
     readObj(file, size, "scene", options, scene);
     static const BakeSettings bakeSettings = settings();
     const TileBaker baker(scene, bakeSettings);
-    std::vector<TilePolygon> polygons;
-    for (std::size_t tile = 0; tile < baker.grid().tileCount(); ++tile)
-        for (TilePolygon& polygon : baker.bake(tile).mPolygons)
-            polygons.push_back(std::move(polygon));
-    const BakedMesh baked(polygons, bakeSettings, baker.cells());
+    const BakedMesh baked(bakeTiles(baker, [](std::size_t, std::size_t) {}), bakeSettings,
+                          baker.cells());
     if (baked.nodes().empty())
         return;
     LoadedMesh mesh;

@@ -177,7 +177,9 @@ TEST_P(SceneTest, PathsAreNotMuchLongerThanStraightenedOnes) {
         if (cost > 0 && length > least)
             ratios.push_back(double{cost} / length);
     };
-    const auto neighboursOf = [&](std::size_t node) { return mesh.mNodes[node].mNeighbours; };
+    const auto neighboursOf = [&](std::size_t node) -> const auto& {
+        return mesh.mNodes[node].mNeighbours;
+    };
     std::mt19937 random(3);
     for (std::size_t i = 0; i < GetParam().mSamples / 10; ++i) {
         const std::size_t first = random() % mesh.mNodes.size();

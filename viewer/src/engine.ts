@@ -42,6 +42,11 @@ export interface MeshDescription {
     islands: Uint32Array;
 }
 
+/** Where a node's centre is. */
+export function centreOf({ centres }: MeshDescription, node: number): Vec3 {
+    return [centres[node * 3], centres[node * 3 + 1], centres[node * 3 + 2]];
+}
+
 export interface MemoryFigures {
     blocks: number;
     bytes: number;

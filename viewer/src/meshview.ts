@@ -1,5 +1,5 @@
 import * as THREE from "three";
-import type { MeshDescription } from "./engine";
+import { centreOf, MeshDescription } from "./engine";
 
 export interface Palette {
     background: number;
@@ -93,8 +93,7 @@ export class MeshView {
     }
 
     centreOf(node: number): THREE.Vector3 {
-        const centre = new THREE.Vector3().fromArray(this.mesh.centres, node * 3);
-        return this.group.localToWorld(centre);
+        return this.group.localToWorld(new THREE.Vector3(...centreOf(this.mesh, node)));
     }
 
     /** Sets the colours of the palette, and none for what a search does. */

@@ -148,7 +148,8 @@ export function showDefects(mesh: MeshDescription | null, jump: (node: number) =
     const defects = mesh?.defects ?? [];
     setText("defectCount", defects.length ? String(defects.length) : "");
     const isBroken = mesh !== null && !mesh.isFit;
-    setText("defectHint", isBroken ? "No world runs over this mesh. Click to see the place." : defects.length ? "Click to see the place." : "Nothing is wrong with this mesh.");
+    const hint = (isBroken ? "No world runs over this mesh. " : "") + "Click to see the place.";
+    setText("defectHint", defects.length ? hint : "Nothing is wrong with this mesh.");
     element("defects").replaceChildren(
         ...defects.map(({ kind, text }) => {
             const entry = document.createElement("button");

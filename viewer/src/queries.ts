@@ -1,4 +1,4 @@
-import type { Engine, MeshDescription, Vec3 } from "./engine";
+import { centreOf, Engine, MeshDescription, Vec3 } from "./engine";
 import type { Marker } from "./overlays";
 import type { Ray } from "./rays";
 import { Search, SearchBoard } from "./searches";
@@ -43,7 +43,7 @@ export class Queries {
             const search = marker.owner;
             const [start, goal] = marker.kind === "start" ? [point, search.goal] : [search.start, point];
             this.active = this.board.replace(search, start, goal);
-            this.active.run(0xffffffff);
+            this.active.finish();
             return this.active;
         }
         if (this.ray) {
@@ -77,11 +77,8 @@ export class Queries {
 
     /** Twenty searches between nodes picked at random. */
     addCrowd(): void {
-        const { firstCorners, centres } = this.mesh;
-        const pick = (): Vec3 => {
-            const node = Math.floor(Math.random() * (firstCorners.length - 1));
-            return [...centres.subarray(node * 3, node * 3 + 3)] as Vec3;
-        };
+        const nodeCount = this.mesh.firstCorners.length - 1;
+        const pick = () => centreOf(this.mesh, Math.floor(Math.random() * nodeCount));
         for (let i = 0; i < 20; ++i) this.active = this.board.open(pick(), pick());
         this.isPlaying = true;
     }

@@ -43,6 +43,10 @@ export class Search {
         this.expansions = this.nodeStates().reduce((sum, state) => sum + (state === 2 ? 1 : 0), 0);
     }
 
+    finish(): void {
+        this.run(0xffffffff);
+    }
+
     /** Of each node 0: not visited, 1: open, 2: closed. */
     nodeStates(): Uint8Array {
         return this.id < 0 ? new Uint8Array() : this.engine.nodeStates(this.id);
@@ -104,6 +108,6 @@ export class SearchBoard {
     }
 
     finish(): void {
-        for (const search of this.all) search.run(0xffffffff);
+        for (const search of this.all) search.finish();
     }
 }

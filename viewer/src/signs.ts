@@ -1,5 +1,5 @@
 import type { Line2 } from "three/examples/jsm/lines/Line2.js";
-import type { MeshDescription, Vec3 } from "./engine";
+import { centreOf, MeshDescription, Vec3 } from "./engine";
 import type { Palette } from "./meshview";
 import { makePolyline, Marker, MarkerKind } from "./overlays";
 import type { Queries } from "./queries";
@@ -38,7 +38,6 @@ export function showSigns(view: View, mesh: MeshDescription, palette: Palette, q
         mark("rayEnd", palette.mark, to, rayOwner);
         if (hit >= 0) mark("hit", palette.wall, at);
     }
-    if (focus !== null)
-        mark("focus", palette.mark, [...mesh.centres.subarray(focus * 3, focus * 3 + 3)] as Vec3);
+    if (focus !== null) mark("focus", palette.mark, centreOf(mesh, focus));
     view.setSigns(lines, markers);
 }
