@@ -16,7 +16,7 @@ if(ZUNO_BUILD_TOOLS)
 endif()
 install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zunopathfinder
   FILES_MATCHING PATTERN "*.h")
-install(DIRECTORY hostkit/hostkit DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zunopathfinder
+install(DIRECTORY hostkit DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zunopathfinder
   FILES_MATCHING PATTERN "*.h")
 install(EXPORT zunopathfinder-targets NAMESPACE zuno:: DESTINATION ${package_folder})
 configure_package_config_file(cmake/zunopathfinder-config.cmake.in

@@ -2,11 +2,11 @@
 #pragma once
 
 #include "common/callback/callbackfilestream.h"
-#include "common/debug/report.h"
 #include "common/exceptions/exception.h"
 #include "common/interface.h"
 #include "common/memory/globalallocators.h"
 #include "common/memory/objectcreation.h"
+#include "common/report/report.h"
 #include "tests/support/memoryfiles.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/debug/reporttext.h"
 #include "common/memory/stlallocator.h"
+#include "common/report/reporttext.h"
 
 #include <ostream>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/debug/report.h"
+#include "common/report/report.h"
 #include "common/simplereferencecount.h"
 
 #include <utility>

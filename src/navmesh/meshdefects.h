@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/debug/reporttext.h"
+#include "common/report/reporttext.h"
 #include "navmesh/navmeshcontainer.h"
 
 namespace ZUNO::NavMesh {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/callback/memorycallback.h"
-#include "common/memory/memoryexceptions.h"
+#include "common/exceptions/memoryexceptions.h"
 
 #include <cstdlib>
 #include <set>

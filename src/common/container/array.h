@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/debug/report.h"
-#include "common/exceptions/indexerror.h"
+#include "common/report/indexerror.h"
+#include "common/report/report.h"
 
 namespace ZUNO::Common::Container {
 

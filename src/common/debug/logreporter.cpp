@@ -1,8 +1,8 @@
 #include "common/debug/logreporter.h"
 
 #include "common/debug/logmanager.h"
-#include "common/debug/report.h"
 #include "common/memory/globalallocators.h"
+#include "common/report/report.h"
 
 namespace ZUNO::Common::Debug {
 

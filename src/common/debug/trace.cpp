@@ -1,8 +1,8 @@
 #include "common/debug/trace.h"
 
-#include "common/debug/report.h"
 #include "common/memory/globalallocators.h"
 #include "common/platform/tracechannel.h"
+#include "common/report/report.h"
 
 #include <cstring>
 #include <limits>

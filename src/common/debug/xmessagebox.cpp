@@ -1,7 +1,7 @@
 #include "common/debug/xmessagebox.h"
 
-#include "common/debug/report.h"
 #include "common/platform/messagebox.h"
+#include "common/report/report.h"
 
 namespace ZUNO::Common::Debug {
 

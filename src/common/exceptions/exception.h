@@ -1,8 +1,8 @@
 #pragma once
 
 #include "common/basicstring.h"
-#include "common/container/pair.h"
-#include "common/debug/callstack.h"
+#include "common/exceptions/callstack.h"
+#include "common/exceptions/pair.h"
 #include "common/memory/stlallocator.h"
 
 #include <cstddef>

@@ -1,8 +1,8 @@
 // Functions that throw on behalf of headers that the exceptions themselves are built on.
 #include "common/exceptions/argumentexceptions.h"
-#include "common/exceptions/indexerror.h"
+#include "common/exceptions/memoryexceptions.h"
 #include "common/exceptions/stateexceptions.h"
-#include "common/memory/memoryexceptions.h"
+#include "common/report/indexerror.h"
 
 namespace ZUNO::Common {
 

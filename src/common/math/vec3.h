@@ -1,8 +1,8 @@
 #pragma once
 
-#include "common/debug/report.h"
-#include "common/exceptions/indexerror.h"
 #include "common/math/vec2.h"
+#include "common/report/indexerror.h"
+#include "common/report/report.h"
 
 #include <cmath>
 

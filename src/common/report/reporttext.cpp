@@ -1,4 +1,4 @@
-#include "common/debug/reporttext.h"
+#include "common/report/reporttext.h"
 
 namespace ZUNO::Common::Debug {
 

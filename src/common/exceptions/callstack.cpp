@@ -1,4 +1,4 @@
-#include "common/debug/callstack.h"
+#include "common/exceptions/callstack.h"
 
 #include "common/platform/stackwalker.h"
 

@@ -1,4 +1,4 @@
-#include "common/debug/report.h"
+#include "common/report/report.h"
 
 #include "common/platform/assertion.h"
 

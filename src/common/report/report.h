@@ -2,7 +2,7 @@
 /// on as the place that reports describes.
 #pragma once
 
-#include "common/debug/reporttext.h"
+#include "common/report/reporttext.h"
 
 namespace ZUNO::Common::Debug {
 
