@@ -2,7 +2,10 @@
 #include "tests/host/hosttest.h"
 
 #include <bit>
+#include <charconv>
+#include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <random>
 #include <sstream>
 
@@ -10,19 +13,40 @@ namespace ZUNO::Tests {
 
 namespace {
 
-/// FNV-1a over 32-bit words.
-class Digest {
+/// Answers of one kind: their FNV-1a over 32-bit words, and their texts in a log of all queries.
+/// The shortest text of a float tells its bits.
+class Answers {
 public:
-    void add(std::uint32_t word) { mHash = (mHash ^ word) * 0x100000001B3U; }
-    void add(float number) { add(std::bit_cast<std::uint32_t>(number)); }
+    Answers(const char* name, std::string& log) : mName(name), mLog(log) {}
+
+    void add(std::uint32_t number) {
+        mHash = (mHash ^ number) * 0x100000001B3U;
+        write(number);
+    }
+    void add(float number) {
+        mHash = (mHash ^ std::bit_cast<std::uint32_t>(number)) * 0x100000001B3U;
+        write(number);
+    }
     void add(const Vec3<float>& point) {
         add(point.mX);
         add(point.mY);
         add(point.mZ);
     }
-    std::uint64_t value() const { return mHash; }
+    std::string line(unsigned int count) const {
+        std::ostringstream text;
+        text << mName << ' ' << count << ' ' << std::hex << mHash << '\n';
+        return text.str();
+    }
 
 private:
+    template <typename Number>
+    void write(Number number) {
+        char digits[32];
+        mLog.append(1, ' ').append(digits, std::to_chars(digits, std::end(digits), number).ptr);
+    }
+
+    const char* mName;
+    std::string& mLog;
     std::uint64_t mHash = 0xCBF29CE484222325U;
 };
 
@@ -38,8 +62,10 @@ private:
     std::mt19937 mEngine;
 };
 
-/// Asks the world that runs for everything, at places within its bounds, and lists the digests.
-std::string askEverything(unsigned int queries) {
+/// Asks the world that runs for everything, at places within its bounds. Lists the digests, and
+/// appends a line for each query to the log: where, the ground's heights, whether the goal is
+/// blocked, the ray's hit, and the search: what each slice gave, the waypoints, the cost.
+std::string askEverything(const char* mesh, unsigned int queries, std::string& log) {
     Vec2<float> low(0, 0);
     Vec2<float> high(0, 0);
     Interface::getBoundingRectangle(low, high);
@@ -49,40 +75,54 @@ std::string askEverything(unsigned int queries) {
         const float y = random.between(low.mY, high.mY);
         return Vec2<float>(x, y);
     };
-    Digest paths;
-    Digest rays;
-    Digest grounds;
+    Answers places("places", log);
+    Answers grounds("grounds", log);
+    Answers rays("rays", log);
+    Answers paths("paths", log);
     unsigned int found = 0;
     for (unsigned int i = 0; i < queries; ++i) {
         const Vec2<float> from = place();
         const Vec2<float> to = place();
+        log += mesh + std::string(" ") + std::to_string(i) + " from";
+        for (const float coordinate : {from.mX, from.mY, to.mX, to.mY})
+            places.add(coordinate);
         const float startHeight = Interface::getGroundHeight(from);
         const float goalHeight = Interface::getGroundHeight(to);
+        log += " ground";
         grounds.add(startHeight);
         grounds.add(Interface::isBlocked(to) ? 1U : 0U);
         Common::Geom::Ray2D<float, float> ray(from, to);
         Interface::traceRay(ray);
+        log += " ray";
         rays.add(ray.mHitDistance);
+        log += " path";
         const int search =
             Interface::initPathSearch({from.mX, startHeight, from.mY}, {to.mX, goalHeight, to.mY});
-        if (search < 0)
-            continue;
-        int state = 0;
-        do {
-            state = Interface::runPathSearch(search, 7);
-            paths.add(static_cast<std::uint32_t>(state));
-        } while (state == 1);
-        found += state == 0 ? 1U : 0U;
-        for (Vec3<float> waypoint(0, 0, 0); Interface::getNextWaypoint(search, waypoint);)
-            paths.add(waypoint);
-        paths.add(Interface::getPathCost(search));
-        Interface::closePathSearch(search);
+        if (search >= 0) {
+            int state = 0;
+            do {
+                state = Interface::runPathSearch(search, 7);
+                paths.add(static_cast<std::uint32_t>(state));
+            } while (state == 1);
+            found += state == 0 ? 1U : 0U;
+            for (Vec3<float> waypoint(0, 0, 0); Interface::getNextWaypoint(search, waypoint);)
+                paths.add(waypoint);
+            paths.add(Interface::getPathCost(search));
+            Interface::closePathSearch(search);
+        }
+        log += '\n';
     }
-    std::ostringstream text;
-    text << "grounds " << queries << ' ' << std::hex << grounds.value() << '\n';
-    text << "rays " << std::dec << queries << ' ' << std::hex << rays.value() << '\n';
-    text << "paths " << std::dec << found << ' ' << std::hex << paths.value() << '\n';
-    return text.str();
+    return grounds.line(queries) + rays.line(queries) + paths.line(found);
+}
+
+/// Keeps the log in the file that ZUNO_QUERY_LOG names, or else, when something differs, here.
+std::string keepLog(const std::string& log, bool isAsExpected) {
+    const char* const wanted = std::getenv("ZUNO_QUERY_LOG");
+    if (wanted == nullptr && isAsExpected)
+        return "";
+    const std::string name = wanted != nullptr ? wanted : "queries.log";
+    std::ofstream(name, std::ios::binary) << log;
+    return "every query is in " + name + "; `./run queries` compares two systems' logs";
 }
 
 } // namespace
@@ -98,15 +138,17 @@ TEST_F(HostTest, GivesTheSameBitsOnEverySystem) {
     mFiles->mFiles["turned"] = turned;
     mFiles->mFiles["harbour"] = Worlds::makeHarbour().toXML("harbour");
     std::string made;
+    std::string log;
     for (const char* const mesh : {"harbour", "turned"}) {
         ASSERT_TRUE(start(mesh));
-        made += mesh + std::string("\n") + askEverything(3000);
+        made += mesh + std::string("\n") + askEverything(mesh, 3000, log);
         Interface::close();
     }
     std::ifstream committed(ZUNO_SOURCE_FOLDER "/tests/host/digests.txt");
     std::ostringstream expected;
     expected << committed.rdbuf();
-    EXPECT_EQ(made, expected.str());
+    const std::string note = keepLog(log, made == expected.str());
+    EXPECT_EQ(made, expected.str()) << note;
 }
 
 } // namespace ZUNO::Tests
