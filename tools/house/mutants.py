@@ -1,0 +1,207 @@
+#!/usr/bin/env python3
+"""Plants small faults, one at a time, and lists those that no test notices.
+
+usage: mutants.py [N] [--seed S] [--only GLOB] [--jobs J]
+
+N faults (60) at random places of src/ and hostkit/, or of the files that GLOB names, each kind of
+fault as often as any other. All happens in a copy, build/mutants/tree, which each run brings up to
+date: the sources stay as they are, whenever a run is stopped. What does not compile, and what
+compiles to the same machine code, is no fault: it is counted apart and another is planted in its
+place. A fault is noticed when a test fails, crashes, or takes five times as long as it should.
+
+The exit status is 0 when all were noticed, 1 when some were not, 2 when nothing could be tried.
+"""
+import argparse
+import fnmatch
+import hashlib
+import os
+import pathlib
+import random
+import re
+import resource
+import shutil
+import signal
+import subprocess
+import sys
+import time
+
+from mutations import KINDS, faults_of
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+HOME = ROOT / "build/mutants"
+TREE, BUILD = HOME / "tree", HOME / "build"
+TESTS = ["unittests", "hosttests"]
+PROGRAMS = ["bin/unittests", "bin/hosttests", "bin/zunopath", "bin/zunotrace", "lib/libzunopathfinder.so"]
+
+
+def copy_tree():
+    """The sources as they are now, with uncommitted changes; what did not change is not touched."""
+    listed = subprocess.run(["git", "ls-files", "-co", "--exclude-standard"], cwd=ROOT, check=True,
+                            capture_output=True, text=True).stdout.splitlines()
+    names = {name for name in listed if (ROOT / name).is_file()}
+    for old in [path for path in TREE.rglob("*") if path.is_file()]:
+        if old.relative_to(TREE).as_posix() not in names:
+            old.unlink()
+    for name in names:
+        target = TREE / name
+        if not target.is_file() or target.read_bytes() != (ROOT / name).read_bytes():
+            target.parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy(ROOT / name, target)
+
+
+def configure():
+    launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
+    return run(["cmake", "-S", TREE, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
+                "-DCMAKE_CXX_FLAGS_DEBUG=-O1", *launcher], 600)
+
+
+def build(jobs):
+    return run(["cmake", "--build", BUILD, "--target", *TESTS, "--", "-j", str(jobs)], 3600)
+
+
+def run(command, limit, tests=False):
+    """Runs a program; returns (whether it succeeded, what it printed). Ends all that it started."""
+    def bound():
+        os.setsid()
+        if tests:  # a fault may ask for all memory, or fill the disk
+            resource.setrlimit(resource.RLIMIT_AS, (24 << 30, 24 << 30))
+            resource.setrlimit(resource.RLIMIT_FSIZE, (8 << 30, 8 << 30))
+    process = subprocess.Popen([str(word) for word in command], cwd=HOME, preexec_fn=bound, text=True,
+                               errors="replace", stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+    try:
+        output = process.communicate(timeout=limit)[0]
+    except subprocess.TimeoutExpired:
+        os.killpg(process.pid, signal.SIGKILL)
+        process.communicate()
+        return False, "it takes too long"
+    except BaseException:
+        os.killpg(process.pid, signal.SIGKILL)
+        raise
+    return process.returncode == 0, output
+
+
+def digests():
+    return {name: hashlib.sha256((BUILD / name).read_bytes()).digest() for name in PROGRAMS}
+
+
+def run_test(name, limit):
+    """Why the test program failed: the first test that did; empty when it passed."""
+    passed, output = run([BUILD / "bin" / name, "--gtest_fail_fast", "--gtest_brief=1"], limit, tests=True)
+    if passed:
+        return ""
+    failed = re.findall(r"\[  FAILED  \] ([\w/]+\.[\w/]+)", output)
+    return failed[0] if failed else f"{name}: {output.strip().splitlines()[-1] if output.strip() else 'crash'}"
+
+
+class Campaign:
+    """A baseline, and faults tried against it."""
+
+    def __init__(self, jobs):
+        self.jobs = jobs
+        self.limits = {}
+
+    def start(self):
+        """Builds and tests without a fault; returns what is wrong, or nothing."""
+        copy_tree()
+        for done, output in (configure(), build(self.jobs)):
+            if not done:
+                return output[-3000:]
+        for name in TESTS:
+            begin = time.monotonic()
+            failure = run_test(name, 1200)
+            if failure:
+                return f"without any fault {name} fails: {failure}"
+            self.limits[name] = 10 + 5 * (time.monotonic() - begin)
+        self.clean = digests()
+        return ""
+
+    def try_fault(self, fault):
+        """("uncompilable" | "same code" | "survived" | "killed", by what)"""
+        file = TREE / fault.file
+        whole = file.read_bytes()
+        text = whole.decode()
+        try:
+            file.write_text(text[:fault.begin] + fault.text + text[fault.end:])
+            if not build(self.jobs)[0]:
+                return "uncompilable", ""
+            now = digests()
+            if now == self.clean:
+                return "same code", ""
+            for name in TESTS:
+                if name == "unittests" and now["bin/unittests"] == self.clean["bin/unittests"]:
+                    continue
+                failure = run_test(name, self.limits[name])
+                if failure:
+                    return "killed", failure
+            return "survived", ""
+        finally:
+            file.write_bytes(whole)
+
+
+def describe(fault):
+    lines = (ROOT / fault.file).read_text()
+    begin = lines.rfind("\n", 0, fault.begin) + 1
+    end = lines.find("\n", fault.end)
+    before = " ".join(lines[begin:end].split())
+    after = " ".join((lines[begin:fault.begin] + fault.text + lines[fault.end:end]).split())
+    return f"{fault.file}:{fault.line}: {fault.kind}\n    - {before}\n    + {after}"
+
+
+def choose(glob, seed):
+    """Faults in random order, their kinds taking turns at random; none twice."""
+    files = subprocess.run(["git", "ls-files", "--", "src", "hostkit"], cwd=ROOT, check=True,
+                           capture_output=True, text=True).stdout.splitlines()
+    files = [name for name in files if name.endswith((".h", ".cpp")) and fnmatch.fnmatch(name, glob)
+             and "/platform/win32/" not in name and "/platform/web/" not in name]
+    by_kind = {kind: [] for kind in KINDS}
+    for name in files:
+        for fault in faults_of(name, (ROOT / name).read_text()):
+            by_kind[fault.kind].append(fault)
+    chance = random.Random(seed)
+    while any(by_kind.values()):
+        faults = by_kind[chance.choice([kind for kind in KINDS if by_kind[kind]])]
+        yield faults.pop(chance.randrange(len(faults)))
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="./run mutants", usage=__doc__)
+    parser.add_argument("count", nargs="?", type=int, default=60)
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--only", default="*")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count())
+    arguments = parser.parse_args()
+    HOME.mkdir(parents=True, exist_ok=True)
+    campaign = Campaign(arguments.jobs)
+    print("building and testing without faults", flush=True)
+    wrong = campaign.start()
+    if wrong:
+        print(wrong)
+        return 2
+    counts = {"killed": 0, "survived": 0, "uncompilable": 0, "same code": 0}
+    survivors, begin = [], time.monotonic()
+    for fault in choose(arguments.only, arguments.seed):
+        tried = counts["killed"] + counts["survived"]
+        if tried == arguments.count:
+            break
+        outcome, by = campaign.try_fault(fault)
+        counts[outcome] += 1
+        if outcome in ("killed", "survived"):
+            tried += 1
+            left = (time.monotonic() - begin) / tried * (arguments.count - tried) / 60
+            print(f"[{tried}/{arguments.count}, {left:.0f} min left] {fault.file}:{fault.line}: {fault.kind}: "
+                  f"{outcome}{' by ' + by if by else ''}", flush=True)
+        if outcome == "survived":
+            survivors.append(describe(fault))
+            (HOME / "survivors.txt").write_text("\n".join(survivors) + "\n")
+            print(survivors[-1], flush=True)
+    print("\n".join(["", *survivors]))
+    print(f"seed {arguments.seed}: {counts['killed']} of {counts['killed'] + counts['survived']} faults were "
+          f"noticed; beside them {counts['uncompilable']} did not compile and {counts['same code']} gave the "
+          "same machine code")
+    if counts["killed"] + counts["survived"] == 0:
+        return 2
+    return 1 if survivors else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
