@@ -1,0 +1,112 @@
+// Many characters' searches: alone, one after the other, and scheduled over frames.
+#include "hostkit/scheduler.h"
+#include "hostkit/session.h"
+#include "worlds/meshmodel.h"
+
+#include <benchmark/benchmark.h>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <numeric>
+#include <random>
+
+namespace {
+
+using namespace ZUNO::HostKit;
+using std::chrono::microseconds;
+
+/// A world over a floor of 3,800 nodes, and the paths that characters ask for.
+class Crowd {
+public:
+    explicit Crowd(std::size_t requests) {
+        const auto mesh = ZUNO::Worlds::makeFloor(3800, 1);
+        const auto file = std::filesystem::temp_directory_path() / "zunobench-crowd.xml";
+        std::ofstream(file, std::ios::binary) << mesh.toXML("benchmark");
+        mSession = std::make_unique<Session>(file.string());
+        const auto places = ZUNO::Worlds::placesOn(mesh);
+        std::mt19937 random(1);
+        const auto pick = [&] {
+            const auto& [x, y, z] = places[random() % places.size()];
+            return ZUNO::Common::Math::Vec3<float>(x, y, z);
+        };
+        mRequests.resize(requests);
+        for (PathRequest& request : mRequests)
+            request = {pick(), pick()};
+    }
+
+    std::unique_ptr<Session> mSession;
+    std::vector<PathRequest> mRequests;
+    Exports mExports;
+};
+
+void searchAlone(benchmark::State& state) {
+    Crowd crowd(1000);
+    std::vector<ZUNO::Common::Math::Vec3<float>> waypoints;
+    for (auto _ : state) {
+        for (const PathRequest& request : crowd.mRequests) {
+            const int search = crowd.mExports.initPathSearch(request.mStart, request.mGoal);
+            crowd.mExports.runPathSearch(search, 1000000);
+            waypoints.clear();
+            for (ZUNO::Common::Math::Vec3<float> p; crowd.mExports.getNextWaypoint(search, p);)
+                waypoints.push_back(p);
+            crowd.mExports.closePathSearch(search);
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * 1000);
+}
+BENCHMARK(searchAlone)->Unit(benchmark::kMillisecond);
+
+/// The argument is the slice. All requests are added at once.
+void searchScheduled(benchmark::State& state) {
+    Crowd crowd(1000);
+    Scheduler scheduler(crowd.mExports, {.mSlice = static_cast<std::uint32_t>(state.range(0))});
+    std::vector<RequestId> ids;
+    PathAnswer answer;
+    for (auto _ : state) {
+        ids.clear();
+        for (const PathRequest& request : crowd.mRequests)
+            ids.push_back(scheduler.add(request));
+        while (scheduler.queueLength() != 0)
+            scheduler.advance(FrameBudget::time(microseconds(500)));
+        for (const RequestId id : ids)
+            scheduler.take(id, answer);
+    }
+    state.SetItemsProcessed(state.iterations() * 1000);
+}
+BENCHMARK(searchScheduled)->Arg(4)->Arg(8)->Arg(16)->Arg(32)->Unit(benchmark::kMillisecond);
+
+/// The processor's time, which other programs on the machine don't lengthen.
+std::chrono::nanoseconds processorTime() {
+    return std::chrono::nanoseconds(std::int64_t{std::clock()} * (1000000000 / CLOCKS_PER_SEC));
+}
+
+/// 1,000 agents that ask anew whenever they are answered, over 10,000 frames of 500 us.
+void frames(benchmark::State& state) {
+    Crowd crowd(10000);
+    Scheduler scheduler(crowd.mExports, {.mClock = processorTime});
+    for (auto _ : state) {
+        std::size_t next = 0;
+        std::vector<RequestId> ids(1000);
+        for (RequestId& id : ids)
+            id = scheduler.add(crowd.mRequests[next++]);
+        PathAnswer answer;
+        std::vector<double> times;
+        for (int frame = 0; frame < 10000; ++frame) {
+            scheduler.advance(FrameBudget::time(microseconds(500)));
+            times.push_back(static_cast<double>(scheduler.figures().mFrameTime.count()) / 500000);
+            for (RequestId& id : ids)
+                if (scheduler.take(id, answer))
+                    id = scheduler.add(crowd.mRequests[next++ % crowd.mRequests.size()]);
+        }
+        std::ranges::sort(times);
+        state.counters["mean"] = std::accumulate(times.begin(), times.end(), 0.0) / 10000;
+        state.counters["p99.9"] = times[9990];
+        state.counters["most"] = times.back();
+        state.counters["above110%"] =
+            static_cast<double>(times.end() - std::ranges::upper_bound(times, 1.1));
+        state.counters["waited"] = scheduler.figures().mMostFramesWaited;
+    }
+}
+BENCHMARK(frames)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+} // namespace

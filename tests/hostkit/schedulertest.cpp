@@ -1,0 +1,274 @@
+#include "hostkit/scheduler.h"
+#include "tests/host/hosttest.h"
+#include "tests/support/heaprequests.h"
+
+#include <array>
+#include <map>
+#include <random>
+
+namespace ZUNO::Tests {
+
+using HostKit::FrameBudget;
+using HostKit::PathAnswer;
+using HostKit::PathRequest;
+using HostKit::PathResult;
+using HostKit::Priority;
+using HostKit::RequestId;
+using HostKit::Scheduler;
+using std::chrono::nanoseconds;
+
+namespace {
+
+/// A world whose searches take as many expansions as the goal's x says, and a microsecond each.
+class CostlyExports : public HostKit::Exports {
+public:
+    int initPathSearch(const Vec3& start, const Vec3& goal) override {
+        if (goal.mX < 0)
+            return -1;
+        if (mFree.empty()) {
+            mFree.push_back(static_cast<int>(mLeft.size()));
+            mLeft.push_back(0);
+            mCharacters.push_back(0);
+        }
+        const int id = mFree.back();
+        mFree.pop_back();
+        mLeft[static_cast<std::size_t>(id)] = static_cast<unsigned int>(goal.mX);
+        mCharacters[static_cast<std::size_t>(id)] = static_cast<std::size_t>(start.mX);
+        return id;
+    }
+    int runPathSearch(int id, unsigned int budget) override {
+        unsigned int& left = mLeft.at(static_cast<std::size_t>(id));
+        const unsigned int done = std::min(left, budget);
+        left -= done;
+        mExpansions += done;
+        mNow += std::chrono::microseconds(done);
+        if (mOnSlice)
+            mOnSlice(mCharacters[static_cast<std::size_t>(id)], budget);
+        if (mFailures != 0 && --mFailures == 0)
+            throw std::bad_alloc();
+        return left == 0 ? 2 : 1;
+    }
+    bool closePathSearch(int id) override {
+        if (mOnClose)
+            mOnClose(mCharacters[static_cast<std::size_t>(id)]);
+        mFree.push_back(id);
+        return true;
+    }
+    std::size_t openCount() const { return mLeft.size() - mFree.size(); }
+
+    std::function<void(std::size_t, unsigned int)> mOnSlice; ///< the character, and its expansions
+    std::function<void(std::size_t)> mOnClose;
+    std::uint64_t mExpansions = 0;
+    nanoseconds mNow{0};
+    unsigned int mFailures = 0; ///< the call that fails, counted from 1
+
+private:
+    std::vector<unsigned int> mLeft;
+    std::vector<std::size_t> mCharacters;
+    std::vector<int> mFree;
+};
+
+PathRequest costing(unsigned int expansions, Priority priority = Priority::NORMAL,
+                    unsigned int deadline = 0, std::size_t character = 0) {
+    return {{static_cast<float>(character), 0, 0},
+            {static_cast<float>(expansions), 0, 0},
+            priority,
+            deadline};
+}
+
+} // namespace
+
+TEST(SchedulerTest, GivesEachSliceToTheRequestWhoseTurnItIs) {
+    // an account of its own: what each character asked for, when, and what it was charged
+    struct Account {
+        RequestId mId = 0;
+        std::uint64_t mDue = 0;
+        std::uint64_t mCharged = 1; // for being opened
+        std::pair<std::uint64_t, RequestId> turn() const { return {mDue + mCharged / 100, mId}; }
+    };
+    std::map<std::size_t, Account> open;
+    CostlyExports exports;
+    Scheduler scheduler(exports, {.mSlice = 10, .mTurn = 100});
+    unsigned int slices = 0;
+    unsigned int outOfTurn = 0;
+    exports.mOnSlice = [&](std::size_t character, unsigned int slice) {
+        Account& served = open[character];
+        for (const auto& [other, account] : open)
+            outOfTurn += account.turn() < served.turn() ? 1 : 0;
+        served.mCharged += slice;
+        ++slices;
+    };
+    exports.mOnClose = [&](std::size_t character) { open.erase(character); };
+    std::mt19937 random(5);
+    const auto below = [&](unsigned int count) {
+        return static_cast<unsigned int>(random() % count);
+    };
+    for (std::uint64_t frame = 0; frame < 600; ++frame) {
+        for (std::size_t character = 0; character < 40; ++character) {
+            if (open.contains(character) || below(2) == 0)
+                continue;
+            const unsigned int deadline = below(3) == 0 ? 1 + below(20) : 0;
+            const unsigned int priority = below(3);
+            const unsigned int patience = std::array{0U, 30U, 300U}[priority];
+            const RequestId id = scheduler.add(
+                costing(1 + below(900), static_cast<Priority>(priority), deadline, character));
+            open[character] = {
+                id, frame + (deadline != 0 ? std::min(patience, deadline - 1) : patience)};
+        }
+        scheduler.advance(FrameBudget::expansions(1000));
+    }
+    EXPECT_EQ(outOfTurn, 0U) << "of " << slices;
+    EXPECT_GT(scheduler.figures().answered(), 1000U);
+    EXPECT_GT(scheduler.figures().mLate, 0U) << "the load should be too much for some";
+}
+
+TEST(SchedulerTest, KeepsToItsBudgetAndStarvesNobody) {
+    constexpr unsigned int agents = 1000;
+    constexpr unsigned int dearest = 2000;
+    constexpr unsigned int budget = 5000;
+    for (const bool isTimed : {false, true}) {
+        CostlyExports exports;
+        Scheduler scheduler(exports, {.mClock = [&] { return exports.mNow; }});
+        const FrameBudget frameBudget = isTimed
+                                            ? FrameBudget::time(std::chrono::microseconds(budget))
+                                            : FrameBudget::expansions(budget);
+        std::mt19937 random(7);
+        const auto request = [&] {
+            const auto expansions = static_cast<unsigned int>(1 + random() % dearest);
+            return costing(expansions, static_cast<Priority>(random() % 3));
+        };
+        std::vector<RequestId> ids(agents);
+        for (RequestId& id : ids)
+            id = scheduler.add(request());
+        PathAnswer answer;
+        std::size_t heapBefore = 0;
+        for (unsigned int frame = 0; frame < 10000; ++frame) {
+            if (frame == 2000)
+                heapBefore = heapRequests();
+            const std::uint64_t before = exports.mExpansions;
+            scheduler.advance(frameBudget);
+            const auto spent = exports.mExpansions - before;
+            ASSERT_LE(spent, budget + (isTimed ? 31 : 0)) << "frame " << frame;
+            ASSERT_GE(isTimed ? spent : scheduler.figures().mFrameExpansions, budget);
+            for (RequestId& id : ids) {
+                if (!scheduler.take(id, answer))
+                    continue;
+                // before its turn came at the latest; then one request of each agent goes before
+                const unsigned int turn = 300 + dearest / 1024 + 1;
+                ASSERT_LE(answer.mFramesWaited, turn + agents * (dearest + 64) / budget + 1);
+                id = scheduler.add(request());
+            }
+        }
+        EXPECT_EQ(heapRequests(), heapBefore);
+        EXPECT_GT(scheduler.figures().answered(), 40000U);
+        EXPECT_EQ(scheduler.queueLength(), agents);
+    }
+}
+
+TEST(SchedulerTest, CallbacksMayDoWhatTheyLike) {
+    CostlyExports exports;
+    std::vector<RequestId> answered;
+    {
+        Scheduler scheduler(exports);
+        RequestId second = 0;
+        RequestId third = 0;
+        const RequestId first = scheduler.add(costing(1), [&](RequestId id, PathAnswer& answer) {
+            answered.push_back(id);
+            EXPECT_EQ(answer.mResult, PathResult::NO_PATH);
+            EXPECT_FALSE(scheduler.cancel(id) || scheduler.change(id, {}) || scheduler.isOpen(id));
+            EXPECT_TRUE(scheduler.cancel(second));
+            for (int i = 0; i < 100; ++i) // more room is needed while the answer is looked at
+                third = scheduler.add(costing(1));
+            EXPECT_EQ(answer.mGoal.mX, 1.0F);
+            EXPECT_THROW(scheduler.advance(FrameBudget::expansions(1)), std::logic_error);
+        });
+        second =
+            scheduler.add(costing(1), [&](RequestId id, PathAnswer&) { answered.push_back(id); });
+        scheduler.add(costing(1), [](RequestId, PathAnswer&) { throw std::runtime_error("host"); });
+        const RequestId last =
+            scheduler.add(costing(1), [&](RequestId id, PathAnswer&) { answered.push_back(id); });
+        EXPECT_THROW(scheduler.advance(FrameBudget::expansions(1000)), std::runtime_error);
+        EXPECT_EQ(answered, std::vector<RequestId>{first});
+        scheduler.advance(FrameBudget::expansions(50)); // the callback that is left, and some more
+        EXPECT_EQ(answered, (std::vector<RequestId>{first, last}));
+        EXPECT_FALSE(scheduler.find(third));
+        scheduler.advance(FrameBudget::expansions(10000));
+        ASSERT_TRUE(scheduler.find(third));
+
+        // what an export throws leaves everything as it was
+        const RequestId dear = scheduler.add(costing(100));
+        exports.mFailures = 2;
+        EXPECT_THROW(scheduler.advance(FrameBudget::expansions(1000)), std::bad_alloc);
+        EXPECT_TRUE(scheduler.isOpen(dear));
+        scheduler.add(costing(5000));
+        scheduler.advance(FrameBudget::expansions(500));
+        EXPECT_TRUE(scheduler.find(dear));
+        EXPECT_EQ(exports.openCount(), 1U);
+    }
+    EXPECT_EQ(exports.openCount(), 0U) << "a scheduler closes what it opened";
+}
+
+using SchedulingTest = HostTest;
+
+TEST_F(SchedulingTest, PathsDontDependOnHowFramesFall) {
+    const Worlds::MeshModel floor = Worlds::makeFloor(1500, 5);
+    mFiles->mFiles["floor"] = floor.toXML("floor");
+    ASSERT_TRUE(start());
+    const auto places = Worlds::placesOn(floor);
+    std::mt19937 random(3);
+    const auto place = [&] {
+        const auto& [x, y, z] = places[random() % places.size()];
+        return Vec3<float>(x, random() % 30 == 0 ? 99 : y, z);
+    };
+    std::vector<PathRequest> requests(120);
+    for (PathRequest& request : requests)
+        request = {place(), place(), static_cast<Priority>(random() % 3), 0};
+    HostKit::Exports exports;
+    using Paths = std::vector<std::vector<Vec3<float>>>;
+    const auto pathsOf = [&](const FrameBudget& budget, std::uint32_t slice) {
+        Scheduler scheduler(exports, {.mSlice = slice, .mTurn = 50});
+        std::vector<RequestId> ids;
+        for (const PathRequest& request : requests) {
+            const RequestId wrong = scheduler.add({request.mGoal, request.mStart});
+            ids.push_back(scheduler.add({request.mGoal, request.mGoal}));
+            scheduler.advance(budget);
+            EXPECT_TRUE(scheduler.change(ids.back(), request));
+            scheduler.advance(budget);
+            scheduler.cancel(wrong);
+            if (random() % 40 == 0) { // a new world in the old one's place
+                Interface::close();
+                EXPECT_TRUE(start());
+                scheduler.restart();
+            }
+        }
+        while (scheduler.queueLength() != 0)
+            scheduler.advance(budget);
+        Paths paths;
+        PathAnswer answer;
+        for (const RequestId id : ids) {
+            EXPECT_TRUE(scheduler.take(id, answer));
+            paths.push_back(answer.mWaypoints);
+            paths.back().emplace_back(answer.mCost, static_cast<float>(answer.mResult), 0.0F);
+        }
+        return paths;
+    };
+    Paths alone;
+    for (const PathRequest& request : requests) {
+        const int search = Interface::initPathSearch(request.mStart, request.mGoal);
+        const int result = search < 0 ? 2 : Interface::runPathSearch(search, 1000000);
+        auto& path = alone.emplace_back();
+        for (Vec3<float> waypoint; search >= 0 && Interface::getNextWaypoint(search, waypoint);)
+            path.push_back(waypoint);
+        const auto kind = search < 0    ? PathResult::OFF_MESH
+                          : result == 0 ? PathResult::FOUND
+                                        : PathResult::NO_PATH;
+        path.emplace_back(search < 0 ? 0.0F : Interface::getPathCost(search),
+                          static_cast<float>(kind), 0.0F);
+        Interface::closePathSearch(search);
+    }
+    EXPECT_EQ(pathsOf(FrameBudget::expansions(7), 3), alone);
+    EXPECT_EQ(pathsOf(FrameBudget::expansions(100000), 64), alone);
+    EXPECT_EQ(pathsOf(FrameBudget::time(std::chrono::microseconds(20)), 16), alone);
+}
+
+} // namespace ZUNO::Tests
