@@ -48,15 +48,11 @@ bool Interface::initWorldRepresentation(const BasicString<char>& navMeshFile,
         ZUNO_REPORT("false", "initWorldRepresentation couldn't make NavMeshInstance");
         return false;
     }
-    if (!world->loadNavMesh(navMeshFile)) {
+    if (!world->load(navMeshFile, blockingMapFile)) {
         ZUNO_REPORT("false",
                     "Cannot initialise the world representation, error in file: " << navMeshFile);
         return false;
     }
-    if (blockingMapFile.isEmpty())
-        world->initRayTracer("NoBlockingMap", false);
-    else
-        world->initRayTracer(blockingMapFile, true);
     return true;
 }
 

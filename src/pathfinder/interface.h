@@ -26,9 +26,13 @@ public:
     /// `cbMemory` (null: the process heap) gives all memory and `cbFileIO` all files until `close`.
     /// `blockingMapFile` must be empty: a name raises a NotSupportedException and leaves a world
     /// that can search paths but has no blocking map.
-    /// Returns whether the mesh was loaded. Raises what opening, reading and parsing the file
-    /// raise (FileNotFoundException, UnAuthorizedAccessException, IOException,
-    /// XMLParserException), and OutOfMemoryException. After false or an exception `close` it.
+    /// Returns whether the mesh was loaded.
+    /// Throws what opening, reading and parsing the file raise (FileNotFoundException,
+    /// UnAuthorizedAccessException, IOException, XMLParserException), and OutOfMemoryException.
+    /// After false or an exception `close` it.
+    /// Reports a second start without a `close`. It goes through the first start's callbacks, not
+    /// through its own, and loads before it replaces: after false or an exception, whatever the
+    /// reason, the former world runs on with its searches and its blocking map.
     ZUNO_PATHFINDER_EXPORT static bool
     initWorldRepresentation(const Common::BasicString<char>& navMeshFile,
                             const Common::SharedPtr<Common::Callback::MemoryCallback>& cbMemory,

@@ -8,6 +8,7 @@
 #include "pathfinder/raytracer/blockingmapraytracer.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace ZUNO::Pathfinder {
 
@@ -37,7 +38,7 @@ void warnOfSingularPlane() {
         log->log(
             Common::Debug::Warning,
             "The mesh's plane axes are parallel seen from above: there is no bounding rectangle",
-            "ZUNO::Pathfinder::NavMeshInstance::loadNavMesh", __FILE__, __LINE__);
+            "ZUNO::Pathfinder::NavMeshInstance::load", __FILE__, __LINE__);
 }
 
 } // namespace
@@ -45,60 +46,73 @@ void warnOfSingularPlane() {
 NavMeshInstance::NavMeshInstance() : mSearches(mAllocator), mAStarPool(mAllocator) {}
 
 NavMeshInstance::~NavMeshInstance() {
-    unloadMesh();
+    destroySearches();
     Common::Memory::destroyObject(mAllocator, mRayTracer);
+    Common::Memory::destroyObject(mAllocator, mLocator);
+    Common::Memory::destroyObject(mAllocator, mAStarMap);
 }
 
-bool NavMeshInstance::loadNavMesh(const String& fileName) {
-    unloadMesh();
-    SharedPtr<NavMeshContainer> mesh = NavMesh::loadNavMeshXML(fileName);
-    if (mesh == nullptr || !isFitForWorld(*mesh)) {
-        ZUNO_REPORT("false", "cannot load mediagraph from file: " << fileName);
+bool NavMeshInstance::load(const String& navMeshFile, const String& blockingMapFile) {
+    Ground ground = loadNavMesh(navMeshFile);
+    if (ground.mNavMesh == nullptr)
         return false;
+    if (mNavMesh == nullptr) { // paths can be searched without a grid
+        const SharedPtr<NavMeshContainer> navMesh = ground.mNavMesh;
+        replace(ground, nullptr);
+        mRayTracer = makeRayTracer(navMesh, blockingMapFile);
+        return true;
     }
-    NavMesh::getAllocator()->compact(); // the document's tree was larger than the mesh
-    mAStarMap = Common::Memory::createObject<NavMesh::MeshGraph>(mAllocator, mesh, mAllocator);
-    mLocator = Common::Memory::createObject<NavMesh::NodeLocator>(mAllocator, mesh, mAllocator);
-    mNavMesh = mesh;
-    mPlaneTransform =
-        makePlaneTransform(mesh->mXAxis, mesh->mYAxis, mesh->mNormal.getDominantAxis());
-    mInversePlaneTransform = invert(mPlaneTransform);
-    if (mPlaneTransform.determinant() == 0)
-        warnOfSingularPlane();
+    if (mRayTracer != nullptr)
+        ZUNO_REPORT("false", "Raytracer is already initialised, deleting it first");
+    replace(ground, makeRayTracer(ground.mNavMesh, blockingMapFile));
     return true;
 }
 
-void NavMeshInstance::unloadMesh() {
+NavMeshInstance::Ground NavMeshInstance::loadNavMesh(const String& fileName) {
+    const SharedPtr<NavMeshContainer> mesh = NavMesh::loadNavMeshXML(fileName);
+    if (mesh == nullptr || !isFitForWorld(*mesh)) {
+        ZUNO_REPORT("false", "cannot load mediagraph from file: " << fileName);
+        return {};
+    }
+    NavMesh::getAllocator()->compact(); // the document's tree was larger than the mesh
+    const Matrix2 planeTransform =
+        makePlaneTransform(mesh->mXAxis, mesh->mYAxis, mesh->mNormal.getDominantAxis());
+    if (planeTransform.determinant() == 0)
+        warnOfSingularPlane();
+    return {mesh, Common::Memory::createOwned<NavMesh::MeshGraph>(mAllocator, mesh, mAllocator),
+            Common::Memory::createOwned<NavMesh::NodeLocator>(mAllocator, mesh, mAllocator),
+            planeTransform};
+}
+
+Raytracer::RayTracer* NavMeshInstance::makeRayTracer(const SharedPtr<NavMeshContainer>& navMesh,
+                                                     const String& blockingMapFile) {
+    const bool isNamed = !blockingMapFile.isEmpty();
+    return Common::Memory::createObject<BlockingMapRayTracer>(
+        mAllocator, navMesh, mAllocator, isNamed ? blockingMapFile : String("NoBlockingMap"),
+        isNamed);
+}
+
+void NavMeshInstance::replace(Ground& ground, Raytracer::RayTracer* rayTracer) {
+    destroySearches();
+    Common::Memory::destroyObject(mAllocator, std::exchange(mRayTracer, rayTracer));
+    Common::Memory::destroyObject(mAllocator, std::exchange(mLocator, ground.mLocator.release()));
+    Common::Memory::destroyObject(mAllocator, std::exchange(mAStarMap, ground.mAStarMap.release()));
+    mNavMesh = ground.mNavMesh;
+    mPlaneTransform = ground.mPlaneTransform;
+    mInversePlaneTransform = invert(mPlaneTransform);
+}
+
+void NavMeshInstance::destroySearches() {
     for (; !mAStarPool.empty(); mAStarPool.pop_back())
         destroyAStar(mAStarPool.back());
     for (auto search = mSearches.begin(); search != mSearches.end(); ++search)
         destroyAStar((*search).mAStar);
     mSearches.clear();
-    Common::Memory::destroyObject(mAllocator, mLocator);
-    mLocator = nullptr;
-    Common::Memory::destroyObject(mAllocator, mAStarMap);
-    mAStarMap = nullptr;
-    mNavMesh = nullptr;
-}
-
-void NavMeshInstance::initRayTracer(const String& fileName, bool loadFromFile) {
-    if (mRayTracer != nullptr) {
-        ZUNO_REPORT("false", "Raytracer is already initialised, deleting it first");
-        Common::Memory::destroyObject(mAllocator, mRayTracer);
-        mRayTracer = nullptr;
-    }
-    mRayTracer = Common::Memory::createObject<BlockingMapRayTracer>(
-        mAllocator, mNavMesh, mAllocator, fileName, loadFromFile);
-}
-
-Raytracer::RayTracer* NavMeshInstance::findRayTracer() const {
-    return mNavMesh != nullptr ? mRayTracer : nullptr;
 }
 
 Raytracer::RayTracer* NavMeshInstance::requireRayTracer() const {
-    Raytracer::RayTracer* const tracer = findRayTracer();
-    ZUNO_CHECK_AS(tracer != nullptr, "mRayTracer", "please call initRayTracer() first");
-    return tracer;
+    ZUNO_CHECK_AS(mRayTracer != nullptr, "mRayTracer", "please call initRayTracer() first");
+    return mRayTracer;
 }
 
 bool NavMeshInstance::isBlocked(const Vec2& position) {
@@ -127,11 +141,10 @@ void NavMeshInstance::getBoundingRectangle(Vec2& min, Vec2& max) {
 }
 
 float NavMeshInstance::trace(const Vec2& start, const Vec2& end) const {
-    Raytracer::RayTracer* const tracer = findRayTracer();
-    if (tracer == nullptr)
+    if (mRayTracer == nullptr)
         return -1.0F;
     Ray2D ray(mPlaneTransform * start, mPlaneTransform * end);
-    tracer->traceRay(ray);
+    mRayTracer->traceRay(ray);
     return ray.mHitDistance;
 }
 

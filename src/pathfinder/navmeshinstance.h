@@ -27,14 +27,14 @@ public:
     NavMeshInstance();
     ~NavMeshInstance() override;
 
-    /// Loads a mesh and builds the graph over it; a mesh loaded before goes, and its searches with
-    /// it. False, after a report, when the file holds no mesh that a world can run with. What the
-    /// file and the parser raise leaves this function.
-    bool loadNavMesh(const Common::String& fileName);
-
-    /// Builds the blocking grid from the loaded mesh; an earlier one is reported and replaced.
-    /// With `loadFromFile` this raises a NotSupportedException and leaves the world without one.
-    void initRayTracer(const Common::String& fileName, bool loadFromFile);
+    /// Loads a mesh, builds the graph over it, and then the blocking grid. A world that is loaded
+    /// already is replaced when all that has succeeded, and its searches go with it; an earlier
+    /// grid is reported.
+    /// Returns false, after a report, when the file holds no mesh that a world can run with.
+    /// Throws what the file and the parser raise, OutOfMemoryException, and, for a
+    /// `blockingMapFile` that is not empty, NotSupportedException. After false or an exception the
+    /// world is as it was; only the first load keeps a mesh whose grid could not be had.
+    bool load(const Common::String& navMeshFile, const Common::String& blockingMapFile);
 
     /// Opens a search and returns its id, or -1 when one of the points stands on no node.
     std::int32_t initPathSearch(const Vec3& start, const Vec3& goal);
@@ -75,15 +75,28 @@ private:
     };
     using OwnedAStar = std::unique_ptr<AStar, AStarDeleter>;
 
-    void unloadMesh();
+    /// What a load makes of a mesh file.
+    struct Ground {
+        Common::SharedPtr<NavMesh::NavMeshContainer> mNavMesh;
+        Common::Memory::OwnedPtr<NavMesh::MeshGraph> mAStarMap;
+        Common::Memory::OwnedPtr<NavMesh::NodeLocator> mLocator;
+        Matrix2 mPlaneTransform;
+    };
+
+    /// Returns one without a mesh, after a report, when there is none that a world can run with.
+    Ground loadNavMesh(const Common::String& fileName);
+    Raytracer::RayTracer* makeRayTracer(const Common::SharedPtr<NavMesh::NavMeshContainer>& navMesh,
+                                        const Common::String& blockingMapFile);
+    /// Puts the new ground and its ray tracer, which may be null, in the place of the former ones.
+    void replace(Ground& ground, Raytracer::RayTracer* rayTracer);
+    void destroySearches();
     OwnedAStar takeAStar();
     void destroyAStar(AStar* aStar);
     /// Room in the pool for every search that is open or about to be, so that closing one needs
     /// no memory.
     void reservePool();
 
-    /// The ray tracer over a loaded mesh; null, with or without a report, when there is none.
-    Raytracer::RayTracer* findRayTracer() const;
+    /// Returns the ray tracer; null, after a report, when there is none.
     Raytracer::RayTracer* requireRayTracer() const;
     float trace(const Vec2& start, const Vec2& end) const;
 

@@ -4,7 +4,9 @@
 #include "tests/support/foundation.h"
 #include "tests/support/naiveastar.h"
 
+#include <map>
 #include <random>
+#include <set>
 
 namespace ZUNO::Tests {
 
@@ -123,6 +125,151 @@ TEST_F(AStarTest, SearchesAsTheModelWhateverTheSlices) {
         delete storage;
     }
     EXPECT_GT(reached, 200U);
+}
+
+namespace {
+
+/// Somebody else's storage: what is listed, and no more.
+class MapStorage : public AStarStorage {
+public:
+    MapStorage() : AStarStorage(Common::gObjectAllocator) {}
+    AStarNode* popBest() override {
+        AStarNode* const best = peekBest();
+        if (best != nullptr)
+            mList.erase(getNodeOfRecord(best));
+        return best;
+    }
+    AStarNode* peekBest() override {
+        AStarNode* best = nullptr;
+        for (const std::uint32_t node : mList)
+            if (best == nullptr || mRecords[node].mF < best->mF)
+                best = &mRecords[node];
+        return best;
+    }
+    void addOpen(std::uint32_t edge, std::uint32_t node, float g, float h) override {
+        mLastAdded = node;
+        mRecords[node] = {g + h, g, edge};
+        mList.insert(node);
+    }
+    void closeNode(AStarNode* record) override { mClosed.insert(getNodeOfRecord(record)); }
+    void updateClosed(std::uint32_t, std::uint32_t, float) override {}
+    void updateOpen(std::uint32_t node, std::uint32_t edge, float g) override {
+        AStarNode& record = mRecords[node];
+        if (g < record.mG)
+            record = {record.mF - record.mG + g, g, edge};
+    }
+    bool isOpen(std::uint32_t node) override { return mRecords.contains(node) && !isClosed(node); }
+    bool isClosed(std::uint32_t node) override { return mClosed.contains(node); }
+    void initNodes(std::uint32_t) override {
+        mRecords.clear();
+        mList.clear();
+        mClosed.clear();
+    }
+    std::uint32_t getNodeOfRecord(AStarNode* record) override {
+        return std::ranges::find_if(mRecords, [=](auto& each) { return &each.second == record; })
+            ->first;
+    }
+    AStarNode* getRecordOfNode(std::uint32_t node) override { return &mRecords[node]; }
+
+    std::uint32_t mLastAdded = noNode;
+
+private:
+    std::map<std::uint32_t, AStarNode> mRecords;
+    std::set<std::uint32_t> mList;
+    std::set<std::uint32_t> mClosed;
+};
+
+} // namespace
+
+TEST_F(AStarTest, WorksWithPartsOfOthersAndGoalsSetAnew) {
+    std::mt19937 random(3);
+    const NaiveAStar::Graph edges = randomGraph(random, 40, 1000);
+    const std::vector<float> estimates(40, 0.0F); // the cheapest path, whatever the order
+    Graph graph(edges);
+    Costs costs(graph);
+    Estimates heuristic(estimates);
+    MapStorage storage;
+    AStar search(&storage, nullptr, &graph, Common::gObjectAllocator);
+    for (std::uint32_t to = 0; to < 40; ++to) {
+        ASGoalBase goal(&costs, &heuristic, Common::gObjectAllocator);
+        goal.setStartGoal(0, to);
+        search.setGoal(&goal);
+        search.initSearch();
+        const int state = search.runSearch(1000);
+        const auto expected =
+            NaiveAStar::search(edges, 0, static_cast<int>(to), [](int) { return 0.0F; });
+        ASSERT_EQ(state, expected.mState);
+        if (state != SEARCH_FOUND)
+            continue;
+        EXPECT_EQ(storage.mLastAdded, to) << "the goal goes back into the open list";
+        EdgeList path(Common::gObjectAllocator);
+        EXPECT_EQ(goal.getPath(path), expected.mCost);
+    }
+}
+
+TEST_F(AStarTest, GrowsWithItsMap) {
+    std::vector<float> estimates(5000, 0.0F);
+    NaiveAStar::Graph edges;
+    Graph graph(edges);
+    Costs costs(graph);
+    Estimates heuristic(estimates);
+    AStarStorageFast storage(&graph, Common::gObjectAllocator);
+    ASGoalBase goal(&costs, &heuristic, Common::gObjectAllocator);
+    AStar search(&storage, &goal, &graph, Common::gObjectAllocator);
+    for (const int nodes : {3, 5000, 40}) { // a chain
+        edges.assign(static_cast<std::size_t>(nodes), {});
+        for (int node = 0; node + 1 < nodes; ++node)
+            edges[static_cast<std::size_t>(node)].push_back({node + 1, 1});
+        graph = Graph(edges);
+        goal.setStartGoal(0, static_cast<std::uint32_t>(nodes - 1));
+        search.initSearch();
+        ASSERT_EQ(search.runSearch(6000), SEARCH_FOUND);
+        EXPECT_EQ(storage.peekBest()->mG, static_cast<float>(nodes - 1));
+        EXPECT_NE(storage.getRecordOfNode(static_cast<std::uint32_t>(nodes)), nullptr);
+    }
+    EXPECT_EQ(storage.getRecordOfNode(5001), nullptr);
+}
+
+// Every request for memory is refused in turn, and the same call made again.
+TEST_F(AStarTest, GoesOnAfterARefusedRequestAsIfNothingWere) {
+    std::mt19937 random(21);
+    for (int round = 0; round < 12; ++round) {
+        const std::size_t nodes = 120;
+        const NaiveAStar::Graph edges = randomGraph(random, nodes, round % 2 == 0 ? 4 : 1000);
+        std::vector<float> estimates(nodes); // misleading: savings go through closed nodes
+        for (float& estimate : estimates)
+            estimate = static_cast<float>(random() % 800) * 0.37F;
+        const auto expected = NaiveAStar::search(
+            edges, 0, 1, [&](int node) { return estimates[static_cast<std::size_t>(node)]; });
+        Graph graph(edges);
+        Costs costs(graph);
+        Estimates heuristic(estimates);
+        const auto counted = Common::getAllocator(); // asks the host for each block
+        for (unsigned int n = 1, isOver = 0; isOver == 0; ++n) {
+            AStarStorageFast storage(&graph, counted);
+            ASGoalBase goal(&costs, &heuristic, counted);
+            AStar search(&storage, &goal, &graph, counted);
+            goal.setStartGoal(0, 1);
+            mMemory->mRequests = 0;
+            mMemory->mFailingRequest = n;
+            while (!raisedBy([&] { search.initSearch(); }).empty()) {
+            }
+            int state = SEARCH_RUNNING;
+            unsigned int expansions = 0;
+            while (state == SEARCH_RUNNING)
+                if (raisedBy([&] { state = search.runSearch(1); }).empty())
+                    expansions += state == SEARCH_RUNNING ? 1 : 0;
+            isOver = mMemory->mRequests < n ? 1 : 0;
+            mMemory->mFailingRequest = 0;
+            ASSERT_EQ(state, expected.mState) << round << ", request " << n;
+            ASSERT_EQ(expansions, expected.mExpansions) << round << ", request " << n;
+            EdgeList path(counted);
+            const float cost = state == SEARCH_FOUND ? goal.getPath(path) : 0;
+            ASSERT_EQ(cost, expected.mCost) << round << ", request " << n;
+        }
+    }
+    Common::closeLibrary();
+    Reports::take(); // the allocator counts what was refused, too
 }
 
 TEST_F(AStarTest, PassesSavingsOnThroughClosedNodes) {

@@ -122,6 +122,66 @@ protected:
     unsigned int mFaults = 0; ///< those that came out as exceptions
 };
 
+// Each request for memory of a search is refused in turn, and the call made again.
+TEST_F(FaultsTest, ASearchGoesOnAfterARefusedRequestAsIfNothingWere) {
+    struct Answer {
+        int mState = 1;
+        unsigned int mExpansions = 0;
+        std::vector<Vec3<float>> mWaypoints = {};
+        std::uint32_t mCost = 0;
+        bool operator==(const Answer&) const = default;
+    };
+    const auto ask = [&](const Vec3<float>& from, const Vec3<float>& to) {
+        const auto insist = [](auto step) {
+            while (raisedBy(step).starts_with("OutOfMemoryException")) {
+            }
+        };
+        Answer answer;
+        int id = -1;
+        insist([&] { id = Interface::initPathSearch(from, to); });
+        while (answer.mState == 1) {
+            insist([&] { answer.mState = Interface::runPathSearch(id, 1); });
+            answer.mExpansions += answer.mState == 1 ? 1 : 0;
+        }
+        for (bool isMore = true; isMore;) {
+            Vec3<float> waypoint(0, 0, 0);
+            insist([&] { isMore = Interface::getNextWaypoint(id, waypoint); });
+            if (isMore)
+                answer.mWaypoints.push_back(waypoint);
+        }
+        answer.mCost = std::bit_cast<std::uint32_t>(Interface::getPathCost(id));
+        return answer; // the search stays open, so that the next one draws memory of its own
+    };
+    struct Case {
+        Worlds::MeshModel mMesh;
+        Vec3<float> mFrom;
+        Vec3<float> mTo;
+    };
+    for (const Case& row : {Case{Worlds::makeFloor(9, 0), {1, 0, 1}, {5, 0, 5}},
+                            Case{Worlds::makeHarbour(), {3, 0, 3}, {60, 0, 44}}}) {
+        mFiles->mFiles["case"] = row.mMesh.toXML("case");
+        ASSERT_TRUE(start("case"));
+        const Answer expected = ask(row.mFrom, row.mTo);
+        EXPECT_GT(expected.mWaypoints.size(), 2U);
+        for (bool isReached = true; isReached; ++mFaults) {
+            Interface::close();
+            ASSERT_TRUE(start("case"));
+            mMemory->mRequests = 0;
+            mMemory->mFailingRequest = mFaults + 1;
+            ASSERT_EQ(ask(row.mFrom, row.mTo), expected) << "request " << mFaults + 1;
+            isReached = mMemory->mRequests > mFaults;
+            mMemory->mFailsOnwards = true; // closing a search asks for nothing
+            mMemory->mFailingRequest = 1;
+            EXPECT_EQ(raisedBy([] { EXPECT_TRUE(Interface::closePathSearch(0)); }), "");
+            mMemory->mFailingRequest = 0;
+            mMemory->mFailsOnwards = false;
+        }
+        EXPECT_GT(mFaults, 5U);
+        mFaults = 0;
+        Interface::close();
+    }
+}
+
 TEST_F(FaultsTest, NoRequestForMemoryIsEssential) {
     struct Mode {
         bool mThrows;

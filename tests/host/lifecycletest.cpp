@@ -2,6 +2,9 @@
 
 #include "common/geom/ray3d.h"
 
+#include <algorithm>
+#include <map>
+
 namespace ZUNO::Tests {
 
 using Common::Geom::Ray2D;
@@ -187,23 +190,29 @@ TEST_F(HostTest, AnswersNeutrallyWithoutAWorld) {
     EXPECT_FALSE(Interface::closePathSearch(0));
     EXPECT_TRUE(Interface::isBlocked({0, 0}));
     EXPECT_EQ(Interface::getGroundHeight({0, 0}), 3.4028235e38F);
+    Ray2D<float, float> flatRay({0, 0}, {1, 0});
+    ray.mHitDistance = flatRay.mHitDistance = 5;
     Interface::traceRay(ray);
+    Interface::traceRay(flatRay);
     EXPECT_EQ(ray.mHitDistance, -1);
+    EXPECT_EQ(flatRay.mHitDistance, -1);
     Interface::getBoundingRectangle(min, max);
     EXPECT_EQ(min, Vec2<float>(0, 0));
     EXPECT_EQ(max, Vec2<float>(0, 0));
     EXPECT_FALSE(Interface::saveBlockingMap("map"));
     EXPECT_TRUE(
         holdsInOrder(reports.text(),
-                     std::vector<std::string>(10, "no world: call initWorldRepresentation first")));
+                     std::vector<std::string>(11, "no world: call initWorldRepresentation first")));
 }
 
 TEST_F(HostTest, ReportsASecondStartAndLoadsTheNewMesh) {
     mFiles->mFiles["harbour"] = Worlds::makeHarbour().toXML("harbour");
     ASSERT_TRUE(start());
     const int old = Interface::initPathSearch({1, 0, 1}, {13, 0, 13});
+    auto* const otherMemory = new CountingMemory;
+    const SharedPtr<Common::Callback::MemoryCallback> otherCallback(otherMemory);
     Stderr reports;
-    EXPECT_TRUE(start("harbour"));
+    EXPECT_TRUE(Interface::initWorldRepresentation("harbour", otherCallback, {}, ""));
     const std::string text = reports.text();
     EXPECT_TRUE(holdsInOrder(text, {"gMemCallback == NULL\nError Message: Common is already "
                                     "initialized !",
@@ -214,6 +223,125 @@ TEST_F(HostTest, ReportsASecondStartAndLoadsTheNewMesh) {
         << text;
     EXPECT_FALSE(Interface::closePathSearch(old)) << "the old mesh's searches are gone";
     EXPECT_FLOAT_EQ(Interface::getGroundHeight({20, 20}), 5);
+    EXPECT_EQ(otherMemory->mRequests, 0U) << "the first start's callbacks serve on";
+}
+
+TEST_F(HostTest, RunsOnAfterASecondStartThatFails) {
+    mFiles->mFiles["harbour"] = Worlds::makeHarbour().toXML("harbour");
+    mFiles->mFiles["cut"] = "<a>";
+    mFiles->mFiles["empty"] = "<a><navmesh/></a>";
+    mFiles->mFiles["unfit"] = mFiles->mFiles["floor"];
+    const std::string cubeSize = "<cubesize>0.5<";
+    std::string& unfit = mFiles->mFiles["unfit"];
+    unfit.replace(unfit.find(cubeSize), cubeSize.size(), "<cubesize>0<");
+    ASSERT_TRUE(start());
+    const int search = Interface::initPathSearch({1, 0, 1}, {13, 0, 13});
+    const auto expectTheFormerWorld = [&](const std::string& after) {
+        const int other = Interface::initPathSearch({1, 0, 1}, {13, 0, 13});
+        EXPECT_EQ(Interface::runPathSearch(other, 1000), 0) << after;
+        Interface::closePathSearch(other);
+        EXPECT_EQ(Interface::runPathSearch(search, 0), 1) << after;
+        EXPECT_FALSE(Interface::isBlocked({1, 1})) << after;
+        EXPECT_EQ(Interface::getGroundHeight({20, 20}), 3.4028235e38F) << after;
+        Vec2<float> low;
+        Vec2<float> high;
+        Interface::getBoundingRectangle(low, high);
+        EXPECT_EQ(high, Vec2<float>(16, 18)) << after;
+    };
+    struct Case {
+        const char* mMesh;
+        const char* mBlockingMap;
+        const char* mException;
+    };
+    Stderr reports;
+    for (const Case& row : {Case{"missing", "", "FileNotFoundException"},
+                            {"cut", "", "XMLParserException"},
+                            {"empty", "", ""},
+                            {"unfit", "", ""},
+                            {"harbour", "map", "NotSupportedException"}}) {
+        bool isLoaded = false;
+        const std::string raised = raisedBy([&] { isLoaded = start(row.mMesh, row.mBlockingMap); });
+        EXPECT_EQ(raised.substr(0, raised.find(':')), row.mException);
+        EXPECT_FALSE(isLoaded);
+        expectTheFormerWorld(row.mMesh);
+    }
+    unsigned int refused = 0;
+    for (bool isLoaded = false; !isLoaded; ++refused) {
+        mMemory->mRequests = 0;
+        mMemory->mFailingRequest = refused + 1;
+        const std::string raised = raisedBy([&] { isLoaded = start("harbour"); });
+        mMemory->mFailingRequest = 0;
+        if (isLoaded)
+            continue;
+        EXPECT_TRUE(raised.starts_with("OutOfMemoryException")) << raised;
+        expectTheFormerWorld("refused request " + std::to_string(refused + 1));
+    }
+    EXPECT_GT(refused, 50U);
+    EXPECT_LE(mMemory->mRequests, refused);
+    reports.text();
+}
+
+namespace {
+
+/// Host memory that notes during which phase each block was taken, and in which order the phases'
+/// blocks came back: each phase once, by its first block.
+class PhasedMemory : public CountingMemory {
+public:
+    void* allocateMemory(unsigned int size) override {
+        void* const block = CountingMemory::allocateMemory(size);
+        if (size == mGridSize)
+            mPhase = "grid";
+        mPhaseOf[block] = mPhase;
+        return block;
+    }
+    void freeMemory(void* ptr) override {
+        if (const std::string phase = mPhaseOf[ptr];
+            std::ranges::find(mFreed, phase) == mFreed.end())
+            mFreed.push_back(phase);
+        CountingMemory::freeMemory(ptr);
+    }
+
+    std::string mPhase;
+    unsigned int mGridSize = 0;
+    std::vector<std::string> mFreed;
+
+private:
+    std::map<void*, std::string> mPhaseOf;
+};
+
+} // namespace
+
+TEST_F(HostTest, ReleasesAWorldInItsOrder) {
+    auto* const memory = new PhasedMemory;
+    mMemoryCallback = SharedPtr<Common::Callback::MemoryCallback>(memory);
+    mMemory = memory;
+    memory->mPhase = "load";
+    memory->mGridSize = 33 * 37 * 8;
+    ASSERT_TRUE(start());
+    for (const char* const phase : {"first", "second", "third", "fourth"}) {
+        memory->mPhase = phase;
+        const int id = Interface::initPathSearch({1, 0, 1}, {13, 0, 13});
+        EXPECT_EQ(Interface::runPathSearch(id, 30), 1);
+    }
+    Interface::closePathSearch(2);
+    Interface::closePathSearch(0);
+    memory->mFreed.clear();
+    Interface::close();
+    EXPECT_EQ(memory->mFreed,
+              (std::vector<std::string>{"first", "third", "second", "fourth", "grid", "load"}))
+        << "the pool from its back, open searches by their ids, the grid, and the rest";
+}
+
+TEST_F(HostTest, WarnsOfAxesThatSpanNoGround) {
+    std::string& floor = mFiles->mFiles["floor"];
+    const std::string axis = "<yaxis>0/0/1<";
+    floor.replace(floor.find(axis), axis.size(), "<yaxis>2/0/0<");
+    testing::internal::CaptureStdout();
+    EXPECT_TRUE(start());
+    EXPECT_NE(testing::internal::GetCapturedStdout().find(
+                  "The mesh's plane axes are parallel seen from above: there is no bounding "
+                  "rectangle"),
+              std::string::npos);
 }
 
 } // namespace ZUNO::Tests

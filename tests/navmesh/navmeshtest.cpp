@@ -1,6 +1,8 @@
 #include "common/callback/fileiocallback.h"
 #include "navmesh/astarnavmesh.h"
+#include "navmesh/meshdefects.h"
 #include "navmesh/resourceinterface.h"
+#include "pathfinder/navmeshinstance.h"
 #include "tests/support/navmeshlibrary.h"
 
 #include <algorithm>
@@ -131,6 +133,30 @@ TEST_F(NavMeshTest, ReportsGraphsBeyondTheLimits) {
     NavMesh::AStarMapNavMesh largest(mMesh);
     mMesh->mNodes.resize(1048575, NavMeshContainer::NavNode(NavMesh::getAllocator()));
     NavMesh::AStarMapNavMesh tooLarge(mMesh);
+    // a world does not come so far: it refuses such a mesh
+    struct FirstDefect : NavMesh::DefectListener {
+        bool onDefect(const char* text) override {
+            mText = text;
+            return false;
+        }
+        std::string mText;
+    };
+    const auto firstDefect = [&] {
+        FirstDefect defect;
+        EXPECT_FALSE(findDefects(*mMesh, defect));
+        return defect.mText;
+    };
+    EXPECT_EQ(firstDefect(), "the mesh has 1048575 nodes; at most 1048574 can be searched");
+    mMesh->mNodes.pop_back();
+    EXPECT_EQ(firstDefect(), "node 0 has no corners");
+    makeMesh();
+    mMesh->mNodes[0].mNeighbours.assign(4096, -1);
+    mMesh->mNodes[0].mNeighbours[4094] = 1;
+    FirstDefect none;
+    EXPECT_TRUE(findDefects(*mMesh, none)) << none.mText;
+    mMesh->mNodes[0].mNeighbours[4095] = 1;
+    EXPECT_EQ(firstDefect(),
+              "node 0: border 4095 has a neighbour; at most 4095 borders can be searched");
     EXPECT_EQ(Reports::take(),
               (Texts{"navMesh != NULL|Navmesh container is a null pointer",
                      "navMesh->mNodes.size() != 0|Navmesh container is empty",
@@ -199,6 +225,14 @@ TEST_F(NavMeshTest, ReadsElementsInTheirOrder) {
                   Texts{std::string("|In 'ANY'->") + row.mMissing + " is required !"});
     }
     EXPECT_EQ(mFiles->openCount(), 0U);
+}
+
+TEST_F(NavMeshTest, AWorldKeepsNothingOfTheDocument) {
+    mFiles->mFiles["m"] = Worlds::makeHarbour().toXML("m");
+    Pathfinder::NavMeshInstance::createInstance(Common::getAllocator());
+    EXPECT_TRUE(Pathfinder::NavMeshInstance::getInstance()->load("m", ""));
+    EXPECT_EQ(NavMesh::getAllocator()->compact(), 0U) << "what only the document needed went back";
+    Pathfinder::NavMeshInstance::destroyInstance();
 }
 
 TEST_F(NavMeshTest, LibraryChecksItsLifetimes) {

@@ -3,12 +3,79 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <utility>
 #include <vector>
 
 namespace ZUNO::Tests {
 
-/// A second, deliberately plain implementation of the search, to check the engine against: whole
-/// vectors are copied and scanned where the engine keeps lists.
+/// The open list of the search below: whole vectors are copied and scanned where the engine keeps
+/// lists. `cost(item)` tells what an item costs at the time.
+class NaiveOpenList {
+public:
+    explicit NaiveOpenList(std::function<float(int)> cost) : f(std::move(cost)) {}
+
+    bool isEmpty() const { return mSorted.empty() && mOverflow.empty(); }
+
+    void push(int node) {
+        if (mSorted.empty() || f(node) >= f(mSorted.back())) {
+            mOverflow.push_back(node);
+            return;
+        }
+        std::size_t place = 0;
+        while (f(mSorted[place]) <= f(node))
+            ++place;
+        mSorted.insert(mSorted.begin() + static_cast<std::ptrdiff_t>(place), node);
+    }
+
+    void reposition(int node) {
+        const auto place = std::find(mSorted.begin(), mSorted.end(), node);
+        if (place == mSorted.end())
+            return;
+        mSorted.erase(place);
+        push(node);
+    }
+
+    int popBest() {
+        if (mSorted.empty())
+            refill();
+        const int best = mSorted.front();
+        mSorted.erase(mSorted.begin());
+        return best;
+    }
+
+private:
+    void refill() {
+        std::vector<int> rest;
+        int worst = mOverflow.front();
+        mSorted = {worst};
+        for (std::size_t i = 1; i < mOverflow.size(); ++i) {
+            const int node = mOverflow[i];
+            if (mSorted.size() < 50) {
+                mSorted.insert(mSorted.begin(), node);
+                if (f(worst) < f(node))
+                    worst = node;
+            } else if (f(node) < f(worst)) {
+                std::erase(mSorted, worst);
+                rest.insert(rest.begin(), worst);
+                mSorted.push_back(node);
+                worst = mSorted.front();
+                for (const int other : mSorted)
+                    if (f(other) > f(worst))
+                        worst = other;
+            } else {
+                rest.push_back(node);
+            }
+        }
+        mOverflow = rest;
+        std::stable_sort(mSorted.begin(), mSorted.end(), [&](int a, int b) { return f(a) < f(b); });
+    }
+
+    std::function<float(int)> f;
+    std::vector<int> mSorted;
+    std::vector<int> mOverflow;
+};
+
+/// A second, deliberately plain implementation of the search, to check the engine against.
 class NaiveAStar {
 public:
     struct Edge {
@@ -50,8 +117,8 @@ private:
     Result run(int start, int goal) {
         open(start, -1, 0);
         Result result{2};
-        while (!mSorted.empty() || !mOverflow.empty()) {
-            const int best = popBest();
+        while (!mOpen.isEmpty()) {
+            const int best = mOpen.popBest();
             if (best == goal) {
                 result.mState = 0;
                 result.mCost = f(goal);
@@ -75,7 +142,7 @@ private:
         } else if (g < end.mG) {
             lower(edge.mEnd, from, g);
             if (end.mState == OPEN)
-                reposition(edge.mEnd);
+                mOpen.reposition(edge.mEnd);
             else
                 propagate(edge.mEnd);
         }
@@ -83,7 +150,7 @@ private:
 
     void open(int node, int parent, float g) {
         record(node) = {g + mHeuristic(node), g, parent, OPEN};
-        push(node);
+        mOpen.push(node);
     }
 
     void lower(int node, int parent, float g) {
@@ -108,64 +175,10 @@ private:
         }
     }
 
-    void push(int node) {
-        if (mSorted.empty() || f(node) >= f(mSorted.back())) {
-            mOverflow.push_back(node);
-            return;
-        }
-        std::size_t place = 0;
-        while (f(mSorted[place]) <= f(node))
-            ++place;
-        mSorted.insert(mSorted.begin() + static_cast<std::ptrdiff_t>(place), node);
-    }
-
-    void reposition(int node) {
-        const auto place = std::find(mSorted.begin(), mSorted.end(), node);
-        if (place == mSorted.end())
-            return;
-        mSorted.erase(place);
-        push(node);
-    }
-
-    int popBest() {
-        if (mSorted.empty())
-            refill();
-        const int best = mSorted.front();
-        mSorted.erase(mSorted.begin());
-        return best;
-    }
-
-    void refill() {
-        std::vector<int> rest;
-        int worst = mOverflow.front();
-        mSorted = {worst};
-        for (std::size_t i = 1; i < mOverflow.size(); ++i) {
-            const int node = mOverflow[i];
-            if (mSorted.size() < 50) {
-                mSorted.insert(mSorted.begin(), node);
-                if (f(worst) < f(node))
-                    worst = node;
-            } else if (f(node) < f(worst)) {
-                std::erase(mSorted, worst);
-                rest.insert(rest.begin(), worst);
-                mSorted.push_back(node);
-                worst = mSorted.front();
-                for (const int other : mSorted)
-                    if (f(other) > f(worst))
-                        worst = other;
-            } else {
-                rest.push_back(node);
-            }
-        }
-        mOverflow = rest;
-        std::stable_sort(mSorted.begin(), mSorted.end(), [&](int a, int b) { return f(a) < f(b); });
-    }
-
     const Graph& mGraph;
     const std::function<float(int)>& mHeuristic;
     std::vector<Record> mRecords;
-    std::vector<int> mSorted;
-    std::vector<int> mOverflow;
+    NaiveOpenList mOpen{[this](int node) { return f(node); }};
 };
 
 } // namespace ZUNO::Tests

@@ -19,8 +19,10 @@ public:
     /// Begins a new search from the goal's start node.
     virtual void initSearch();
 
-    /// Expands at most `budget` nodes and returns a SearchResult. A budget of 0 does nothing and
-    /// returns SEARCH_RUNNING.
+    /// Expands at most `budget` nodes. Returns a SearchResult; a budget of 0 does nothing and gives
+    /// SEARCH_RUNNING. When a part of the search throws in the middle of an expansion, the node
+    /// stays the best open one, and the next call expands it anew: costs that are not negative make
+    /// no second difference to the edges that were looked at already.
     virtual std::int32_t runSearch(std::uint32_t budget);
 
     AStarStorage* getStorage() const { return mStorage; }
@@ -38,24 +40,40 @@ protected:
             if (best == nullptr)
                 return SEARCH_NO_PATH;
             if (goal.isGoal(best)) {
-                storage.reopenBest(best); // that is where the path is read from
+                putBack(storage, best); // that is where the path is read from
                 return SEARCH_FOUND;
             }
-            edges.visit(storage.getNodeOfRecord(best), [&](std::uint32_t edge, std::uint32_t end) {
-                const float g = goal.getCost(edge) + best->mG;
-                if (storage.isOpen(end))
-                    storage.updateOpen(end, edge, g);
-                else if (storage.isClosed(end))
-                    storage.updateClosed(end, edge, g);
-                else
-                    storage.addOpen(edge, end, g, goal.getHeuristic(end));
-            });
+            try {
+                expand(storage, goal, edges, best);
+            } catch (...) {
+                putBack(storage, best);
+                throw;
+            }
             storage.closeNode(best); // open until here: an edge back to it is harmless
         }
         return SEARCH_RUNNING;
     }
 
 private:
+    template <typename Storage, typename Goal, typename Edges>
+    static void expand(Storage& storage, Goal& goal, Edges& edges, AStarNode* best) {
+        edges.visit(storage.getNodeOfRecord(best), [&](std::uint32_t edge, std::uint32_t end) {
+            const float g = goal.getCost(edge) + best->mG;
+            if (storage.isOpen(end))
+                storage.updateOpen(end, edge, g);
+            else if (storage.isClosed(end))
+                storage.updateClosed(end, edge, g);
+            else
+                storage.addOpen(edge, end, g, goal.getHeuristic(end));
+        });
+    }
+
+    template <typename Storage>
+    static void putBack(Storage& storage, AStarNode* best) {
+        storage.addOpen(best->mParentEdge, storage.getNodeOfRecord(best), best->mG,
+                        best->mF - best->mG);
+    }
+
     AStarStorage* mStorage;
     AStarGoal* mGoal;
     AStarMap* mMap;

@@ -3,70 +3,51 @@
 #include "common/astar/astarnode.h"
 #include "common/memory/stlallocator.h"
 
-#include <vector>
+#include <list>
 
 namespace ZUNO::Common::Astar {
 
-/// The open records of a search, best first, in two parts: a short sorted list, and an unsorted
-/// overflow for what is worse than the sorted list's end. Only when the sorted part runs out are
-/// the best records of the overflow gathered and sorted. The order among records of equal cost is
-/// part of the results: it decides which of several equally good paths comes out.
+/// The open records of a search in two parts: a short list in ascending order of cost, and an
+/// unordered overflow for what costs more than the sorted part's end. Only when the sorted part
+/// runs out are the best records of the overflow gathered and sorted. The order among records of
+/// equal cost is part of the results: it decides which of several equally good paths comes out.
+///
+/// Records move between the parts with their list cells, so that `push` alone needs memory; when
+/// there is none, it raises an OutOfMemoryException and changes nothing.
 class AStarOpenList {
 public:
     explicit AStarOpenList(const SharedPtr<Memory::Allocator>& allocator)
-        : mSorted(allocator), mOverflow(allocator), mScratch(allocator) {}
+        : mSorted(allocator), mOverflow(allocator), mPopped(allocator) {}
 
-    void push(AStarNode* record) {
-        if (mSorted.empty() || !isLess(record, mSorted.front()))
-            mOverflow.push_back(record);
-        else
-            insert(record);
-    }
-    /// The best record; the list must not be empty.
-    AStarNode* top() {
-        if (mSorted.empty())
-            refill();
-        return mSorted.back();
-    }
+    /// Adds a record behind all that cost as much.
+    void push(AStarNode* record);
+    /// Returns the best record; the list must not be empty.
+    AStarNode* top();
     /// Removes the best record; the list must not be empty.
-    void pop() {
-        if (mSorted.empty())
-            refill();
-        mSorted.pop_back();
-    }
+    void pop();
+    /// Makes the record that `pop` removed last the best one again, before all that cost as much.
+    /// Needs no memory. Once for each `pop`.
+    void putBack() { mSorted.splice(mSorted.begin(), mPopped); }
     bool empty() const { return mSorted.empty() && mOverflow.empty(); }
-    void clear() {
-        mSorted.clear();
-        mOverflow.clear();
-    }
+    void clear();
 
-    /// Finds a new place for a record whose cost was lowered.
+    /// Finds a new place for a record whose cost was lowered. One in the overflow stays where it
+    /// is: order means nothing there. Needs no memory. Cost: the length of the sorted part.
     void reposition(AStarNode* record);
-    /// Makes the record the best one, before all others of its cost.
-    void pushFront(AStarNode* record) { mSorted.push_back(record); }
 
 private:
-    using RecordList = std::vector<AStarNode*, Memory::STLAllocator<AStarNode*>>;
+    using RecordList = std::list<AStarNode*, Memory::STLAllocator<AStarNode*>>;
 
     /// How many records a refill moves into the sorted part.
     static constexpr std::size_t refillLimit = 50;
 
-    static bool isLess(const AStarNode* a, const AStarNode* b) { return a->mF < b->mF; }
-
-    /// Behind all records that cost as much. Seen from the best: a record whose cost was lowered
-    /// in its place may stand where the order does not put it, and the first larger one counts.
-    void insert(AStarNode* record) {
-        auto place = mSorted.end();
-        while (place != mSorted.begin() && !isLess(record, *(place - 1)))
-            --place;
-        mSorted.insert(place, record);
-    }
+    /// Moves the one record of `cell` to where the order wants it.
+    void place(RecordList& cell);
     void refill();
-    void putBack(std::size_t taken);
 
-    RecordList mSorted;   ///< the best last
-    RecordList mOverflow; ///< in the order in which a refill looks at them
-    RecordList mScratch;
+    RecordList mSorted;
+    RecordList mOverflow;
+    RecordList mPopped; ///< the cell of the record that was removed last
 };
 
 } // namespace ZUNO::Common::Astar

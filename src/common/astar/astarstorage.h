@@ -5,7 +5,8 @@
 namespace ZUNO::Common::Astar {
 
 /// The bookkeeping of a search: a record and a state for each node, and the open list.
-/// It does not own the goal.
+/// It does not own the goal. `AStar` works with any implementation of these operations; when one of
+/// them throws and has then changed nothing, the search can go on (see `AStar::runSearch`).
 class AStarStorage {
 public:
     explicit AStarStorage(const SharedPtr<Memory::Allocator>& allocator) : mAllocator(allocator) {}
@@ -14,11 +15,13 @@ public:
     AStarStorage& operator=(const AStarStorage&) = delete;
 
     virtual void setGoal(AStarGoal* goal) { mGoal = goal; }
-    /// Takes the best open record out of the open list; null when none is open.
+    /// Takes the best open record out of the open list. Returns null when none is open.
     virtual AStarNode* popBest() = 0;
-    /// The best open record, which stays open; null when none is.
+    /// Returns the best open record, which stays open; null when none is.
     virtual AStarNode* peekBest() = 0;
-    /// Writes the node's record and opens it.
+    /// Writes the node's record and opens it. The record that `popBest` gave last, added again
+    /// with its own path before it is closed, goes back unchanged: as the one that `peekBest`
+    /// yields, even when other open records cost the same.
     virtual void addOpen(std::uint32_t edge, std::uint32_t node, float g, float h) = 0;
     /// Closes a node that `popBest` gave.
     virtual void closeNode(AStarNode* record) = 0;
@@ -32,11 +35,8 @@ public:
     /// Forgets the former search and makes room for `nodeCount` nodes.
     virtual void initNodes(std::uint32_t nodeCount) = 0;
     virtual std::uint32_t getNodeOfRecord(AStarNode* record) = 0;
-    /// Null for a node beyond the room.
+    /// Returns null for a node beyond the room.
     virtual AStarNode* getRecordOfNode(std::uint32_t node) = 0;
-    /// Puts a record that `popBest` gave back, unchanged, as the best one: `peekBest` yields it
-    /// even when other open records cost the same.
-    virtual void reopenBest(AStarNode* record) = 0;
 
 protected:
     AStarGoal* mGoal = nullptr;

@@ -30,32 +30,98 @@ void AStarStorageFast::initNodes(std::uint32_t nodeCount) {
     }
     std::memset(mStates.get(), 0, stateBytes);
     mOpenList.clear();
+    mPopped = nullptr;
 }
 
-void AStarStorageFast::passSavingOn(std::uint32_t node, std::uint32_t edge, float g) {
-    setCheaperPath(mRecords[node], edge, g);
-    EdgeList edges(mScratchAllocator);
-    EdgeList work(mScratchAllocator);
-    relax(node, edges, work);
-    while (!work.empty()) {
-        const std::uint32_t next = work.back();
-        work.pop_back();
-        relax(next, edges, work);
+AStarNode* AStarStorageFast::popBest() {
+    mPopped = AStarStorageFast::peekBest();
+    if (mPopped != nullptr)
+        mOpenList.pop();
+    return mPopped;
+}
+
+void AStarStorageFast::addOpen(std::uint32_t edge, std::uint32_t node, float g, float h) {
+    AStarNode& record = mRecords[node];
+    const bool hasOtherPath = edge != record.mParentEdge || g < record.mG || record.mG < g;
+    if (&record == mPopped && !hasOtherPath) {
+        mOpenList.putBack();
+        mPopped = nullptr;
+        return;
     }
+    record = {g + h, g, edge};
+    mOpenList.push(&record);
+    setState(node, OPEN);
 }
 
-void AStarStorageFast::relax(std::uint32_t node, EdgeList& edges, EdgeList& work) {
+void AStarStorageFast::closeNode(AStarNode* record) {
+    setState(AStarStorageFast::getNodeOfRecord(record), CLOSED);
+    mPopped = nullptr;
+}
+
+void AStarStorageFast::updateOpen(std::uint32_t node, std::uint32_t edge, float g) {
+    AStarNode& record = mRecords[node];
+    if (!(g < record.mG))
+        return;
+    setCheaperPath(record, edge, g);
+    mOpenList.reposition(&record);
+}
+
+/// The nodes that a saving has reached: to pass it on from there, the latest first, and to undo it
+/// unless it was completed.
+class AStarStorageFast::SavingLog {
+public:
+    SavingLog(AStarNode* records, const SharedPtr<Memory::Allocator>& allocator)
+        : mRecords(records), mChanges(allocator), mWaiting(allocator) {}
+    ~SavingLog() {
+        for (; !mChanges.empty(); mChanges.pop_back())
+            mRecords[mChanges.back().mNode] = mChanges.back().mFormer;
+    }
+    SavingLog(const SavingLog&) = delete;
+    SavingLog& operator=(const SavingLog&) = delete;
+
+    void setCheaper(std::uint32_t node, std::uint32_t edge, float g) {
+        mWaiting.push_back(node);
+        mChanges.push_back({node, mRecords[node]});
+        setCheaperPath(mRecords[node], edge, g);
+    }
+    bool isEmpty() const { return mWaiting.empty(); }
+    std::uint32_t takeLatest() {
+        const std::uint32_t node = mWaiting.back();
+        mWaiting.pop_back();
+        return node;
+    }
+    void complete() { mChanges.clear(); }
+
+private:
+    struct Change {
+        std::uint32_t mNode;
+        AStarNode mFormer;
+    };
+
+    AStarNode* mRecords;
+    std::vector<Change, Memory::STLAllocator<Change>> mChanges;
+    EdgeList mWaiting;
+};
+
+void AStarStorageFast::updateClosed(std::uint32_t node, std::uint32_t edge, float g) {
+    if (!(g < mRecords[node].mG))
+        return;
+    EdgeList edges(mScratchAllocator);
+    SavingLog log(mRecords.get(), mScratchAllocator);
+    for (log.setCheaper(node, edge, g); !log.isEmpty();)
+        relax(log.takeLatest(), edges, log);
+    log.complete();
+}
+
+void AStarStorageFast::relax(std::uint32_t node, EdgeList& edges, SavingLog& log) {
     edges.clear();
     mMap->getOutEdges(edges, node);
     for (const std::uint32_t edge : edges) {
         const std::uint32_t end = mMap->getEdgeEndNode(edge);
-        AStarNode& record = mRecords[end];
         const float g = mRecords[node].mG + mGoal->getCost(edge);
         // an open record keeps its place in the open list, whatever it costs now
-        if (stateOf(end) == UNVISITED || !(g < record.mG))
-            continue;
-        setCheaperPath(record, edge, g);
-        work.push_back(end);
+        if (stateOf(end) != UNVISITED && g < mRecords[end].mG)
+            log.setCheaper(end, edge, g);
     }
 }
 
