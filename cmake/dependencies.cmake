@@ -1,7 +1,7 @@
 # The libraries of tools and tests. A build for another system takes the same packages, but only
 # what is independent of the machine: the header libraries, and the test framework's sources.
 if(NOT CMAKE_CROSSCOMPILING)
-  if(ZUNO_BUILD_TOOLS)
+  if(ZUNO_BUILD_TOOLS OR ZUNO_BUILD_TESTS)
     find_package(CLI11 REQUIRED)
     find_package(nlohmann_json REQUIRED)
     find_package(Boost REQUIRED)

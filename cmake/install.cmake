@@ -1,24 +1,17 @@
-# cmake --install, and find_package(zunopathfinder) for hosts.
+# cmake --install, for hosts that use find_package(zunopathfinder) or pkg-config. Components:
+# runtime (what programs load), development (what hosts are built with), tools.
 include(CMakePackageConfigHelpers)
+include(cmake/publicheaders.cmake)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/zunopathfinder)
-install(TARGETS zunopathfinder zunocommon zunonavmesh zunohostkit EXPORT zunopathfinder-targets
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-if(ZUNO_BUILD_TOOLS)
-  set(tools zunopath zunotrace)
-  if(TARGET zunobake)
-    list(APPEND tools zunobake)
-  endif()
-  set_target_properties(${tools} PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
-  install(TARGETS ${tools} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-endif()
-install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zunopathfinder
-  FILES_MATCHING PATTERN "*.h")
-install(DIRECTORY hostkit DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zunopathfinder
-  FILES_MATCHING PATTERN "*.h")
-install(EXPORT zunopathfinder-targets NAMESPACE zuno:: DESTINATION ${package_folder})
+install(TARGETS zunopathfinder EXPORT zunopathfinder-targets
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+install(TARGETS zunocommon zunonavmesh zunohostkit EXPORT zunopathfinder-targets
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+install(EXPORT zunopathfinder-targets NAMESPACE zuno:: DESTINATION ${package_folder}
+  COMPONENT development)
 configure_package_config_file(cmake/zunopathfinder-config.cmake.in
   ${PROJECT_BINARY_DIR}/zunopathfinder-config.cmake INSTALL_DESTINATION ${package_folder})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/zunopathfinder-config-version.cmake
@@ -26,4 +19,25 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/zunopathfinder-config-ver
 install(FILES
   ${PROJECT_BINARY_DIR}/zunopathfinder-config.cmake
   ${PROJECT_BINARY_DIR}/zunopathfinder-config-version.cmake
-  DESTINATION ${package_folder})
+  cmake/compilers.cmake
+  DESTINATION ${package_folder} COMPONENT development)
+
+file(RELATIVE_PATH prefix_of_pc /${CMAKE_INSTALL_LIBDIR}/pkgconfig /) # wherever it is unpacked
+foreach(library zunopathfinder zunohostkit)
+  configure_file(cmake/${library}.pc.in ${library}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${library}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endforeach()
+
+if(ZUNO_BUILD_TOOLS)
+  set(tools zunopath zunotrace)
+  if(TARGET zunobake)
+    list(APPEND tools zunobake)
+  endif()
+  set_target_properties(${tools} PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+  install(TARGETS ${tools} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+endif()
+
+if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+  install(FILES ${unwinder} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+endif()

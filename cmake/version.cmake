@@ -1,0 +1,11 @@
+# Reads the version from the header that hosts see, so that it stands in one place.
+file(READ ${CMAKE_CURRENT_LIST_DIR}/../src/pathfinder/version.h version_header)
+foreach(part MAJOR MINOR PATCH)
+  string(REGEX MATCH "#define ZUNO_VERSION_${part} ([0-9]+)" found "${version_header}")
+  set(ZUNO_VERSION_${part} ${CMAKE_MATCH_1})
+endforeach()
+set(ZUNO_VERSION ${ZUNO_VERSION_MAJOR}.${ZUNO_VERSION_MINOR}.${ZUNO_VERSION_PATCH})
+string(FIND "${version_header}" "#define ZUNO_VERSION_TEXT \"${ZUNO_VERSION}\"" found)
+if(found EQUAL -1)
+  message(FATAL_ERROR "src/pathfinder/version.h: ZUNO_VERSION_TEXT isn't ${ZUNO_VERSION}")
+endif()
