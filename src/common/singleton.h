@@ -14,7 +14,7 @@ public:
     /// Makes the instance from `allocator`; without memory there is none afterwards.
     /// An instance that exists is reported and stays.
     static void createInstance(const SharedPtr<Memory::Allocator>& allocator) {
-        if (reportExisting())
+        if (!isVacant())
             return;
         sInstance = new (allocator) T();
     }
@@ -22,7 +22,7 @@ public:
     /// Makes `instance` the instance and owns it. An instance that exists is reported and stays,
     /// and `instance` remains its maker's.
     static void createInstance(T* instance) {
-        if (reportExisting())
+        if (!isVacant())
             return;
         sInstance = instance;
     }
@@ -38,10 +38,9 @@ public:
     }
 
 private:
-    static bool reportExisting() {
-        if (sInstance != nullptr)
-            ZUNO_REPORT("", "there is already an instance of this singleton object");
-        return sInstance != nullptr;
+    static bool isVacant() {
+        return ZUNO_CHECK_AS(sInstance == nullptr, "",
+                             "there is already an instance of this singleton object");
     }
 
     inline static T* sInstance = nullptr;

@@ -6,8 +6,8 @@ using Common::Math::Vec3;
 
 AStarMapNavMesh::AStarMapNavMesh(const Common::SharedPtr<NavMeshContainer>& navMesh)
     : mNavMesh(navMesh) {
-    ZUNO_CHECK_AS(navMesh != nullptr, "navMesh != NULL", "Navmesh container is a null pointer");
-    if (navMesh == nullptr)
+    if (!ZUNO_CHECK_AS(navMesh != nullptr, "navMesh != NULL",
+                       "Navmesh container is a null pointer"))
         return;
     ZUNO_CHECK(navMesh->mNodes.size() != 0, "Navmesh container is empty"); // NOLINT: shown
     ZUNO_CHECK_AS(navMesh->mNodes.size() < NavMeshEdge::STARTNODE_MASK,
@@ -21,13 +21,12 @@ void AStarMapNavMesh::getOutEdges(Common::Astar::EdgeList& edges, std::uint32_t 
     for (std::uint32_t i = 0; i < neighbours.size(); ++i) {
         if (neighbours[i] < 0)
             continue;
-        ZUNO_CHECK_AS(
-            i < NavMeshEdge::maxBorders,
-            "i < (ZUNO::Common::Utility::BitMask<(32-ZUNO_ASTARMAP_NAVMESH_EDGEINDEX_NODEBITS)>"
-            "::MASK)",
-            "Number of borders in a navmesh node exceeds the available range of "
-                << NavMeshEdge::maxBorders);
-        if (i >= NavMeshEdge::maxBorders)
+        if (!ZUNO_CHECK_AS(
+                i < NavMeshEdge::maxBorders,
+                "i < (ZUNO::Common::Utility::BitMask<(32-ZUNO_ASTARMAP_NAVMESH_EDGEINDEX_NODEBITS)>"
+                "::MASK)",
+                "Number of borders in a navmesh node exceeds the available range of "
+                    << NavMeshEdge::maxBorders))
             return; // such an id would name another edge
         edges.push_back(NavMeshEdge::make(node, i));
     }

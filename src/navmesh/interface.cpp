@@ -56,9 +56,8 @@ void initLibrary(const SharedPtr<Callback::MemoryCallback>& cbMemory,
                   "Callback pointer for memory must not be a NULL pointer");
     ZUNO_CHECK_AS(cbFileIO != nullptr, "cbFileIO != NULL",
                   "Callback pointer for file io must not be a NULL pointer");
-    ZUNO_CHECK_AS(g.gNavBuilder == nullptr, "gNavBuilder == NULL",
-                  "NavMesh library is already initialised");
-    if (g.gNavBuilder != nullptr)
+    if (!ZUNO_CHECK_AS(g.gNavBuilder == nullptr, "gNavBuilder == NULL",
+                       "NavMesh library is already initialised"))
         return;
     try {
         g.gNavMemCallback = cbMemory;
@@ -74,9 +73,8 @@ void initLibrary(const SharedPtr<Callback::MemoryCallback>& cbMemory,
 }
 
 void closeLibrary() {
-    ZUNO_CHECK_AS(g.gNavBuilder != nullptr, "gNavBuilder != NULL",
-                  "NavMesh library is not initialised");
-    if (g.gNavBuilder == nullptr)
+    if (!ZUNO_CHECK_AS(g.gNavBuilder != nullptr, "gNavBuilder != NULL",
+                       "NavMesh library is not initialised"))
         return;
     ZUNO_CHECK_AS(g.gNavBuilder.isLastReference(), "gNavBuilder.isLastReference()",
                   "NavMeshBuilder instance is referenced from outside the library, cannot delete "

@@ -29,10 +29,9 @@ NavMeshContainer::NavMeshContainer()
       mSurfaceTypes(mAllocator) {}
 
 Vec3<float> NavMeshContainer::getNodeCenter(std::int32_t nodeIndex) const {
-    ZUNO_CHECK_AS(hasNode(nodeIndex), "nodeIndex >= 0 && nodeIndex < (int32)mNodes.size()",
-                  "nodeID out of range");
     Vec3<float> sum(0, 0, 0);
-    if (!hasNode(nodeIndex))
+    if (!ZUNO_CHECK_AS(hasNode(nodeIndex), "nodeIndex >= 0 && nodeIndex < (int32)mNodes.size()",
+                       "nodeID out of range"))
         return sum;
     const NavNode& node = nodeAt(nodeIndex);
     for (const std::uint32_t corner : node.mPolygon)

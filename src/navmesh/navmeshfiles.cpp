@@ -23,8 +23,9 @@ ResourceInterface* findResources() {
 
 /// The same, for saving a mesh, which must not be null.
 ResourceInterface* findResourcesFor(const SharedPtr<NavMeshContainer>& mesh) {
-    ZUNO_CHECK_AS(mesh != nullptr, "mesh != NULL", "There is no mesh to save");
-    return mesh != nullptr ? findResources() : nullptr;
+    return ZUNO_CHECK_AS(mesh != nullptr, "mesh != NULL", "There is no mesh to save")
+               ? findResources()
+               : nullptr;
 }
 
 } // namespace

@@ -12,8 +12,7 @@ using Common::Memory::createOwned;
 using Common::Memory::destroyObject;
 
 std::int32_t NavMeshInstance::initPathSearch(const Vec3& start, const Vec3& goal) {
-    ZUNO_CHECK_AS(mNavMesh != nullptr, "mNavMesh", "there is no mesh to search");
-    if (mNavMesh == nullptr)
+    if (!ZUNO_CHECK_AS(mNavMesh != nullptr, "mNavMesh", "there is no mesh to search"))
         return -1;
     const std::int32_t startNode = mLocator->findNode(start);
     if (startNode == -1)

@@ -9,8 +9,8 @@ namespace ZUNO::Common::Callback {
 using namespace Exceptions;
 
 CallbackFileStream::CallbackFileStream(const SharedPtr<FileIOCallback>& fileIO) : mFileIO(fileIO) {
-    ZUNO_CHECK_AS(mFileIO != nullptr, "mFileIO != NULL", "File callback cannot be a NULL pointer");
-    if (mFileIO != nullptr)
+    if (ZUNO_CHECK_AS(mFileIO != nullptr, "mFileIO != NULL",
+                      "File callback cannot be a NULL pointer"))
         mHandle = mFileIO->getInvalidHandle();
 }
 

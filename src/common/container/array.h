@@ -28,8 +28,7 @@ private:
     static constexpr unsigned int N_NUM_ELEM = N;
 
     static void check(unsigned int index) {
-        ZUNO_CHECK(index < N_NUM_ELEM, "index out of range");
-        if (index >= N_NUM_ELEM)
+        if (!ZUNO_CHECK(index < N_NUM_ELEM, "index out of range"))
             Exceptions::throwIndexError("index");
     }
 };

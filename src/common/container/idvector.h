@@ -62,8 +62,7 @@ public:
 
     private:
         bool checkOwner() const {
-            ZUNO_CHECK(mOwner, "Iterator is not bound to an IDVector");
-            return mOwner != nullptr;
+            return ZUNO_CHECK(mOwner, "Iterator is not bound to an IDVector");
         }
 
         std::uint32_t mID = 0;
@@ -105,9 +104,8 @@ public:
 
     /// Destroys the element and frees its id. An invalid id is reported and changes nothing.
     void remove(std::uint32_t id) {
-        ZUNO_CHECK(isValidID(id),
-                   "Element with id '" << id << "' cannot be removed since it is invalid");
-        if (!isValidID(id))
+        if (!ZUNO_CHECK(isValidID(id),
+                        "Element with id '" << id << "' cannot be removed since it is invalid"))
             return;
         mSlots[id].element().~T();
         mSlots[id].setFree(mFreeHead);
@@ -119,8 +117,9 @@ public:
 
     /// The element, or null after a report.
     T* find(std::uint32_t id) {
-        ZUNO_CHECK(isValidID(id), "ID '" << id << "' points to an invalid item");
-        return isValidID(id) ? &mSlots[id].element() : nullptr;
+        if (!ZUNO_CHECK(isValidID(id), "ID '" << id << "' points to an invalid item"))
+            return nullptr;
+        return &mSlots[id].element();
     }
 
     /// The element. An invalid id is reported and then raises an ArgumentOutOfRangeException.

@@ -81,8 +81,7 @@ void* FreeListAllocator::allocateLarge(std::uint64_t size) {
 void FreeListAllocator::refill(unsigned int sizeClass) {
     const std::size_t size = Layout::chunkSize(sizeClass);
     auto* const header = static_cast<Chunk*>(mParent->allocate(size));
-    ZUNO_CHECK(header, "Cannot allocate memory block of size: " << size);
-    if (header == nullptr)
+    if (!ZUNO_CHECK(header, "Cannot allocate memory block of size: " << size))
         return;
     const std::size_t count = Layout::blocksPerChunk(sizeClass);
     *header = {mChunks, static_cast<std::uint16_t>(count), static_cast<std::uint16_t>(sizeClass)};

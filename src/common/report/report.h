@@ -19,22 +19,26 @@ ReportHandler setReportHandler(ReportHandler handler) noexcept;
 void report(const char* expression, const ReportText& text, const char* file,
             unsigned int line) noexcept;
 
+/// Reports, and yields the value of a check that failed. Inline, so that compilers see the value.
+inline bool failCheck(const char* expression, const ReportText& text, const char* file,
+                      unsigned int line) noexcept {
+    report(expression, text, file, line);
+    return false;
+}
+
 } // namespace ZUNO::Common::Debug
 
 /// Reports without a check. `message` is streamed: ZUNO_REPORT("id < n", "bad id " << id).
 #define ZUNO_REPORT(expression, message)                                                           \
-    do {                                                                                           \
-        ::ZUNO::Common::Debug::ReportText zunoReportText;                                          \
-        zunoReportText << message;                                                                 \
-        ::ZUNO::Common::Debug::report(expression, zunoReportText, __FILE__, __LINE__);             \
-    } while (false)
+    ::ZUNO::Common::Debug::report(expression, ::ZUNO::Common::Debug::ReportText() << message,      \
+                                  __FILE__, __LINE__)
 
-/// Reports `message` with the given expression when `condition` does not hold.
+/// Yields whether `condition` holds, and reports `message` with the given expression when not:
+/// if (!ZUNO_CHECK_AS(mesh != nullptr, "mesh", "there is no mesh")) return -1;
 #define ZUNO_CHECK_AS(condition, expression, message)                                              \
-    do {                                                                                           \
-        if (!(condition))                                                                          \
-            ZUNO_REPORT(expression, message);                                                      \
-    } while (false)
+    ((condition) ||                                                                                \
+     ::ZUNO::Common::Debug::failCheck(expression, ::ZUNO::Common::Debug::ReportText() << message,  \
+                                      __FILE__, __LINE__))
 
 /// As ZUNO_CHECK_AS, with the condition's own source text as the expression.
 #define ZUNO_CHECK(condition, message) ZUNO_CHECK_AS(condition, #condition, message)

@@ -179,9 +179,8 @@ SharedPtr<SerializeStorage::Position> BinarySerializeStorage::getPosition() {
 void BinarySerializeStorage::setPosition(const SharedPtr<Position>& position) {
     requireOpen();
     const bool isBinary = position != nullptr && position->getStorageType() == STORAGE_BINARY;
-    ZUNO_CHECK_AS(isBinary, "storagePos->getStorageType() == STORAGE_BINARY",
-                  "Cannot use StoragePosition from wrong type");
-    if (isBinary)
+    if (ZUNO_CHECK_AS(isBinary, "storagePos->getStorageType() == STORAGE_BINARY",
+                      "Cannot use StoragePosition from wrong type"))
         seekTo(static_cast<const BinaryPosition*>(position.get())->getOffset());
 }
 
@@ -304,9 +303,8 @@ int BinarySerializeStorage::peekItemType() {
 }
 
 void BinarySerializeStorage::skipItem(String& name, int& type) {
-    ZUNO_CHECK_AS(getSerializeMode() == SMODE_INPUT, "getSerializeMode() == SMODE_INPUT",
-                  "Cannot read on a write stream");
-    if (getSerializeMode() != SMODE_INPUT)
+    if (!ZUNO_CHECK_AS(getSerializeMode() == SMODE_INPUT, "getSerializeMode() == SMODE_INPUT",
+                       "Cannot read on a write stream"))
         return;
     // sizes of the values that have one, by type code
     constexpr std::size_t sizes[] = {0, 1, 1, 1, 2, 2, 4, 4, 8, 8, 4, 8};

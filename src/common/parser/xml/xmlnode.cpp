@@ -173,11 +173,10 @@ XMLNode* XMLNodeElements::getLastElement() const {
 }
 
 XMLNode* XMLNodeElements::removeLastElement() {
-    ZUNO_CHECK_AS(!mChildren.empty(), "!elements.empty()",
-                  "Cannot remove last element from an empty node list");
-    XMLNode* const last = mChildren.mLast;
-    if (last == nullptr)
+    if (!ZUNO_CHECK_AS(!mChildren.empty(), "!elements.empty()",
+                       "Cannot remove last element from an empty node list"))
         return nullptr;
+    XMLNode* const last = mChildren.mLast;
     mChildren.mLast = last->mPrevious;
     (last->mPrevious != nullptr ? last->mPrevious->mNext : mChildren.mFirst) = nullptr;
     last->mPrevious = nullptr;

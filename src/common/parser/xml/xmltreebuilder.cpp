@@ -52,9 +52,8 @@ void XMLTreeBuilder::begin(const char* rootName, bool copyStrings) {
 
 void XMLTreeBuilder::beginNode(std::int32_t kind) {
     const bool isElements = kind == NODE_ELEMENTS;
-    ZUNO_CHECK_AS(isElements || mRoot != nullptr, "root",
-                  "The root must be an element with children");
-    if (!isElements && mRoot == nullptr)
+    if (!ZUNO_CHECK_AS(isElements || mRoot != nullptr, "root",
+                       "The root must be an element with children"))
         return;
     XMLNode* node = nullptr;
     switch (kind) {
@@ -218,15 +217,15 @@ void XMLTreeBuilder::removeLastNode() {
 }
 
 void XMLTreeBuilder::addTree(XMLTreeBuilder* tree) {
-    ZUNO_CHECK(tree, "Tree cannot be a NULL pointer");
-    if (tree == nullptr)
+    if (!ZUNO_CHECK(tree, "Tree cannot be a NULL pointer"))
         return;
-    ZUNO_CHECK_AS(tree->mAllocator == mAllocator.get(), "tree->mAllocator == mAllocator",
-                  "We cannot add a tree with a different allocator");
-    ZUNO_CHECK_AS(tree->mCopyStrings == mCopyStrings, "tree->copyStrings == copyStrings",
-                  "We cannot add a tree with a different copyStrings flag");
-    if (tree->mAllocator != mAllocator.get() || tree->mCopyStrings != mCopyStrings ||
-        tree->mRoot == nullptr || tree == this)
+    const bool sharesAllocator =
+        ZUNO_CHECK_AS(tree->mAllocator == mAllocator.get(), "tree->mAllocator == mAllocator",
+                      "We cannot add a tree with a different allocator");
+    const bool sharesCopying =
+        ZUNO_CHECK_AS(tree->mCopyStrings == mCopyStrings, "tree->copyStrings == copyStrings",
+                      "We cannot add a tree with a different copyStrings flag");
+    if (!sharesAllocator || !sharesCopying || tree->mRoot == nullptr || tree == this)
         return;
     mAdopted.reserve(mAdopted.size() + tree->mAdopted.size() + 1);
     mOpenElements.reserve(mOpenElements.size() + 1);
@@ -297,8 +296,7 @@ void XMLTreeBuilder::destroyTree() {
 }
 
 bool XMLTreeBuilder::canFormat() const {
-    ZUNO_CHECK_AS(mCopyStrings, "copyStrings", "Used without copyStrings enabled !");
-    return mCopyStrings;
+    return ZUNO_CHECK_AS(mCopyStrings, "copyStrings", "Used without copyStrings enabled !");
 }
 
 } // namespace ZUNO::Common::Parser::XML
