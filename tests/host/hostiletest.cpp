@@ -1,7 +1,10 @@
 // Meshes that no tool should make: refused with a clear report, or run with, in bounded time.
 #include "tests/host/hosttest.h"
+#include "tests/platform/process.h"
+#include "tests/support/tempfolder.h"
 
 #include <cmath>
+#include <fstream>
 #include <limits>
 
 namespace ZUNO::Tests {
@@ -148,6 +151,82 @@ TEST_F(HostTest, RefusesOrSurvivesHostileGeometry) {
         EXPECT_EQ(isLoaded, *row.mReport == '\0') << text;
         EXPECT_NE(text.find(row.mReport), std::string::npos) << text;
         EXPECT_TRUE(mMemory->mBlocks.empty());
+    }
+}
+
+/// Two squares side by side, with one of everything that a mesh can hold.
+constexpr const char* twoSquares =
+    "<a><navmesh><heightmap><height id=\"0\">2</height></heightmap><normal>0/1/0</normal>"
+    "<vertices><pos>0/0/0</pos><pos>4/0/0</pos><pos>4/0/4</pos><pos>0/0/4</pos><pos>8/0/0</pos>"
+    "<pos>8/0/4</pos></vertices><nodes>"
+    "<node><heightclass>0</heightclass><polygon><vert_id>0</vert_id><vert_id>1</vert_id>"
+    "<vert_id>2</vert_id><vert_id>3</vert_id></polygon><neighbour><node_id>-1</node_id>"
+    "<node_id>1</node_id><node_id>-1</node_id><node_id>-1</node_id></neighbour>"
+    "<surfacetypeid>3</surfacetypeid></node>"
+    "<node><heightclass>0</heightclass><polygon><vert_id>1</vert_id><vert_id>4</vert_id>"
+    "<vert_id>5</vert_id><vert_id>2</vert_id></polygon><neighbour><node_id>-1</node_id>"
+    "<node_id>-1</node_id><node_id>-1</node_id><node_id>0</node_id></neighbour>"
+    "<surfacetypeid>3</surfacetypeid></node></nodes><xaxis>1/0/0</xaxis><yaxis>0/0/1</yaxis>"
+    "<cubesize>0.5</cubesize><characters><character><name>c</name><userid>1</userid>"
+    "<physicalheight>2</physicalheight><jumpheight>1</jumpheight><fallheight>1</fallheight>"
+    "<maxheightclassid>0</maxheightclassid></character></characters>"
+    "<surfacetypes><surfacetype><name>s</name><id>3</id></surfacetype></surfacetypes>"
+    "</navmesh></a>";
+
+TEST(MeshCheck, NamesWhatIsWrongOrOdd) {
+    const std::string one = "<node_id>1</node_id>";
+    const std::string none = "<node_id>-1</node_id>";
+    const std::string ids = "<vert_id>0</vert_id><vert_id>1</vert_id>";
+    const std::string ring = ids + "<vert_id>2</vert_id><vert_id>3</vert_id>";
+    struct Case {
+        std::string mWhat; ///< where it first stands in the mesh
+        std::string mBy;
+        const char* mFindings; ///< all of them, without "mesh: "
+    };
+    const Case cases[] = {
+        {"<a>", "<a>", "2 nodes, 0 defects, 0 oddities"},
+        {">2</height>", ">inf</height>", "defect: height class 0 is not finite"},
+        {"0/1/0", "0/nan/0", "defect: normal is not finite"},
+        {"<xaxis>1/0", "<xaxis>1/inf", "defect: xaxis is not finite"},
+        {"<yaxis>0/0", "<yaxis>0/inf", "defect: yaxis is not finite"},
+        {"0.5</cubesize>", "0</cubesize>", "defect: cubesize is 0; it must be above 0"},
+        {"0.5</cubesize>", "inf</cubesize>", "defect: cubesize is inf; it must be above 0"},
+        {"<pos>8/0/4<", "<pos>8/0/inf<", "defect: vertex 5 is not finite"},
+        {"<vert_id>5<", "<vert_id>6<", "defect: node 1: corner 2 refers to vertex 6 of 6"},
+        {one, "<node_id>2</node_id>", "defect: node 0: border 1 leads to node 2 of 2"},
+        {"<heightclass>0", "<heightclass>1", "defect: node 0 has height class 1 of 1"},
+        {"<heightclass>0", "<heightclass>-1", "defect: node 0 has height class -1 of 1"},
+        {ids, "<vert_id>0</vert_id><vert_id>1</vert_id></polygon><neighbour/><polygon>",
+         "odd: node 0 has 2 corners\nodd: node 0 has 0 neighbours for 2 corners\n"
+         "odd: node 1: border 3 leads to node 0, which does not lead back"},
+        {"<pos>0/0/0<", "<pos>3/0/3<", "odd: node 0 is not convex"},
+        {ring, "<vert_id>1</vert_id><vert_id>1</vert_id><vert_id>2</vert_id><vert_id>2</vert_id>",
+         "odd: node 0 has no area in the plane"},
+        {ring, "<vert_id>3</vert_id><vert_id>2</vert_id><vert_id>1</vert_id><vert_id>0</vert_id>",
+         "odd: node 0 runs clockwise: it holds no points"},
+        {one, one + none, "odd: node 0 has 5 neighbours for 4 corners"},
+        {one, "<node_id>0</node_id>",
+         "odd: node 0: border 1 leads to the node itself\n"
+         "odd: node 1: border 3 leads to node 0, which does not lead back"},
+        {one, none, "odd: node 1: border 3 leads to node 0, which does not lead back"},
+        {none + one, one + none,
+         "odd: node 0: border 0 leads to node 1, which does not have that border"},
+        {"<surfacetypeid>3", "<surfacetypeid>9",
+         "odd: node 0 has surface type 9, which does not exist"},
+        {"<maxheightclassid>0", "<maxheightclassid>1",
+         "odd: character 0 may use height class 1 of 1"},
+    };
+    const TempFolder folder;
+    const std::string file = (folder.path() / "mesh.xml").string();
+    for (const Case& row : cases) {
+        std::string mesh = twoSquares;
+        mesh.replace(mesh.find(row.mWhat), row.mWhat.size(), row.mBy);
+        std::ofstream(file) << mesh;
+        std::string findings = runCommand(ZUNO_TOOL_FOLDER "/zunopath check " + file).mOutput;
+        for (std::size_t at = 0; (at = findings.find(file)) != std::string::npos;)
+            findings.erase(at, file.size() + 2);
+        EXPECT_TRUE(findings.starts_with(row.mFindings + std::string("\n"))) << row.mBy << '\n'
+                                                                             << findings;
     }
 }
 
