@@ -105,4 +105,14 @@ TEST_F(HostKitTest, SessionsSayWhyTheyDidNotStart) {
               std::string::npos);
 }
 
+TEST_F(HostKitTest, SessionsAreClosedOnce) {
+    const char* const mesh = ZUNO_SOURCE_FOLDER "/worlds/harbour.xml";
+    HostKit::Session first(mesh);
+    const HostKit::MemoryFigures figures = first.close();
+    EXPECT_GT(figures.mPeakBytes, 0U);
+    const HostKit::Session second(mesh);
+    EXPECT_EQ(first.close().mPeakBytes, figures.mPeakBytes);
+    EXPECT_EQ(Pathfinder::Interface::getGroundHeight({20, 20}), 5) << "the second one runs on";
+}
+
 } // namespace ZUNO::Tests
