@@ -43,6 +43,7 @@ DetourPeer::DetourPeer(const NavMesh::NavMeshContainer& mesh) {
     for (const auto& node : mesh.mNodes) {
         const std::size_t count = node.mPolygon.size();
         require(count <= corners, "a polygon has too many corners");
+        require(node.mNeighbours.size() == count, "a polygon has borders without an entry");
         // it runs the other way round: corner i is ours from behind, and so are the borders
         for (std::size_t i = 0; i < corners; ++i)
             polygons.push_back(i < count ? static_cast<unsigned short>(node.mPolygon[count - 1 - i])

@@ -12,9 +12,10 @@ namespace ZUNO::Benchmarks {
 
 class DetourPeer {
 public:
-    /// Takes a mesh with y up, polygons of at most six corners, and at most 65,534 of them and of
-    /// corners. Raises a std::runtime_error for another. Corners are rounded to a lattice of 65,000
-    /// steps over the larger extent, which is the form that Detour keeps.
+    /// Takes a mesh with y up, polygons of at most six corners with an entry for each border, and
+    /// at most 65,534 of them and of corners. Throws a std::runtime_error for another. Corners are
+    /// rounded to a lattice of 65,000 steps over the larger extent, which is the form that Detour
+    /// keeps.
     explicit DetourPeer(const NavMesh::NavMeshContainer& mesh);
 
     struct Place {

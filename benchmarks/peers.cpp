@@ -1,11 +1,12 @@
 // How the runtime stands against what a user would pick instead: ratios of medians, measured turn
 // by turn in one run, with the goals that were set for them.
 #include "benchmarks/detourpeer.h"
-#include "common/memory/objectcreation.h"
 #include "hostkit/session.h"
 #include "navmesh/interface.h"
 #include "navmesh/meshsearch.h"
 #include "navmesh/nodelocator.h"
+#include "reference/comparison.h"
+#include "reference/plainworld.h"
 #include "tools/picture/loadedmesh.h"
 #include "worlds/meshmodel.h"
 
@@ -330,53 +331,18 @@ void compareManySearches() {
 /// The world's answers against those of the plain parts, bit for bit.
 void compareWithPlainForms(const Sample& sample) {
     const HostKit::Session session(sample.file());
-    const auto mesh = sample.shared();
-    const auto& allocator = NavMesh::getAllocator();
-    NavMesh::AStarMapNavMesh map(mesh);
-    Common::Astar::AStarStorageFast storage(&map, allocator);
-    const std::unique_ptr<NavMesh::NMCostFunc> cost(
-        Common::Memory::createManaged<NavMesh::NMCostFunc>(allocator, mesh));
-    const std::unique_ptr<NavMesh::NMHeuristicFunc> heuristic(
-        Common::Memory::createManaged<NavMesh::NMHeuristicFunc>(allocator, mesh));
-    Common::Astar::ASGoalBase goal(cost.get(), heuristic.get(), allocator);
-    Common::Astar::AStar plain(&storage, &goal, &map, allocator);
-    std::mt19937 random(6);
-    unsigned int differences = 0;
-    constexpr unsigned int queries = 300;
-    for (unsigned int i = 0; i < queries; ++i) {
-        const Query query{sample.pick(random), sample.pick(random)};
-        NavMesh::SearchEnds ends{query.mFrom, query.mTo,
-                                 static_cast<std::uint32_t>(mesh->findNode(query.mFrom)),
-                                 static_cast<std::uint32_t>(mesh->findNode(query.mTo))};
-        const int id = Interface::initPathSearch(query.mFrom, query.mTo);
-        const bool standsOnNone =
-            ends.mStartNode == Common::Astar::noNode || ends.mGoalNode == Common::Astar::noNode;
-        differences += standsOnNone != (id < 0) ? 1U : 0U;
-        if (standsOnNone || id < 0)
-            continue;
-        cost->mEnds = heuristic->mEnds = ends;
-        goal.setStartGoal(ends.mStartNode, ends.mGoalNode);
-        plain.initSearch();
-        std::int32_t state = 1;
-        while (state == 1) {
-            state = plain.runSearch(16);
-            differences += Interface::runPathSearch(id, 16) != state ? 1U : 0U;
-        }
-        Common::Astar::EdgeList edges(allocator);
-        const float price = state == 0 ? goal.getPath(edges) : 0.0F;
-        for (const std::uint32_t edge : edges) {
-            Vec3<float> waypoint(0, 0, 0);
-            const Vec3<float> centre =
-                mesh->getNodeCenter(static_cast<std::int32_t>(map.getEdgeEndNode(edge)));
-            const bool isSame = Interface::getNextWaypoint(id, waypoint) && waypoint == centre;
-            differences += isSame ? 0U : 1U;
-        }
-        Vec3<float> none(0, 0, 0);
-        differences += Interface::getNextWaypoint(id, none) ? 1U : 0U;
-        differences += Interface::getPathCost(id) != price ? 1U : 0U;
-        Interface::closePathSearch(id);
-    }
-    std::printf("    %u queries against the plain forms: %u differences\n", queries, differences);
+    Interface exports;
+    Reference::PlainWorld plain(sample.shared(), NavMesh::getAllocator());
+    Reference::Questions questions(6);
+    Reference::SearchComparison searches(plain, exports, questions);
+    std::string difference = searches.run(questions.journeysOver(sample.mesh(), 300), 4, 64);
+    Vec2<float> low(0, 0);
+    Vec2<float> high(0, 0);
+    Interface::getBoundingRectangle(low, high);
+    if (difference.empty())
+        difference = Reference::compareRays(plain, exports, questions.raysOver(low, high, 3000));
+    std::printf("    300 queries and 3,000 rays against the plain forms: %s\n",
+                difference.empty() ? "the same" : difference.c_str());
 }
 
 void showMemory(const Sample& sample) {

@@ -3,6 +3,7 @@
 set(public_headers
   # the library
   pathfinder/interface.h
+  pathfinder/noground.h
   pathfinder/version.h
   # the host's copy of the foundation: callbacks, texts, exceptions, reports, the log
   common/interface.h

@@ -12,9 +12,6 @@ using Common::Debug::ReportText;
 
 namespace {
 
-/// Bytes of one cell of the blocking grid.
-constexpr std::int64_t cellSize = 8;
-
 /// What takes some ten seconds: eight times over the largest grid.
 constexpr double maxRasterSteps = 8.0 * (1U << 29U);
 
@@ -117,26 +114,12 @@ private:
         if (!isFinite(grid.mBounds.mMin) || !isFinite(grid.mBounds.mMax) ||
             !isFinite(grid.mBounds.mMax - grid.mBounds.mMin))
             found("the mesh's extent in its plane is not finite");
-        else if (grid.mColumns > limit / cellSize / grid.mRows)
+        else if (grid.mColumns > limit / PlaneGrid::bytesPerCell / grid.mRows)
             found("the blocking grid would have ", grid.mColumns, " x ", grid.mRows,
                   " cells; the cube size is too small for the mesh's extent");
-        else if (const double steps = countRasterSteps(); steps > maxRasterSteps)
+        else if (const double steps = countMarkingSteps(mMesh); steps > maxRasterSteps)
             found("the nodes cover the blocking grid too often: rasterising them takes ", steps,
                   " steps, and at most ", maxRasterSteps, " are taken");
-    }
-
-    /// How many cells, and borders in rows of cells, are looked at when the grid is made.
-    double countRasterSteps() const {
-        double steps = 0;
-        for (const NavMeshContainer::NavNode& node : mMesh.mNodes) {
-            Common::Math::Rect rect;
-            for (const std::uint32_t corner : node.mPolygon)
-                rect.grow(mMesh.projectToPlane(mMesh.mVertices[corner]));
-            const auto cells = [&](float extent) { return double{extent} / mMesh.mCubeSize + 1; };
-            const Common::Math::Vec2<float> size = rect.mMax - rect.mMin;
-            steps += cells(size.mY) * (cells(size.mX) + static_cast<double>(node.mPolygon.size()));
-        }
-        return steps;
     }
 };
 

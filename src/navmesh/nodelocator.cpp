@@ -24,21 +24,22 @@ public:
     Outline(const NavMeshContainer& mesh, const NavMeshContainer::NavNode& node)
         : mMesh(mesh), mPolygon(node.mPolygon) {}
 
-    /// The node's test computes in `float`, for each border, twice the area of the triangle of the
-    /// border and the point, and refuses the point when one comes out negative. How far outside the
-    /// corners' bounds can a point be and yet pass, for rounding?
+    /// Returns where points may lie that the node's test accepts, although it computes areas in
+    /// `float`; nothing when that is not known.
     ///
-    /// Seen from a point p at the distance d outside the bounds, along one axis, of a simple
-    /// counter-clockwise outline, the positive triangles cover every segment from p to a point of
-    /// the polygon: its area A, and outside the bounds at least d * d / (d + S) * A / S / 2, where
-    /// S is the larger extent (a cross-section of A / S, seen through the bounds' side). All
-    /// triangles together make A, so of k borders one is more negative, in twice the area, than
-    ///     d * d / (d + S) * A / S / k.
-    /// The rounding of one such area, with X the largest magnitude of the corners' first
-    /// coordinates, is at most
-    ///     E * (2 * X * (d + S) + (X + d + S) * S),  E = 8 * 2^-24.
-    /// Divided by d the former grows with d and the latter falls: when the former is larger at a
-    /// margin, no point beyond that margin passes.
+    /// Claim: a point farther than `margin` outside the corners' bounds is refused.
+    /// 1. Outside a simple counter-clockwise outline of area A, larger extent S and k borders, at
+    ///    the distance d from its bounds along one axis, one border has a doubled area below
+    ///        -least(d) = -(d * d / (d + S) * A / S / k).
+    ///    Seen from the point, the triangles with positive area cover every segment to the polygon:
+    ///    its own area A, and between the point and the bounds at least d * d / (d + S) * A / S / 2
+    ///    (somewhere the polygon is A / S across). All triangles together make A, so the negative
+    ///    ones make up for what is more, and one of them for a share of 1 / k.
+    /// 2. The float value of a doubled area is off by at most
+    ///        error(d) = E * (2 * X * (d + S) + (X + d + S) * S),  E = 8 * 2^-24,
+    ///    where X is the largest magnitude of the corners' first coordinates.
+    /// 3. least(d) / d grows with d, and error(d) / d falls. If least > error at the margin, the
+    ///    sign is right everywhere beyond it.
     std::optional<NodeLocator::Rect> measureReach() {
         if (!findBounds() || !isSimple())
             return {};

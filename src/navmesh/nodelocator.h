@@ -8,7 +8,8 @@ namespace ZUNO::NavMesh {
 
 /// Finds the node under a point as `NavMeshContainer::findNode` does, without looking at all of
 /// them: a grid over the plane lists for each cell the nodes that can hold a point of it, lowest id
-/// first, and the mesh itself decides on each. Holds at most 44 bytes a node.
+/// first, and the mesh itself decides on each.
+/// Cost: at most 44 bytes a node. Thread: any number of them may ask.
 class NodeLocator {
 public:
     NodeLocator(const Common::SharedPtr<NavMeshContainer>& navMesh,

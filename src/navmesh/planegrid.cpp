@@ -18,4 +18,17 @@ PlaneGrid measurePlane(const NavMeshContainer& mesh) {
     return grid;
 }
 
+double countMarkingSteps(const NavMeshContainer& mesh) {
+    const auto cells = [&](float extent) { return double{extent} / mesh.mCubeSize + 1; };
+    double steps = 0;
+    for (const NavMeshContainer::NavNode& node : mesh.mNodes) {
+        Common::Math::Rect rect;
+        for (const std::uint32_t corner : node.mPolygon)
+            rect.grow(mesh.projectToPlane(mesh.mVertices[corner]));
+        const Common::Math::Vec2<float> size = rect.mMax - rect.mMin;
+        steps += cells(size.mY) * (cells(size.mX) + static_cast<double>(node.mPolygon.size()));
+    }
+    return steps;
+}
+
 } // namespace ZUNO::NavMesh

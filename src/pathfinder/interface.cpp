@@ -109,7 +109,7 @@ void Interface::traceRay(Geom::Ray3D<float, float>& ray) {
 
 float Interface::getGroundHeight(const Math::Vec2<float>& position) {
     NavMeshInstance* const world = findWorld();
-    return world != nullptr ? world->getGroundHeight(position) : Raytracer::noGround;
+    return world != nullptr ? world->getGroundHeight(position) : noGround;
 }
 
 void Interface::getBoundingRectangle(Math::Vec2<float>& min, Math::Vec2<float>& max) {

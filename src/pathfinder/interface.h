@@ -6,6 +6,7 @@
 #include "common/geom/ray2d.h"
 #include "common/geom/ray3d.h"
 #include "common/platform/export.h"
+#include "pathfinder/noground.h"
 
 namespace ZUNO::Pathfinder {
 
@@ -69,7 +70,7 @@ public:
     ZUNO_PATHFINDER_EXPORT static void traceRay(Common::Geom::Ray2D<float, float>& ray);
     ZUNO_PATHFINDER_EXPORT static void traceRay(Common::Geom::Ray3D<float, float>& ray);
 
-    /// The height of the ground at the position, or 3.4028235e38 where there is none.
+    /// The height of the ground at the position, or `noGround` (3.4028235e38) where there is none.
     ZUNO_PATHFINDER_EXPORT static float getGroundHeight(const Common::Math::Vec2<float>& position);
 
     /// The rectangle that the world's corners span.

@@ -122,8 +122,7 @@ bool NavMeshInstance::isBlocked(const Vec2& position) {
 
 float NavMeshInstance::getGroundHeight(const Vec2& position) {
     Raytracer::RayTracer* const tracer = requireRayTracer();
-    return tracer != nullptr ? tracer->getGroundHeight(mPlaneTransform * position)
-                             : Raytracer::noGround;
+    return tracer != nullptr ? tracer->getGroundHeight(mPlaneTransform * position) : noGround;
 }
 
 void NavMeshInstance::getBoundingRectangle(Vec2& min, Vec2& max) {

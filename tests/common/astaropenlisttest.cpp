@@ -1,10 +1,12 @@
 #include "common/astar/astaropenlist.h"
+#include "reference/naiveastar.h"
 #include "tests/support/foundation.h"
-#include "tests/support/naiveastar.h"
 
 #include <random>
 
 namespace ZUNO::Tests {
+
+using Reference::NaiveOpenList;
 
 using namespace Common::Astar;
 

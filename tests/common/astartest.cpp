@@ -1,14 +1,16 @@
 #include "common/astar/astar.h"
 #include "common/astar/asgoalbase.h"
 #include "common/astar/astarstoragefast.h"
+#include "reference/naiveastar.h"
 #include "tests/support/foundation.h"
-#include "tests/support/naiveastar.h"
 
 #include <map>
 #include <random>
 #include <set>
 
 namespace ZUNO::Tests {
+
+using Reference::NaiveAStar;
 
 using namespace Common::Astar;
 

@@ -49,7 +49,7 @@ float traced(Vec2<float> from, Vec2<float> to) {
     return ray.mHitDistance;
 }
 
-constexpr float noGround = 3.4028235e38F;
+using Pathfinder::noGround;
 
 } // namespace
 

@@ -1,10 +1,12 @@
+#include "reference/naiveastar.h"
 #include "tests/host/hosttest.h"
-#include "tests/support/naiveastar.h"
 
 #include <cmath>
 #include <random>
 
 namespace ZUNO::Tests {
+
+using Reference::NaiveAStar;
 
 using Worlds::MeshModel;
 

@@ -1,177 +1,106 @@
 // What a world runs against the plain forms, bit for bit.
-#include "navmesh/meshsearch.h"
 #include "navmesh/nodelocator.h"
+#include "pathfinder/navmeshinstance.h"
+#include "reference/comparison.h"
+#include "reference/plainworld.h"
 #include "tests/support/navmeshlibrary.h"
-
-#include <bit>
-#include <cmath>
-#include <limits>
-#include <memory>
-#include <random>
 
 namespace ZUNO::Tests {
 
 using namespace Common;
 using namespace NavMesh;
-using Math::Vec3;
+using Reference::Questions;
 
 class FastFormsTest : public NavMeshLibraryTest {
 protected:
-    static SharedPtr<NavMeshContainer> newMesh() {
+    SharedPtr<NavMeshContainer> fill(const Questions::Disorder& disorder) {
         SharedPtr<NavMeshContainer> mesh(
             Memory::createManaged<NavMeshContainer>(NavMesh::getAllocator()));
-        mesh->mNormal = {0, 1, 0};
-        mesh->mXAxis = {1, 0, 0};
-        mesh->mYAxis = {0, 0, 1};
-        mesh->mCubeSize = 0.25F;
-        mesh->mHeights.push_back(2.5F);
+        mQuestions.fill(*mesh, disorder);
         return mesh;
     }
 
-    static void addPolygon(NavMeshContainer& mesh, const std::vector<Vec3<float>>& corners) {
-        auto& node = mesh.mNodes.emplace_back(gObjectAllocator);
-        node.mHeightClass = 0;
-        for (const Vec3<float>& corner : corners) {
-            node.mPolygon.push_back(static_cast<std::uint32_t>(mesh.mVertices.size()));
-            node.mNeighbours.push_back(-1);
-            mesh.mVertices.push_back(corner);
-        }
-    }
-
-    /// Points on, beside and between the corners of a mesh, and far from it.
-    static std::vector<Vec3<float>> pointsFor(const NavMeshContainer& mesh, std::mt19937& random) {
-        constexpr float infinity = std::numeric_limits<float>::infinity();
-        std::vector<Vec3<float>> points;
-        const auto pick = [&] { return mesh.mVertices[random() % mesh.mVertices.size()]; };
-        const auto nudge = [&](float x) {
-            return random() % 3 == 0 ? x
-                                     : std::nextafter(x, random() % 2 == 0 ? infinity : -infinity);
-        };
-        const auto part = [&] { return static_cast<float>(random() % 1024) / 1024; };
-        for (int i = 0; i < 1500; ++i) {
-            const Vec3<float> a = pick();
-            const auto& node = mesh.mNodes[random() % mesh.mNodes.size()];
-            const std::size_t border = random() % node.mPolygon.size();
-            const Vec3<float> b = mesh.mVertices[node.mPolygon[border]];
-            const Vec3<float> c =
-                mesh.mVertices[node.mPolygon[(border + 1) % node.mPolygon.size()]];
-            const float t = part();
-            points.push_back(a);
-            points.push_back({nudge(a.mX), nudge(a.mY), nudge(a.mZ)});
-            points.push_back({b.mX + (c.mX - b.mX) * t, b.mY, b.mZ + (c.mZ - b.mZ) * t});
-            const float beyond = t * 9 - 4; // where a sliver may hold points by rounding alone
-            points.push_back({b.mX + (c.mX - b.mX) * beyond, b.mY, b.mZ + (c.mZ - b.mZ) * beyond});
-            points.push_back({a.mX + (b.mX - a.mX) * t, a.mY, a.mZ + (c.mZ - a.mZ) * part()});
-            points.push_back({a.mX + (b.mX - a.mX) * 20, a.mY, a.mZ + (b.mZ - a.mZ) * 20});
-        }
-        for (const float far : {1e6F, 1e14F, 1e16F, 1e30F, 3e38F, infinity, std::nanf("")})
-            for (const float sign : {1.0F, -1.0F}) {
-                points.push_back({sign * far, 0, 0});
-                points.push_back({0, 0, sign * far});
-                points.push_back({sign * far, sign * far, far});
-            }
-        return points;
-    }
-
-    static void expectSameNodes(const SharedPtr<NavMeshContainer>& mesh, std::mt19937& random) {
+    void expectSameNodes(const SharedPtr<NavMeshContainer>& mesh) {
         const NodeLocator locator(mesh, gObjectAllocator);
         EXPECT_LE(locator.getMemoryUsage(), 44 * mesh->mNodes.size() + 64);
-        for (const Vec3<float>& point : pointsFor(*mesh, random))
-            ASSERT_EQ(locator.findNode(point), mesh->findNode(point))
-                << point.mX << ' ' << point.mY << ' ' << point.mZ;
+        EXPECT_EQ(Reference::compareLocations(*mesh, locator, mQuestions.pointsAround(*mesh, 1500)),
+                  "");
     }
+
+    /// Searches, rays and heights of the mesh in file "m".
+    void expectSameWorld(const SharedPtr<NavMeshContainer>& mesh, std::size_t width,
+                         unsigned int budget) {
+        const std::unique_ptr<Pathfinder::NavMeshInstance> world(
+            Memory::createManaged<Pathfinder::NavMeshInstance>(gObjectAllocator));
+        ASSERT_TRUE(world->load("m", ""));
+        Reference::PlainWorld plain(mesh, gObjectAllocator);
+        Reference::SearchComparison comparison(plain, *world, mQuestions);
+        EXPECT_EQ(comparison.run(mQuestions.journeysOver(*mesh, 150), width, budget), "");
+        EXPECT_GT(comparison.found(), 20U);
+        Math::Vec2<float> low;
+        Math::Vec2<float> high;
+        world->getBoundingRectangle(low, high);
+        EXPECT_EQ(Reference::compareRays(plain, *world, mQuestions.raysOver(low, high, 500)), "");
+    }
+
+    Questions mQuestions{3};
 };
 
 TEST_F(FastFormsTest, LocatesNodesAsAScanOfAllDoes) {
-    std::mt19937 random(3);
-    expectSameNodes(load(Worlds::makeHarbour()), random);
-    expectSameNodes(load(Worlds::makeFloor(700, 2)), random);
+    expectSameNodes(load(Worlds::makeHarbour()));
+    expectSameNodes(load(Worlds::makeFloor(700, 2)));
     SharedPtr<NavMeshContainer> turned = load(Worlds::makeFloor(700, 2));
     turned->mXAxis = {0.8F, 0, 0.6F};
     turned->mYAxis = {-0.6F, 0, 0.8F};
-    expectSameNodes(turned, random);
-    const auto between = [&](float low, float high) {
-        return low + (high - low) * static_cast<float>(random() % 4096) / 4096;
-    };
-    // anything goes: overlaps, slivers, clockwise, crossed and collapsed outlines, at all scales
+    expectSameNodes(turned);
     for (const float scale : {1.0F, 1e-3F, 1e5F, 1e-20F, 1e-40F, 1e14F, 1e18F})
         for (const float away : {0.0F, 1000.0F, 1e6F, 1e7F}) {
             SCOPED_TRACE(std::to_string(scale) + " " + std::to_string(away));
-            const SharedPtr<NavMeshContainer> mesh = newMesh();
-            for (int i = 0; i < 120; ++i) {
-                std::vector<Vec3<float>> corners;
-                const float x = away + between(0, 100);
-                const float z = between(0, 100);
-                const float width = i % 40 == 0 ? 80.0F : between(0, 6);
-                const float depth = i % 7 == 0 ? 1e-4F : (i % 7 == 1 ? 1e-5F : between(0, 6));
-                const float height = between(0, 3);
-                const auto count = static_cast<unsigned int>(3 + random() % 4);
-                for (unsigned int k = 0; k < count; ++k) {
-                    const float angle = 6.2831853F * static_cast<float>(k) /
-                                        static_cast<float>(count) * (i % 11 == 0 ? -1.0F : 1.0F);
-                    corners.push_back(
-                        {x + width * std::cos(angle), height, z + depth * std::sin(angle)});
-                }
-                if (i % 13 == 0)
-                    std::swap(corners[0], corners[1]);
-                if (i % 17 == 0)
-                    corners[1] = corners[0];
-                if (i % 19 == 0)
-                    corners.assign(corners.size(), corners[0]);
-                for (Vec3<float>& corner : corners)
-                    corner = {corner.mX * scale, corner.mY, corner.mZ * scale};
-                addPolygon(*mesh, corners);
-            }
-            expectSameNodes(mesh, random);
+            expectSameNodes(fill({scale, away}));
         }
 }
 
-TEST_F(FastFormsTest, SearchesAsThePlainPartsDo) {
-    std::mt19937 random(8);
-    for (const Worlds::MeshModel& model :
-         {Worlds::makeHarbour(), Worlds::makeFloor(400, 6), Worlds::makeFloor(3000, 7)}) {
-        const SharedPtr<NavMeshContainer> mesh = load(model);
-        AStarMapNavMesh map(mesh);
-        Astar::AStarStorageFast storage(&map, gObjectAllocator);
-        const std::unique_ptr<NMCostFunc> cost(
-            Memory::createManaged<NMCostFunc>(gObjectAllocator, mesh));
-        const std::unique_ptr<NMHeuristicFunc> heuristic(
-            Memory::createManaged<NMHeuristicFunc>(gObjectAllocator, mesh));
-        Astar::ASGoalBase goal(cost.get(), heuristic.get(), gObjectAllocator);
-        Astar::AStar plain(&storage, &goal, &map, gObjectAllocator);
+TEST_F(FastFormsTest, AnswersAsAWorldOfPlainPartsDoes) {
+    expectSameWorld(load(Worlds::makeHarbour()), 1, 3);
+    expectSameWorld(load(Worlds::makeFloor(400, 6)), 5, 40);
+    expectSameWorld(load(Worlds::makeFloor(3000, 7)), 20, 2000);
+    for (const unsigned int polygons : {60U, 600U}) {
+        saveNavMeshXML("m", fill({1, 0, 0.25F, polygons}));
+        expectSameWorld(loadNavMeshXML("m"), 7, 50);
+    }
+}
 
-        MeshGraph graph(mesh, gObjectAllocator);
-        Astar::AStarStorageFast fastStorage(&graph, gObjectAllocator);
-        MeshGoal fastGoal(graph, gObjectAllocator);
-        MeshAStar fast(&fastStorage, &fastGoal, &graph, gObjectAllocator);
-        for (int i = 0; i < 150; ++i) {
-            SearchEnds ends;
-            ends.mStartNode = static_cast<std::uint32_t>(random() % mesh->mNodes.size());
-            ends.mGoalNode = static_cast<std::uint32_t>(random() % mesh->mNodes.size());
-            ends.mStartPos = mesh->mVertices[mesh->mNodes[ends.mStartNode].mPolygon[0]];
-            ends.mGoalPos = mesh->mVertices[mesh->mNodes[ends.mGoalNode].mPolygon[1]];
-            cost->mEnds = heuristic->mEnds = ends;
-            goal.setStartGoal(ends.mStartNode, ends.mGoalNode);
-            plain.initSearch();
-            fast.setEnds(ends);
-            fast.initSearch();
-            std::int32_t state = 1;
-            while (state == 1) { // slice by slice: as many expansions
-                state = plain.runSearch(3);
-                ASSERT_EQ(fast.runSearch(3), state);
-            }
-            if (state != 0)
-                continue;
-            Astar::EdgeList edges(gObjectAllocator);
-            Astar::EdgeList fastEdges(gObjectAllocator);
-            const float price = goal.getPath(edges);
-            ASSERT_EQ(std::bit_cast<std::uint32_t>(fastGoal.getPath(fastEdges)),
-                      std::bit_cast<std::uint32_t>(price));
-            ASSERT_EQ(fastEdges, edges);
-            for (const std::uint32_t edge : edges)
-                ASSERT_EQ(graph.endOf(edge), map.getEdgeEndNode(edge));
-        }
-        EXPECT_LE(graph.getMemoryUsage(), 20 * mesh->mNodes.size() + 8 * 8 * mesh->mNodes.size());
+TEST_F(FastFormsTest, SavesMissingNeighboursAsNone) {
+    const SharedPtr<NavMeshContainer> mesh = fill({});
+    saveNavMeshBinary("b", mesh);
+    const SharedPtr<NavMeshContainer> read = loadNavMeshBinary("b");
+    unsigned int missing = 0;
+    for (std::size_t id = 0; id < mesh->mNodes.size(); ++id) {
+        auto expected = mesh->mNodes[id].mNeighbours;
+        missing += expected.size() < mesh->mNodes[id].mPolygon.size() ? 1 : 0;
+        expected.resize(mesh->mNodes[id].mPolygon.size(), -1);
+        EXPECT_EQ(read->mNodes[id].mNeighbours, expected);
+    }
+    EXPECT_GT(missing, 10U);
+}
+
+TEST_F(FastFormsTest, TestsPolygonsOfEitherTurn) {
+    const SharedPtr<NavMeshContainer> mesh = fill({1, 0, 0.25F, 1});
+    mesh->mVertices.clear();
+    for (const auto& [x, z] : {std::pair{0.0F, 0.0F}, {4.0F, 0.0F}, {4.0F, 4.0F}})
+        mesh->mVertices.push_back({x, 0, z});
+    NavMeshContainer::Vector<std::uint32_t> ring(gObjectAllocator);
+    ring.assign({0U, 1U, 2U});
+    for (const bool isClockwise : {false, true}) {
+        const auto holds = [&](float x, float z, bool flag) {
+            return isPointInConvexPolygon2D({x, 9, z}, *mesh, ring, flag, mesh->mXAxis,
+                                            mesh->mYAxis);
+        };
+        EXPECT_TRUE(holds(3, 1, isClockwise));
+        EXPECT_TRUE(holds(2, 2, isClockwise)) << "on a border";
+        EXPECT_FALSE(holds(3, 1, !isClockwise));
+        EXPECT_FALSE(holds(1, 3, isClockwise));
+        std::reverse(ring.begin(), ring.end());
     }
 }
 

@@ -2,6 +2,7 @@
 #include "common/platform/terminal.h"
 #include "hostkit/session.h"
 #include "tools/picture/loadedmesh.h"
+#include "tools/picture/meshfigures.h"
 #include "tools/picture/meshpicture.h"
 
 #include <CLI/CLI.hpp>

@@ -1,7 +1,7 @@
 #include "tools/picture/meshpicture.h"
 
 #include "navmesh/planegrid.h"
-#include "tools/picture/loadedmesh.h"
+#include "tools/picture/meshfigures.h"
 
 #include <algorithm>
 #include <array>

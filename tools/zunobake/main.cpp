@@ -2,6 +2,7 @@
 #include "hostkit/session.h"
 #include "navmesh/meshdefects.h"
 #include "tools/picture/loadedmesh.h"
+#include "tools/picture/meshfigures.h"
 #include "tools/picture/meshpicture.h"
 #include "tools/zunobake/baker.h"
 #include "tools/zunobake/progress.h"

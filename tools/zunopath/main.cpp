@@ -3,6 +3,7 @@
 #include "navmesh/meshdefects.h"
 #include "tools/picture/loadedmesh.h"
 #include "tools/picture/memoryfilecallback.h"
+#include "tools/picture/meshfigures.h"
 #include "tools/zunopath/query.h"
 
 #include <CLI/CLI.hpp>

@@ -16,8 +16,6 @@ using Pathfinder::Interface;
 
 namespace {
 
-constexpr float noGround = 3.4028235e38F;
-
 Vec2<float> planeOf(const std::vector<float>& point) {
     return {point[0], point[1]};
 }
@@ -136,7 +134,7 @@ Answer askHeight(const Query& query) {
     const float height = Interface::getGroundHeight(planeOf(query.mFrom));
     Answer answer;
     answer.mJson = {{"query", "height"}, {"height", nullptr}};
-    if (height == noGround) {
+    if (height == Pathfinder::noGround) {
         answer.mStatus = STATUS_NOTHING;
         answer.mText = "no ground";
         return answer;

@@ -6,6 +6,7 @@
 #include "pathfinder/interface.h"
 #include "pathfinder/navmeshinstance.h"
 #include "tools/picture/memoryfilecallback.h"
+#include "tools/picture/meshfigures.h"
 #include "viewer/engine/meshdescription.h"
 
 #include <cmath>

@@ -1,6 +1,7 @@
 #include "viewer/engine/meshdescription.h"
 
 #include "navmesh/meshdefects.h"
+#include "tools/picture/meshfigures.h"
 
 namespace ZUNO::Viewer {
 

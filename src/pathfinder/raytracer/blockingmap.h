@@ -2,13 +2,12 @@
 
 #include "common/math/rect.h"
 #include "common/memory/allocator.h"
+#include "navmesh/planegrid.h"
+#include "pathfinder/noground.h"
 
 #include <cstdint>
 
 namespace ZUNO::Pathfinder::Raytracer {
-
-/// A height where there is no ground.
-inline constexpr float noGround = 3.4028235e38F;
 
 struct BlockingCell {
     static constexpr float blocked = -1.0F;
@@ -17,12 +16,14 @@ struct BlockingCell {
     bool isBlocked() const { return mClearance == blocked; }
 
     float mHeight;    ///< of the ground; `noGround` where there is none
-    float mClearance; ///< `blocked` or `walkable`; a trace starts so far along its ray
+    float mClearance; ///< `walkable` (0) or `blocked` (-1). A ray begins its walk at this distance
+                      ///< from its start: from a blocked cell, one unit behind it.
 };
+static_assert(sizeof(BlockingCell) == NavMesh::PlaneGrid::bytesPerCell);
 
-/// A uniform grid over the plane of the mesh. With one column or row, or without an extent that a
-/// scale can be told for, the scale in that axis is 0, and all positions fall into the first column
-/// or row.
+/// A uniform grid over the plane of the mesh. In an axis with one column or row the scale is 0, and
+/// all positions fall into the first one; so too where the extent is so small that cells per unit
+/// are no finite number.
 class BlockingMap {
 public:
     using Position = Common::Math::Vec2<float>;
@@ -34,25 +35,28 @@ public:
     BlockingMap(const BlockingMap&) = delete;
     BlockingMap& operator=(const BlockingMap&) = delete;
 
-    /// Covers a rectangle with cells, all of them set to `cell`.
+    /// Covers a rectangle with cells, all of them set to `cell`, in place of earlier ones. Throws
+    /// an OutOfMemoryException; the map is then without cells.
     void init(const Position& min, const Position& max, std::uint32_t width, std::uint32_t height,
               const BlockingCell& cell);
 
-    /// The cell of a position; coordinates are truncated toward zero.
+    /// Returns the cell of a position, which may lie outside the grid. Coordinates are truncated
+    /// toward zero; what an int can't hold becomes the nearest one that it can.
     Cell worldToCell(const Position& position) const;
-    /// The lower corner of a cell.
+    /// Returns the lower corner of a cell, in units of the mesh's plane.
     Position cellToWorld(const Cell& cell) const;
 
     std::uint32_t columns() const { return mColumns; }
     std::uint32_t rows() const { return mRows; }
-    /// The lengths of a cell's sides; 0 in an axis whose scale is 0.
+    /// Returns the lengths of a cell's sides; 0 in an axis whose scale is 0.
     Position cellSize() const;
     const Common::Math::Rect& bounds() const { return mRect; }
-    /// All cells, row by row; null before `init`.
+    /// Returns all cells, row by row; null before `init`.
     const BlockingCell* cells() const { return mCells; }
     BlockingCell* cells() { return mCells; }
 
-    /// These return false, and do nothing else, outside the rectangle or the grid.
+    /// These return false, and do nothing else, for a position outside the rectangle or a cell
+    /// outside the grid.
     bool getCellAtWorld(const Position& position, BlockingCell& out) const;
     bool setCellAtWorld(const Position& position, const BlockingCell& cell);
     bool getCell(int x, int y, BlockingCell& out) const;

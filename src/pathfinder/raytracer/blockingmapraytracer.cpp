@@ -102,7 +102,7 @@ float BlockingMapRayTracer::walk(const Ray& ray, float clearance) const {
             if (!(dot(offset, offset) < limit))
                 return noHit;
         } else if (const unsigned int free = mClearances.stepsFrom(current); free != 0) {
-            // on the way nothing is blocked, nor outside, nor too far
+            // no cell that is left out is blocked, outside, or too far
             walker.skip(std::min<std::int64_t>(free, within - walker.stepsTaken()), current);
         }
         previous = current;
@@ -122,8 +122,8 @@ std::int64_t BlockingMapRayTracer::stepsWithinLength(const Ray& ray, const Vec2<
     if (size.mX == 0 || size.mY == 0 || isFar(end.mX) || isFar(end.mY) ||
         !(ray.mLength < longest && ray.mLength > shortest))
         return -1;
-    // After k of n steps a cell's lower corner lies within three cells, in each axis, of the point
-    // at k / n of the way: two for truncated ends and one for the walk. Rounding adds little. The
+    // After k of n steps the cell's lower corner is at most 3 cells per axis from the point k/n of
+    // the way: up to 1 for each truncated end, 1 for the walk; largest / 2^20 covers rounding. The
     // way begins at the ray's start, or, from a blocked cell, behind it.
     const Rect& bounds = mBlockingMap.bounds();
     const double largest =

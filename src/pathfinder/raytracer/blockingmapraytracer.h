@@ -8,33 +8,38 @@
 namespace ZUNO::Pathfinder::Raytracer {
 
 /// A ray tracer over a grid that is rasterised from a mesh: a cell whose centre lies on a node is
-/// walkable at the height of the node's first corner, every other one is blocked, and so are the
-/// last column and row. Queries look one cell up; a trace costs the cells that it crosses.
+/// walkable at the height of the first corner of the last such node. Every other cell is blocked,
+/// and so are the last column and row.
+/// Cost: a query looks one cell up; a trace takes at most a step for each cell that it crosses, and
+/// neither allocates. Thread: any number of them may ask.
 class BlockingMapRayTracer : public RayTracer {
 public:
-    /// Builds the grid from the mesh. With `loadFromFile` it is to be read from `fileName` instead,
-    /// which raises a NotSupportedException: there is no format for such files.
+    /// Builds the grid from the mesh, which must have no defects (`NavMesh::findDefects`) and is
+    /// not kept. With `loadFromFile` the grid is to be read from `fileName` instead. Throws an
+    /// OutOfMemoryException, and a NotSupportedException with `loadFromFile`: there is no format
+    /// for such files.
     BlockingMapRayTracer(const Common::SharedPtr<NavMesh::NavMeshContainer>& navMesh,
                          const Common::SharedPtr<Common::Memory::Allocator>& allocator,
                          const Common::String& fileName, bool loadFromFile);
 
     void traceRay(Common::Geom::Ray2D<float, float>& ray) override;
-    /// True outside the grid.
+    /// Returns true outside the grid, too.
     bool isBlocked(const Common::Math::Vec2<float>& position) override;
     float getGroundHeight(const Common::Math::Vec2<float>& position) override;
-    /// The rectangle of all vertices in the plane.
+    /// Gives the rectangle of all vertices in the plane.
     void getBoundingRectangle(Common::Math::Vec2<float>& min,
                               Common::Math::Vec2<float>& max) override;
 
-    /// Always raises a NotSupportedException: there is no format for such files.
+    /// Both throw a NotSupportedException: there is no format for such files.
     [[noreturn]] static bool saveBlockingMap(const Common::String& filename);
     [[noreturn]] static void loadBlockingMap(const Common::String& filename);
 
 private:
     void build(const NavMesh::NavMeshContainer& mesh);
-    /// How far a ray that starts in a cell of `clearance` runs.
+    /// Returns the hit distance of a ray that begins its walk at the distance `clearance`.
     float walk(const Common::Geom::Ray2D<float, float>& ray, float clearance) const;
-    /// Up to how many steps of a walk no cell can be as far from the start as the ray is long.
+    /// Returns up to how many steps of a walk no cell can be as far from the start as the ray is
+    /// long; -1 where that is not known of the first cell either.
     std::int64_t stepsWithinLength(const Common::Geom::Ray2D<float, float>& ray,
                                    const BlockingMap::Position& begin, const BlockingMap::Cell& end,
                                    std::int64_t stepCount) const;

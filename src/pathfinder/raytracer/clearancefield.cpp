@@ -13,14 +13,14 @@ std::uint8_t stepFrom(unsigned int distance) {
 }
 
 /// Lowers a row's distances by way of the row beside it (null outside the grid), then from one
-/// neighbour in the row to the next.
+/// neighbour in the row to the next. The last column needs no look at what lies outside: it is
+/// blocked everywhere.
 void lower(std::uint8_t* row, const std::uint8_t* beside, std::size_t count) {
     if (beside == nullptr) {
         for (std::size_t x = 0; x < count; ++x)
             row[x] = std::min<std::uint8_t>(row[x], 1);
     } else {
         row[0] = std::min<std::uint8_t>(row[0], 1);
-        row[count - 1] = std::min<std::uint8_t>(row[count - 1], 1);
         for (std::size_t x = 1; x + 1 < count; ++x) {
             const unsigned int nearest = std::min({beside[x - 1], beside[x], beside[x + 1]});
             row[x] = std::min(row[x], stepFrom(nearest));

@@ -7,10 +7,8 @@
 
 namespace ZUNO::Pathfinder::Raytracer {
 
-/// How far around a cell of a grid everything is walkable, for walks that then need not look at
-/// each cell. Kept for blocks of 4 x 4 cells: how many blocks away, in steps of a chess king, the
-/// nearest one is that holds a blocked cell or is cut off by the grid's border. A byte for 16
-/// cells.
+/// For each block of 4 x 4 cells: the king's-move distance, in blocks, to the nearest block with a
+/// blocked cell or to the outside. A walk may skip 4 (distance - 1) steps. A byte for 16 cells.
 class ClearanceField {
 public:
     explicit ClearanceField(const Common::SharedPtr<Common::Memory::Allocator>& allocator)
@@ -18,8 +16,8 @@ public:
 
     void build(const BlockingMap& map);
 
-    /// How many steps from a cell of the grid may be taken, each in any of the eight directions,
-    /// while all cells are walkable.
+    /// Returns how many steps from a cell of the grid, each in any of the eight directions, reach
+    /// walkable cells alone.
     unsigned int stepsFrom(const BlockingMap::Cell& cell) const {
         const std::size_t column = static_cast<std::uint32_t>(cell.mX) / blockSize;
         const std::size_t row = static_cast<std::uint32_t>(cell.mY) / blockSize;

@@ -7,13 +7,13 @@
 namespace ZUNO::Pathfinder::Raytracer {
 
 /// Steps through grid cells from one to another: along the longer axis one cell a step, along the
-/// shorter one whenever its share has added up to more than a cell.
+/// shorter one whenever its share has added up to more than a cell. Any two cells will do: they may
+/// lie as far apart as ints can.
 class GridLineWalker {
 public:
     using Cell = Common::Math::Vec2<int>;
 
     void init(const Cell& from, const Cell& to) {
-        // in 64 bits: the ends may be as far apart as ints can be
         const std::int64_t dx = std::int64_t{to.mX} - from.mX;
         const std::int64_t dy = std::int64_t{to.mY} - from.mY;
         mCell = from;
@@ -27,7 +27,7 @@ public:
         mErrorY = mDeltaY;
     }
 
-    /// Moves on and gives the cell reached; false when the last one was reached before.
+    /// Moves on and gives the cell reached. Returns false when the last one was reached before.
     bool next(Cell& cell) {
         if (mStepsTaken == mStepCount)
             return false;
@@ -41,8 +41,8 @@ public:
     std::int64_t stepCount() const { return mStepCount; }
     std::int64_t stepsTaken() const { return mStepsTaken; }
 
-    /// Moves on as so many calls of `next` do, and gives the cell reached. There must be as many
-    /// steps left; at most 2^30.
+    /// Moves on as so many calls of `next` do, and gives the cell reached. At least so many steps
+    /// must be left, and at most 2^30 taken at once.
     void skip(std::int64_t steps, Cell& cell) {
         leap(steps, mErrorX, mDeltaX, mCell.mX, mSignX);
         leap(steps, mErrorY, mDeltaY, mCell.mY, mSignY);
@@ -61,7 +61,7 @@ private:
         }
     }
 
-    /// An error stays above 0 and at most the step count: a multiple of the latter goes off it.
+    /// 0 < error <= mStepCount before and after, so the overflow is a whole multiple of mStepCount.
     void leap(std::int64_t steps, std::int64_t& error, std::int64_t delta, int& coordinate,
               int direction) const {
         if (delta == 0)

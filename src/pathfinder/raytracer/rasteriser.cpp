@@ -10,10 +10,7 @@ using Common::Math::Vec2;
 Rasteriser::Rasteriser(BlockingMap& map, const Points& points, float half,
                        const Common::SharedPtr<Common::Memory::Allocator>& allocator)
     : mMap(map), mPoints(points), mColumns(allocator), mRows(allocator) {
-    constexpr float largest = 1e18F;
     const Rect& bounds = map.bounds();
-    mKeepsOrder = bounds.mMin.mX > -largest && bounds.mMin.mY > -largest &&
-                  bounds.mMax.mX < largest && bounds.mMax.mY < largest;
     const Vec2<int> last = map.worldToCell(bounds.mMax); // rounding may carry it beyond the grid
     const auto isWithin = [](float low, float coordinate, float high) {
         return low <= coordinate && coordinate <= high;
@@ -47,10 +44,6 @@ void Rasteriser::mark(const Polygon& polygon, const BlockingCell& cell) {
         if (row.mCell == nowhere)
             continue;
         Span span{low.mX, high.mX};
-        if (!mKeepsOrder) {
-            markEach(polygon, cell, span, row);
-            continue;
-        }
         Vec2<float> start = mPoints[polygon.back()];
         for (const std::uint32_t corner : polygon) {
             const Vec2<float> end = mPoints[corner];
@@ -60,23 +53,6 @@ void Rasteriser::mark(const Polygon& polygon, const BlockingCell& cell) {
         for (int x = span.mFirst; x <= span.mLast; ++x)
             put(cell, x, row);
     }
-}
-
-void Rasteriser::markEach(const Polygon& polygon, const BlockingCell& cell, const Span& span,
-                          const Line& row) {
-    const auto holds = [&](int x) {
-        Vec2<float> start = mPoints[polygon.back()];
-        for (const std::uint32_t corner : polygon) {
-            const Vec2<float> end = mPoints[corner];
-            if (refuses(start, end, x, row.mCentre))
-                return false;
-            start = end;
-        }
-        return true;
-    };
-    for (int x = span.mFirst; x <= span.mLast; ++x)
-        if (holds(x))
-            put(cell, x, row);
 }
 
 void Rasteriser::cut(Span& span, const Vec2<float>& start, const Vec2<float>& end, float y) const {
@@ -89,7 +65,7 @@ void Rasteriser::cut(Span& span, const Vec2<float>& start, const Vec2<float>& en
             span.mLast = span.mFirst - 1;
         return;
     }
-    // the cut lies between a cell that is refused and one that is not
+    // the refused cells end between a cell that is refused and one that is not
     int refused = refusesFirst ? span.mFirst : span.mLast;
     int taken = refusesFirst ? span.mLast : span.mFirst;
     while (std::abs(refused - taken) > 1) {

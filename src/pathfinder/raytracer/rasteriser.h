@@ -6,24 +6,27 @@
 namespace ZUNO::Pathfinder::Raytracer {
 
 /// Marks the cells of a grid whose centres lie on a node: on none of its borders' right sides, by
-/// the signs of areas computed in `float`. Borders count as inside; a clockwise polygon holds
-/// nothing.
+/// the signs of areas computed in `float`. Points on a border count as inside; a clockwise polygon
+/// holds nothing.
 ///
-/// Along a row of cells such an area changes one way only: it is a sum whose one changing term is a
-/// product of the centre's first coordinate and a constant, and rounding keeps the order. So each
-/// border cuts a row's cells into a part that it refuses and a part that it does not, and only the
-/// cut is looked for. Where products leave the range of `float` that does not hold, and every cell
-/// is looked at.
+/// Along a row the float area is monotonic in x: only its last term depends on x, a product of x
+/// and a difference of corners, and rounding is monotonic. So the refused cells of a border are a
+/// prefix or a suffix of the row, and bisection finds where they end. That holds when products
+/// overflow, too: the first two terms add up to one value for the whole row, the last term goes
+/// from one infinity to the other at most, and where the two cancel out to NaN nothing is refused,
+/// which lies at the far end from where the last term's sign refuses.
 class Rasteriser {
 public:
     using Points = NavMesh::NavMeshContainer::Vector<Common::Math::Vec2<float>>;
     using Polygon = NavMesh::NavMeshContainer::Vector<std::uint32_t>;
 
-    /// `points`: all corners in the plane. `half`: how far a cell's centre lies from its lower
-    /// corner. The grid and the points must live as long as this object.
+    /// `points`: all vertices in the plane. `half`: how far a cell's centre lies from its lower
+    /// corner. Lifetime: grid and points must live as long as this object. Throws an
+    /// OutOfMemoryException. Cost: one step for each column and row.
     Rasteriser(BlockingMap& map, const Points& points, float half,
                const Common::SharedPtr<Common::Memory::Allocator>& allocator);
 
+    /// Writes `cell` wherever the polygon holds a centre. Cost: as `countMarkingSteps` says.
     void mark(const Polygon& polygon, const BlockingCell& cell);
 
 private:
@@ -36,7 +39,7 @@ private:
     };
     using Lines = NavMesh::NavMeshContainer::Vector<Line>;
 
-    /// Cells of a row; none when the first is behind the last.
+    /// Cells of a row, both ends included; none when the first is behind the last.
     struct Span {
         int mFirst;
         int mLast;
@@ -50,8 +53,7 @@ private:
         if (column != nowhere)
             mMap.cells()[std::size_t{row.mCell} * mMap.columns() + column] = cell;
     }
-    void markEach(const Polygon& polygon, const BlockingCell& cell, const Span& span,
-                  const Line& row);
+    /// Takes the cells out of the span that the border refuses.
     void cut(Span& span, const Common::Math::Vec2<float>& start,
              const Common::Math::Vec2<float>& end, float y) const;
 
@@ -59,7 +61,6 @@ private:
     const Points& mPoints;
     Lines mColumns;
     Lines mRows;
-    bool mKeepsOrder; ///< whether products of coordinates stay in the range of `float`
 };
 
 } // namespace ZUNO::Pathfinder::Raytracer

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace ZUNO::Tests {
+namespace ZUNO::Reference {
 
 /// The open list of the search below: whole vectors are copied and scanned where the engine keeps
 /// lists. `cost(item)` tells what an item costs at the time.
@@ -181,4 +181,4 @@ private:
     NaiveOpenList mOpen{[this](int node) { return f(node); }};
 };
 
-} // namespace ZUNO::Tests
+} // namespace ZUNO::Reference
