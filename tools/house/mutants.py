@@ -7,7 +7,7 @@ N faults (60) at random places of src/ and hostkit/, or of the files that GLOB n
 fault as often as any other. All happens in a copy, build/mutants/tree, which each run brings up to
 date: the sources stay as they are, whenever a run is stopped. What does not compile, and what
 compiles to the same machine code, is no fault: it is counted apart and another is planted in its
-place. A fault is noticed when a test fails, crashes, or takes five times as long as it should.
+place. A fault is noticed when a test fails, crashes, or takes eight times as long as it should.
 
 The exit status is 0 when all were noticed, 1 when some were not, 2 when nothing could be tried.
 """
@@ -111,7 +111,7 @@ class Campaign:
             failure = run_test(name, 1200)
             if failure:
                 return f"without any fault {name} fails: {failure}"
-            self.limits[name] = 10 + 5 * (time.monotonic() - begin)
+            self.limits[name] = 20 + 8 * (time.monotonic() - begin)
         self.clean = digests()
         return ""
 
@@ -139,23 +139,23 @@ class Campaign:
 
 
 def describe(fault):
-    lines = (ROOT / fault.file).read_text()
-    begin = lines.rfind("\n", 0, fault.begin) + 1
-    end = lines.find("\n", fault.end)
-    before = " ".join(lines[begin:end].split())
-    after = " ".join((lines[begin:fault.begin] + fault.text + lines[fault.end:end]).split())
+    text = (TREE / fault.file).read_text()
+    begin = text.rfind("\n", 0, fault.begin) + 1
+    end = text.find("\n", fault.end)
+    before = " ".join(text[begin:end].split())
+    after = " ".join((text[begin:fault.begin] + fault.text + text[fault.end:end]).split())
     return f"{fault.file}:{fault.line}: {fault.kind}\n    - {before}\n    + {after}"
 
 
 def choose(glob, seed):
     """Faults in random order, their kinds taking turns at random; none twice."""
-    files = subprocess.run(["git", "ls-files", "--", "src", "hostkit"], cwd=ROOT, check=True,
-                           capture_output=True, text=True).stdout.splitlines()
-    files = [name for name in files if name.endswith((".h", ".cpp")) and fnmatch.fnmatch(name, glob)
+    files = sorted(path.relative_to(TREE).as_posix() for folder in ("src", "hostkit")
+                   for path in (TREE / folder).rglob("*") if path.suffix in (".h", ".cpp"))
+    files = [name for name in files if fnmatch.fnmatch(name, glob)
              and "/platform/win32/" not in name and "/platform/web/" not in name]
     by_kind = {kind: [] for kind in KINDS}
     for name in files:
-        for fault in faults_of(name, (ROOT / name).read_text()):
+        for fault in faults_of(name, (TREE / name).read_text()):
             by_kind[fault.kind].append(fault)
     chance = random.Random(seed)
     while any(by_kind.values()):
@@ -164,7 +164,7 @@ def choose(glob, seed):
 
 
 def main():
-    parser = argparse.ArgumentParser(prog="./run mutants", usage=__doc__)
+    parser = argparse.ArgumentParser(prog="./run mutants", usage=__doc__.replace("%", "%%"))
     parser.add_argument("count", nargs="?", type=int, default=60)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--only", default="*")
