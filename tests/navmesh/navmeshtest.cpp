@@ -201,29 +201,34 @@ TEST_F(NavMeshTest, ReadsElementsInTheirOrder) {
     EXPECT_TRUE(mMesh->mCharacters.empty()) << "hidden behind an unknown element";
 
     struct Case {
-        std::string mFrom;
-        std::string mTo;
-        const char* mMissing;
+        const char* mParent;
+        const char* mPath;
+        std::vector<std::string> mChildren;
     };
     const Case cases[] = {
-        {"<xaxis>1/0/0</xaxis>", "", "'navmesh' the tag 'xaxis'"},
-        {"<cubesize>0.25</cubesize>", "<cubesize></cubesize>", "'navmesh' the tag 'cubesize'"},
-        {"<heightclass>0</heightclass>", "", "'navmesh'->'nodes'->'node' the tag 'heightclass'"},
-        {"<neighbour/>", "", "'navmesh'->'nodes'->'node' the tag 'neighbour'"},
-        {"<vertices>", "<vertices><b/></vertices><old>", "'navmesh' the tag 'nodes'"},
-        {"<userid>-5000000000</userid>", "",
-         "'navmesh'->'characters'->'character' the tag 'userid'"},
-        {"<id>7</id>", "", "'navmesh'->'surfacetypes'->'surfacetype' the tag 'id'"},
+        {"<navmesh",
+         "",
+         {"heightmap", "normal", "vertices", "nodes", "xaxis", "yaxis", "cubesize"}},
+        {"<node>", "->'nodes'->'node'", {"heightclass", "polygon", "neighbour"}},
+        {"character",
+         "->'characters'->'character'",
+         {"name", "userid", "physicalheight", "jumpheight", "fallheight", "maxheightclassid"}},
+        {"<surfacetype>", "->'surfacetypes'->'surfacetype'", {"name", "id"}},
     };
-    for (const Case& row : cases) {
-        std::string changed = whole(body + tables);
-        changed.replace(changed.find(row.mFrom), row.mFrom.size(), row.mTo);
-        if (row.mTo.ends_with("<old>"))
-            changed.replace(changed.find("</vertices><nodes>"), 11, "</old>");
-        EXPECT_EQ(load(changed).get(), nullptr);
-        EXPECT_EQ(Reports::take(),
-                  Texts{std::string("|In 'ANY'->") + row.mMissing + " is required !"});
-    }
+    for (const Case& row : cases)
+        for (const std::string& name : row.mChildren) {
+            std::string changed = whole(body + tables);
+            const std::size_t place = changed.find(row.mParent);
+            for (const std::string& tag : {"<" + name + ">", "</" + name + ">"})
+                changed.insert(changed.find(tag, place) + tag.size() - 1, "x");
+            EXPECT_EQ(load(changed).get(), nullptr);
+            EXPECT_EQ(Reports::take(), Texts{std::string("|In 'ANY'->'navmesh'") + row.mPath +
+                                             " the tag '" + name + "' is required !"});
+        }
+    std::string empty = whole(body + tables);
+    empty.erase(empty.find("0.25"), 4); // an element without children is no number
+    EXPECT_EQ(load(empty).get(), nullptr);
+    EXPECT_EQ(Reports::take(), Texts{"|In 'ANY'->'navmesh' the tag 'cubesize' is required !"});
     EXPECT_EQ(mFiles->openCount(), 0U);
 }
 
