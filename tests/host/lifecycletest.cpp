@@ -34,7 +34,9 @@ TEST_F(HostTest, LeavesNothingBehindAfterNormalUseAndASecondStart) {
         Interface::close();
         EXPECT_TRUE(mMemory->mBlocks.empty());
     }
-    Interface::close(); // with nothing running nothing happens
+    Stderr reports;
+    Interface::close();
+    EXPECT_EQ(reports.text(), "") << "with nothing running nothing happens";
 }
 
 TEST_F(HostTest, RefusesFilesThatHoldNoMesh) {
