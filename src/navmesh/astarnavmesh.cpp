@@ -19,10 +19,10 @@ AStarMapNavMesh::AStarMapNavMesh(const Common::SharedPtr<NavMeshContainer>& navM
 void AStarMapNavMesh::getOutEdges(Common::Astar::EdgeList& edges, std::uint32_t node) {
     const auto& neighbours = mNavMesh->mNodes[node].mNeighbours;
     for (std::uint32_t i = 0; i < neighbours.size(); ++i) {
-        if (neighbours[i] < 0)
+        if (!NavMeshEdge::isNeighbour(neighbours[i]))
             continue;
         if (!ZUNO_CHECK_AS(
-                i < NavMeshEdge::maxBorders,
+                NavMeshEdge::isBorder(i),
                 "i < (ZUNO::Common::Utility::BitMask<(32-ZUNO_ASTARMAP_NAVMESH_EDGEINDEX_NODEBITS)>"
                 "::MASK)",
                 "Number of borders in a navmesh node exceeds the available range of "
@@ -35,7 +35,8 @@ void AStarMapNavMesh::getOutEdges(Common::Astar::EdgeList& edges, std::uint32_t 
 std::uint32_t AStarMapNavMesh::getEdgeEndNode(std::uint32_t edge) {
     const std::int32_t endNode =
         mNavMesh->mNodes[NavMeshEdge::nodeOf(edge)].mNeighbours[NavMeshEdge::borderOf(edge)];
-    ZUNO_CHECK(endNode >= 0, "getOutEdge has delivered a wrong set of out nodes");
+    ZUNO_CHECK_AS(NavMeshEdge::isNeighbour(endNode), "endNode >= 0",
+                  "getOutEdge has delivered a wrong set of out nodes");
     return static_cast<std::uint32_t>(endNode);
 }
 

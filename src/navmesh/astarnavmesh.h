@@ -24,6 +24,18 @@ struct NavMeshEdge {
     static constexpr std::uint32_t borderOf(std::uint32_t edge) {
         return edge >> ZUNO_ASTARMAP_NAVMESH_EDGEINDEX_NODEBITS;
     }
+
+    /// Whether an entry of a node's neighbours is one: any negative number stands for none.
+    static constexpr bool isNeighbour(std::int32_t entry) { return entry >= 0; }
+    /// Whether an edge id can name that border; one beyond is no edge, whatever it leads to.
+    static constexpr bool isBorder(std::size_t border) { return border < maxBorders; }
+    /// Calls `visitor(border, neighbour)` for the borders of a node that are edges, in their order.
+    template <typename Visitor>
+    static void forEach(const NavMeshContainer::NavNode& node, Visitor visitor) {
+        for (std::uint32_t border = 0; border < node.mNeighbours.size(); ++border)
+            if (isNeighbour(node.mNeighbours[border]) && isBorder(border))
+                visitor(border, static_cast<std::uint32_t>(node.mNeighbours[border]));
+    }
 };
 
 /// A mesh as a graph: an edge for each border with a neighbour. Read-only; one serves any number

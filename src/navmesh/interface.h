@@ -3,7 +3,8 @@
 
 #include "common/callback/fileiocallback.h"
 #include "common/callback/memorycallback.h"
-#include "navmesh/generator.h"
+#include "navmesh/navmeshbuilder.h"
+#include "navmesh/navmeshoptimizer.h"
 
 namespace ZUNO::NavMesh {
 

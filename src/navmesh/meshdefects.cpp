@@ -98,12 +98,12 @@ private:
     }
 
     void checkNeighbour(std::size_t id, std::size_t border, std::int32_t neighbour) {
-        if (neighbour < 0)
+        if (!NavMeshEdge::isNeighbour(neighbour))
             return;
         if (static_cast<std::size_t>(neighbour) >= mMesh.mNodes.size())
             found("node ", id, ": border ", border, " leads to node ", neighbour, " of ",
                   mMesh.mNodes.size());
-        if (border >= NavMeshEdge::maxBorders)
+        if (!NavMeshEdge::isBorder(border))
             found("node ", id, ": border ", border, " has a neighbour; at most ",
                   NavMeshEdge::maxBorders, " borders can be searched");
     }

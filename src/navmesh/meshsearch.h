@@ -1,67 +1,73 @@
-/// The search over a mesh with all its parts known: what a world runs.
 #pragma once
 
-#include "common/astar/asgoalbase.h"
-#include "common/astar/astar.h"
-#include "common/astar/astarstoragefast.h"
 #include "navmesh/meshgraph.h"
+#include "navmesh/searchopenlist.h"
 
 namespace ZUNO::NavMesh {
 
-/// The goal of `NMCostFunc` and `NMHeuristicFunc` over a graph that knows the lengths. Only the
-/// edges that leave the start or enter the goal, where the host's points stand for the centres,
-/// are measured anew.
-class MeshGoal final : public Common::Astar::ASGoalBase {
+/// The search that a world runs: what `Common::Astar::AStar` finds over the plain map, cost and
+/// heuristic functions of the same mesh, in the same steps and with the same bits, by other means.
+/// Its graph, its records and its open list say how; its costs come out of the same operations, and
+/// only edges that leave the start or enter the goal, where the host's points stand for the
+/// centres, are measured during the search.
+///
+/// When what can be reached from the start is known and the goal is not in it, the plain search
+/// expands each of these nodes once and finds no path: such a search only counts.
+///
+/// Owns nothing of the graph or the pool, which must outlive it. For one thread at a time; any
+/// number over one graph, and as many as one likes, of one thread, over one pool.
+class MeshSearch {
 public:
-    MeshGoal(const MeshGraph& graph, const Common::SharedPtr<Common::Memory::Allocator>& allocator)
-        : ASGoalBase(nullptr, nullptr, allocator), mGraph(graph) {}
+    MeshSearch(const MeshGraph& graph, BlockPool& pool,
+               const Common::SharedPtr<Common::Memory::Allocator>& allocator);
 
-    void setEnds(const SearchEnds& ends) {
-        mEnds = ends;
-        setStartGoal(ends.mStartNode, ends.mGoalNode);
-    }
+    /// Begins a search, whatever the former one was; `ends` names nodes of the mesh. Throws
+    /// OutOfMemoryException, and may then be called again.
+    void begin(const SearchEnds& ends);
 
-    float getCost(std::uint32_t edge) override {
-        const std::uint32_t from = NavMeshEdge::nodeOf(edge);
-        const std::uint32_t to = mGraph.endOf(edge);
-        if (from != mEnds.mStartNode && to != mEnds.mGoalNode)
-            return mGraph.lengthOf(edge);
-        return distance(from, to);
-    }
-    float getHeuristic(std::uint32_t node) override { return distance(node, mEnds.mGoalNode); }
+    /// Expands at most `budget` nodes. Returns a SearchResult; a budget of 0 does nothing and gives
+    /// SEARCH_RUNNING. Throws OutOfMemoryException; an expansion happens as a whole or not at all,
+    /// and the next call goes on with it.
+    std::int32_t run(std::uint32_t budget);
+
+    /// Fills `nodes` with the numbers in the graph of the nodes that the found path enters, up to
+    /// the goal, and returns its cost. Throws OutOfMemoryException, and `nodes` is then empty. Only
+    /// after SEARCH_FOUND.
+    float getPath(NavMeshContainer::Vector<std::uint32_t>& nodes);
+
+    /// Ends the search and gives its pages back to the pool. Needs no memory.
+    void end();
+
+    /// What a search knows of a node, for those who look on.
+    enum NodeState { NODE_UNVISITED, NODE_OPEN, NODE_CLOSED };
+    /// Returns the state of a node of the mesh. A search that only counts first makes up for what
+    /// it did not do, for which it throws OutOfMemoryException.
+    NodeState stateOf(std::uint32_t nodeID);
 
 private:
-    /// As `SearchEnds::distance`.
-    float distance(std::uint32_t from, std::uint32_t to) const {
-        const auto& a = from == mEnds.mStartNode ? mEnds.mStartPos : mGraph.centreOf(from);
-        const auto& b = to == mEnds.mGoalNode ? mEnds.mGoalPos : mGraph.centreOf(to);
-        return length(b - a);
-    }
+    using Point = NavMeshContainer::Point3;
+
+    void open();
+    std::int32_t search(std::uint32_t budget);
+    void stopCounting();
+    void makeRoom(std::uint32_t node);
+    void expand(std::uint32_t node);
+    void passSavingOn(std::uint32_t node, std::uint32_t parentEdge, float g);
+    void pushWaiting(std::uint32_t node);
+    float costOf(std::uint32_t node, const MeshGraph::Edge& edge) const;
 
     const MeshGraph& mGraph;
-    SearchEnds mEnds;
-};
-
-/// An A* search whose parts the compiler sees. It finds what `AStar` finds over the plain map and
-/// functions of the same mesh, in the same steps. Owns nothing; serves one search after the other.
-class MeshAStar final : public Common::Astar::AStar {
-public:
-    MeshAStar(Common::Astar::AStarStorageFast* storage, MeshGoal* goal, MeshGraph* graph,
-              const Common::SharedPtr<Common::Memory::Allocator>& allocator)
-        : AStar(storage, goal, graph, allocator), mFastStorage(*storage), mMeshGoal(*goal),
-          mGraph(*graph) {}
-
-    std::int32_t runSearch(std::uint32_t budget) override {
-        return search(mFastStorage, mMeshGoal, mGraph, budget);
-    }
-
-    /// Sets what the next `initSearch` begins with.
-    void setEnds(const SearchEnds& ends) { mMeshGoal.setEnds(ends); }
-
-private:
-    Common::Astar::AStarStorageFast& mFastStorage;
-    MeshGoal& mMeshGoal;
-    const MeshGraph& mGraph;
+    SearchRecords mRecords;
+    SearchOpenList mOpen;
+    NavMeshContainer::Vector<std::uint32_t> mWaiting; ///< nodes whose saving is to be passed on
+    std::uint32_t mVisited = 0;                       ///< nodes that were opened
+    std::uint32_t mStart = 0;                         ///< as all nodes here: the graph's number
+    std::uint32_t mGoal = 0;
+    Point mStartPos{0, 0, 0};
+    Point mGoalPos{0, 0, 0};
+    bool mIsCounting = false;
+    std::uint32_t mVainExpansions = 0; ///< of a search that counts: those that are left
+    std::uint32_t mVainTotal = 0;
 };
 
 } // namespace ZUNO::NavMesh

@@ -43,7 +43,8 @@ void warnOfSingularPlane() {
 
 } // namespace
 
-NavMeshInstance::NavMeshInstance() : mSearches(mAllocator), mAStarPool(mAllocator) {}
+NavMeshInstance::NavMeshInstance()
+    : mSearches(mAllocator), mAStarPool(mAllocator), mRecordPool(mAllocator) {}
 
 NavMeshInstance::~NavMeshInstance() {
     destroySearches();
@@ -100,14 +101,6 @@ void NavMeshInstance::replace(Ground& ground, Raytracer::RayTracer* rayTracer) {
     mNavMesh = ground.mNavMesh;
     mPlaneTransform = ground.mPlaneTransform;
     mInversePlaneTransform = invert(mPlaneTransform);
-}
-
-void NavMeshInstance::destroySearches() {
-    for (; !mAStarPool.empty(); mAStarPool.pop_back())
-        destroyAStar(mAStarPool.back());
-    for (auto search = mSearches.begin(); search != mSearches.end(); ++search)
-        destroyAStar((*search).mAStar);
-    mSearches.clear();
 }
 
 Raytracer::RayTracer* NavMeshInstance::requireRayTracer() const {

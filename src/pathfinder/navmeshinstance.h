@@ -49,10 +49,10 @@ public:
     /// Closes a search and returns whether there was one.
     bool closePathSearch(std::int32_t id);
 
-    /// For tools that show what goes on inside: the loaded mesh, or null, and what a search looks
-    /// at, or null for an id that names none. Valid until the search, or the world, is closed.
+    /// For tools that show what goes on inside: the loaded mesh, or null, and what runs a search,
+    /// or null for an id that names none. Valid until the search, or the world, is closed.
     const NavMesh::NavMeshContainer* getNavMesh() const { return mNavMesh.get(); }
-    Common::Astar::AStarStorage* findSearchStorage(std::int32_t id);
+    NavMesh::MeshSearch* inspectSearch(std::int32_t id);
 
     /// True outside the grid, and, after a report, without one.
     bool isBlocked(const Vec2& position);
@@ -67,13 +67,7 @@ public:
     bool saveBlockingMap(const Common::String& filename);
 
 private:
-    using AStar = NavMesh::MeshAStar;
-
-    struct AStarDeleter {
-        NavMeshInstance* mWorld;
-        void operator()(AStar* aStar) const { mWorld->destroyAStar(aStar); }
-    };
-    using OwnedAStar = std::unique_ptr<AStar, AStarDeleter>;
+    using OwnedAStar = Common::Memory::OwnedPtr<NavMesh::MeshSearch>;
 
     /// What a load makes of a mesh file.
     struct Ground {
@@ -90,8 +84,10 @@ private:
     /// Puts the new ground and its ray tracer, which may be null, in the place of the former ones.
     void replace(Ground& ground, Raytracer::RayTracer* rayTracer);
     void destroySearches();
+    bool isOpen(std::int32_t id) const;
+    /// Returns the open search, or null after a report.
+    PathSearch* findSearch(std::int32_t id);
     OwnedAStar takeAStar();
-    void destroyAStar(AStar* aStar);
     /// Room in the pool for every search that is open or about to be, so that closing one needs
     /// no memory.
     void reservePool();
@@ -105,7 +101,8 @@ private:
     NavMesh::MeshGraph* mAStarMap = nullptr;
     NavMesh::NodeLocator* mLocator = nullptr;
     Common::Container::IDVector<PathSearch> mSearches;
-    std::vector<AStar*, Common::Memory::STLAllocator<AStar*>> mAStarPool; ///< last in, first out
+    NavMesh::NavMeshContainer::Vector<NavMesh::MeshSearch*> mAStarPool; ///< last in, first out
+    NavMesh::BlockPool mRecordPool;
     Matrix2 mPlaneTransform;
     Matrix2 mInversePlaneTransform;
 };

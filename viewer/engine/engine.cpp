@@ -142,13 +142,13 @@ bool closeSearch(int id) {
 val nodeStates(int id) {
     return guarded([&] {
         auto* const world = Pathfinder::NavMeshInstance::getInstance();
-        auto* const storage = world != nullptr ? world->findSearchStorage(id) : nullptr;
-        if (storage == nullptr)
+        auto* const search = world != nullptr ? world->inspectSearch(id) : nullptr;
+        if (search == nullptr)
             throw std::runtime_error("no such search");
         std::vector<std::uint8_t> states;
         const auto count = static_cast<std::uint32_t>(world->getNavMesh()->mNodes.size());
         for (std::uint32_t node = 0; node < count; ++node)
-            states.push_back(storage->isOpen(node) ? 1 : storage->isClosed(node) ? 2 : 0);
+            states.push_back(static_cast<std::uint8_t>(search->stateOf(node)));
         return copyOf(states);
     });
 }

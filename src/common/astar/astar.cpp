@@ -2,24 +2,6 @@
 
 namespace ZUNO::Common::Astar {
 
-namespace {
-
-/// The edges of any map.
-struct Edges {
-    AStarMap& mMap;
-    EdgeList& mList;
-
-    template <typename Visitor>
-    void visit(std::uint32_t node, Visitor visitor) {
-        mList.clear();
-        mMap.getOutEdges(mList, node);
-        for (const std::uint32_t edge : mList)
-            visitor(edge, mMap.getEdgeEndNode(edge));
-    }
-};
-
-} // namespace
-
 void AStar::initSearch() {
     mStorage->initNodes(mMap->getNodeCount());
     mGoal->setStorage(mStorage);
@@ -30,8 +12,43 @@ void AStar::initSearch() {
 }
 
 std::int32_t AStar::runSearch(std::uint32_t budget) {
-    Edges edges{*mMap, mOutEdges};
-    return search(*mStorage, *mGoal, edges, budget);
+    for (; budget != 0; --budget) {
+        AStarNode* const best = mStorage->popBest();
+        if (best == nullptr)
+            return SEARCH_NO_PATH;
+        if (mGoal->isGoal(best)) {
+            putBack(best); // that is where the path is read from
+            return SEARCH_FOUND;
+        }
+        try {
+            expand(best);
+        } catch (...) {
+            putBack(best);
+            throw;
+        }
+        mStorage->closeNode(best); // open until here: an edge back to it is harmless
+    }
+    return SEARCH_RUNNING;
+}
+
+void AStar::expand(AStarNode* best) {
+    mOutEdges.clear();
+    mMap->getOutEdges(mOutEdges, mStorage->getNodeOfRecord(best));
+    for (const std::uint32_t edge : mOutEdges) {
+        const std::uint32_t end = mMap->getEdgeEndNode(edge);
+        const float g = mGoal->getCost(edge) + best->mG;
+        if (mStorage->isOpen(end))
+            mStorage->updateOpen(end, edge, g);
+        else if (mStorage->isClosed(end))
+            mStorage->updateClosed(end, edge, g);
+        else
+            mStorage->addOpen(edge, end, g, mGoal->getHeuristic(end));
+    }
+}
+
+void AStar::putBack(AStarNode* best) {
+    mStorage->addOpen(best->mParentEdge, mStorage->getNodeOfRecord(best), best->mG,
+                      best->mF - best->mG);
 }
 
 } // namespace ZUNO::Common::Astar

@@ -29,50 +29,9 @@ public:
     AStarGoal* getGoal() const { return mGoal; }
     void setGoal(AStarGoal* goal) { mGoal = goal; }
 
-protected:
-    /// The search itself, over whatever types its parts have: a caller that knows them gets code
-    /// without virtual calls. `edges.visit(node, f)` calls `f(edge, endNode)` for each edge that
-    /// leaves the node, in the map's order.
-    template <typename Storage, typename Goal, typename Edges>
-    static std::int32_t search(Storage& storage, Goal& goal, Edges& edges, std::uint32_t budget) {
-        for (; budget != 0; --budget) {
-            AStarNode* const best = storage.popBest();
-            if (best == nullptr)
-                return SEARCH_NO_PATH;
-            if (goal.isGoal(best)) {
-                putBack(storage, best); // that is where the path is read from
-                return SEARCH_FOUND;
-            }
-            try {
-                expand(storage, goal, edges, best);
-            } catch (...) {
-                putBack(storage, best);
-                throw;
-            }
-            storage.closeNode(best); // open until here: an edge back to it is harmless
-        }
-        return SEARCH_RUNNING;
-    }
-
 private:
-    template <typename Storage, typename Goal, typename Edges>
-    static void expand(Storage& storage, Goal& goal, Edges& edges, AStarNode* best) {
-        edges.visit(storage.getNodeOfRecord(best), [&](std::uint32_t edge, std::uint32_t end) {
-            const float g = goal.getCost(edge) + best->mG;
-            if (storage.isOpen(end))
-                storage.updateOpen(end, edge, g);
-            else if (storage.isClosed(end))
-                storage.updateClosed(end, edge, g);
-            else
-                storage.addOpen(edge, end, g, goal.getHeuristic(end));
-        });
-    }
-
-    template <typename Storage>
-    static void putBack(Storage& storage, AStarNode* best) {
-        storage.addOpen(best->mParentEdge, storage.getNodeOfRecord(best), best->mG,
-                        best->mF - best->mG);
-    }
+    void expand(AStarNode* best);
+    void putBack(AStarNode* best);
 
     AStarStorage* mStorage;
     AStarGoal* mGoal;

@@ -56,9 +56,8 @@ TEST_F(ThreadsTest, SearchesOfTheirOwnShareOneGraph) {
     NavMesh::MeshGraph graph(mesh, gObjectAllocator);
     const NavMesh::NodeLocator locator(mesh, gObjectAllocator);
     const auto search = [&](unsigned int seed) {
-        Astar::AStarStorageFast storage(&graph, gObjectAllocator);
-        NavMesh::MeshGoal goal(graph, gObjectAllocator);
-        NavMesh::MeshAStar aStar(&storage, &goal, &graph, gObjectAllocator);
+        NavMesh::BlockPool pool(gObjectAllocator);
+        NavMesh::MeshSearch aStar(graph, pool, gObjectAllocator);
         std::mt19937 random(seed);
         double sum = 0;
         for (int i = 0; i < 60; ++i) {
@@ -67,13 +66,12 @@ TEST_F(ThreadsTest, SearchesOfTheirOwnShareOneGraph) {
             };
             const auto from = pick();
             const auto to = pick();
-            aStar.setEnds({from, to, static_cast<std::uint32_t>(locator.findNode(from)),
-                           static_cast<std::uint32_t>(locator.findNode(to))});
-            aStar.initSearch();
-            if (aStar.runSearch(100000) != Astar::SEARCH_FOUND)
+            aStar.begin({from, to, static_cast<std::uint32_t>(locator.findNode(from)),
+                         static_cast<std::uint32_t>(locator.findNode(to))});
+            if (aStar.run(100000) != Astar::SEARCH_FOUND)
                 continue;
-            Astar::EdgeList path(gObjectAllocator);
-            sum += goal.getPath(path);
+            NavMesh::NavMeshContainer::Vector<std::uint32_t> path(gObjectAllocator);
+            sum += aStar.getPath(path);
         }
         return sum;
     };

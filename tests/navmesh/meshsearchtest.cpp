@@ -1,0 +1,268 @@
+// The search that a world runs against the plain parts, bit for bit and step by step.
+#include "navmesh/meshsearch.h"
+#include "common/astar/asgoalbase.h"
+#include "common/astar/astar.h"
+#include "common/astar/astarstoragefast.h"
+#include "common/callback/callbackallocator.h"
+#include "tests/support/navmeshlibrary.h"
+
+#include <bit>
+#include <memory>
+#include <random>
+
+namespace ZUNO::Tests {
+
+using namespace Common;
+using namespace NavMesh;
+using Math::Vec3;
+
+namespace {
+
+/// The plain parts of one search, on memory that is not the host's.
+class PlainSearch {
+public:
+    explicit PlainSearch(const SharedPtr<NavMeshContainer>& mesh)
+        : mMap(mesh), mStorage(&mMap, Memory::processHeap()),
+          mCost(Memory::createManaged<NMCostFunc>(Memory::processHeap(), mesh)),
+          mHeuristic(Memory::createManaged<NMHeuristicFunc>(Memory::processHeap(), mesh)),
+          mGoal(mCost.get(), mHeuristic.get(), Memory::processHeap()),
+          mAStar(&mStorage, &mGoal, &mMap, Memory::processHeap()) {}
+
+    void begin(const SearchEnds& ends) {
+        mCost->mEnds = mHeuristic->mEnds = ends;
+        mGoal.setStartGoal(ends.mStartNode, ends.mGoalNode);
+        mAStar.initSearch();
+    }
+    int run(std::uint32_t budget) { return mAStar.runSearch(budget); }
+    MeshSearch::NodeState stateOf(std::uint32_t node) {
+        return mStorage.isOpen(node)     ? MeshSearch::NODE_OPEN
+               : mStorage.isClosed(node) ? MeshSearch::NODE_CLOSED
+                                         : MeshSearch::NODE_UNVISITED;
+    }
+    float getPath(std::vector<std::uint32_t>& nodes) {
+        Astar::EdgeList edges(Memory::processHeap());
+        const float cost = mGoal.getPath(edges);
+        for (const std::uint32_t edge : edges)
+            nodes.push_back(mMap.getEdgeEndNode(edge));
+        return cost;
+    }
+
+private:
+    AStarMapNavMesh mMap;
+    Astar::AStarStorageFast mStorage;
+    std::unique_ptr<NMCostFunc> mCost;
+    std::unique_ptr<NMHeuristicFunc> mHeuristic;
+    Astar::ASGoalBase mGoal;
+    Astar::AStar mAStar;
+};
+
+} // namespace
+
+class MeshSearchTest : public NavMeshLibraryTest {
+protected:
+    /// Nodes at random, on a lattice, where ties abound, or anywhere; with one-way, doubled and own
+    /// neighbours.
+    SharedPtr<NavMeshContainer> makeTangle(unsigned int nodes, bool isLattice, float away) {
+        SharedPtr<NavMeshContainer> mesh(
+            Memory::createManaged<NavMeshContainer>(NavMesh::getAllocator()));
+        mesh->mXAxis = {1, 0, 0};
+        mesh->mYAxis = {0, 0, 1};
+        for (unsigned int id = 0; id < nodes; ++id) {
+            const auto coordinate = [&] {
+                const auto steps = static_cast<float>(mRandom() % 4096);
+                return isLattice ? static_cast<float>(mRandom() % 12) : steps / 256;
+            };
+            mesh->mVertices.push_back(
+                {away + static_cast<float>(id) / 2 + coordinate(), 0, away + coordinate()});
+            auto& node = mesh->mNodes.emplace_back(Memory::processHeap());
+            node.mPolygon.push_back(id);
+            for (auto i = mRandom() % 7; i != 0; --i) // near by number: islands come about
+                node.mNeighbours.push_back(
+                    mRandom() % 4 == 0
+                        ? -7
+                        : static_cast<int>((id + nodes + mRandom() % 12 - 5) % nodes));
+        }
+        return mesh;
+    }
+
+    /// Ends anywhere. To a goal far away all estimates are rounded coarsely, so that cheaper ways
+    /// turn up late: savings go through closed nodes.
+    SearchEnds pickEnds(const NavMeshContainer& mesh) {
+        const auto node = [&] {
+            return static_cast<std::uint32_t>(mRandom() % mesh.mNodes.size());
+        };
+        const auto place = [&] { return mesh.mVertices[mRandom() % mesh.mVertices.size()]; };
+        const float farAway[] = {0, 1e7F, 1e8F, 1e9F};
+        return {place(), place() + Vec3<float>(farAway[mRandom() % 4], 0, 0), node(), node()};
+    }
+
+    void expectSameEnd(PlainSearch& plain, MeshSearch& fast, const MeshGraph& graph) {
+        std::vector<std::uint32_t> expected;
+        const float cost = plain.getPath(expected);
+        NavMeshContainer::Vector<std::uint32_t> nodes(Memory::processHeap());
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(fast.getPath(nodes)),
+                  std::bit_cast<std::uint32_t>(cost));
+        ASSERT_EQ(nodes.size(), expected.size());
+        for (std::size_t i = 0; i < nodes.size(); ++i)
+            ASSERT_EQ(nodes[i], graph.numberOf(expected[i]));
+    }
+
+    /// Slices of any size, with the states of all nodes compared between them.
+    void compare(const SharedPtr<NavMeshContainer>& mesh, int searches) {
+        const auto count = static_cast<std::uint32_t>(mesh->mNodes.size());
+        const MeshGraph graph(mesh, Memory::processHeap());
+        BlockPool pool(Memory::processHeap());
+        MeshSearch fast(graph, pool, Memory::processHeap());
+        PlainSearch plain(mesh);
+        for (int i = 0; i < searches; ++i) {
+            const SearchEnds ends = pickEnds(*mesh);
+            plain.begin(ends);
+            fast.begin(ends);
+            const bool isAbandoned = i % 10 == 0;
+            for (std::int32_t state = 1, slices = 0; state == 1; ++slices) {
+                const auto budget =
+                    static_cast<std::uint32_t>(mRandom() % 8 == 0 ? 300 : mRandom() % 4);
+                state = plain.run(budget);
+                ASSERT_EQ(fast.run(budget), state);
+                const bool looks = i % 4 == 0 && slices % 64 == 0;
+                for (std::uint32_t node = 0; looks && node < count; ++node)
+                    ASSERT_EQ(fast.stateOf(node), plain.stateOf(node)) << node;
+                if (state == 0)
+                    expectSameEnd(plain, fast, graph);
+                if (isAbandoned && slices > 5)
+                    break;
+            }
+        }
+        EXPECT_LE(graph.getMemoryUsage(),
+                  24 * (mesh->mNodes.size() + 1) + 8 * 7 * mesh->mNodes.size());
+    }
+
+    std::mt19937 mRandom{8};
+};
+
+TEST_F(MeshSearchTest, GoesThePlainSearchsSteps) {
+    compare(load(Worlds::makeHarbour()), 60);
+    compare(load(Worlds::makeFloor(400, 6)), 60);
+    compare(load(Worlds::makeFloor(3000, 7)), 60);
+    for (const float away : {0.0F, 1.0F, 1e7F, 3e38F})
+        for (const bool isLattice : {false, true}) {
+            compare(makeTangle(40, isLattice, away), 60);
+            compare(makeTangle(700, isLattice, away), 40);
+        }
+}
+
+// Without a path a search only counts. Who looks on sees the nodes all the same.
+TEST_F(MeshSearchTest, CountsWhatItWouldExpandInVain) {
+    Worlds::MeshModel twoFloors = Worlds::makeFloor(50, 1);
+    const auto first = static_cast<std::int32_t>(twoFloors.mNodes.size());
+    Worlds::MeshModel other = Worlds::makeFloor(30, 2);
+    for (auto& node : other.mNodes) {
+        for (auto& neighbour : node.mNeighbours)
+            neighbour += neighbour >= 0 ? first : 0;
+        twoFloors.mNodes.push_back(node);
+    }
+    const SharedPtr<NavMeshContainer> mesh = load(twoFloors);
+    for (const bool isOneWay : {false, true}) {
+        if (isOneWay)
+            mesh->mNodes[static_cast<std::size_t>(first)].mNeighbours[0] = 3;
+        const MeshGraph graph(mesh, Memory::processHeap());
+        BlockPool pool(Common::getAllocator());
+        MeshSearch fast(graph, pool, Memory::processHeap());
+        PlainSearch plain(mesh);
+        for (const bool goesBack : {false, true})
+            for (const std::uint32_t budget : {1U, 7U, 50U, 1000000000U})
+                for (const int looksAfter : {0, 3, 1000}) {
+                    SearchEnds ends{{0, 0, 0}, {9, 0, 9}, 5, 60};
+                    if (goesBack)
+                        std::swap(ends.mStartNode, ends.mGoalNode);
+                    plain.begin(ends);
+                    mMemory->mRequests = 0;
+                    fast.begin(ends);
+                    const bool isVain =
+                        graph.countVainExpansions(graph.numberOf(ends.mStartNode),
+                                                  graph.numberOf(ends.mGoalNode)) != 0;
+                    EXPECT_EQ(isVain, !isOneWay);
+                    EXPECT_EQ(mMemory->mRequests == 0, isVain) << "counting takes no memory";
+                    for (std::int32_t state = 1, slices = 0; state == 1; ++slices) {
+                        EXPECT_EQ(fast.run(0), 1);
+                        state = plain.run(budget);
+                        ASSERT_EQ(fast.run(budget), state);
+                        for (std::uint32_t node = 0; slices == looksAfter && node < 80; ++node)
+                            ASSERT_EQ(fast.stateOf(node), plain.stateOf(node));
+                    }
+                    EXPECT_EQ(fast.run(3), plain.run(3)) << "it stays ended";
+                    fast.end();
+                    pool.clear();
+                }
+    }
+}
+
+// An expansion happens as a whole or not at all, whichever request is refused.
+TEST_F(MeshSearchTest, GoesOnAfterARefusedRequestAsIfNothingWere) {
+    unsigned int refused = 0;
+    auto* const memory = new CountingMemory;
+    const SharedPtr<Callback::MemoryCallback> callback(memory);
+    SharedPtr<Memory::Allocator> host(new (callback) Callback::CallbackAllocator);
+    for (const auto& mesh :
+         {load(Worlds::makeFloor(150, 4)), makeTangle(200, false, 0), makeTangle(100, true, 0)}) {
+        const auto count = static_cast<std::uint32_t>(mesh->mNodes.size());
+        const MeshGraph graph(mesh, Memory::processHeap());
+        PlainSearch plain(mesh);
+        const auto statesOf = [&](auto& search) {
+            std::vector<MeshSearch::NodeState> states;
+            for (std::uint32_t node = 0; node < count; ++node)
+                states.push_back(search.stateOf(node));
+            return states;
+        };
+        for (int i = 0; i < 25; ++i) {
+            const SearchEnds ends = pickEnds(*mesh);
+            for (unsigned int n = 1, isOver = 0; isOver == 0; ++n) {
+                BlockPool pool(host);
+                MeshSearch fast(graph, pool, host);
+                plain.begin(ends);
+                memory->mRequests = 0;
+                memory->mFailingRequest = n;
+                while (!raisedBy([&] { fast.begin(ends); }).empty())
+                    ++refused;
+                for (int state = 1; state == 1;) {
+                    const auto before = i < 3 ? statesOf(fast) : statesOf(plain);
+                    while (!raisedBy([&] { state = fast.run(1); }).empty()) {
+                        ++refused;
+                        ASSERT_EQ(statesOf(fast), before);
+                    }
+                    ASSERT_EQ(state, plain.run(1));
+                    if (state == 0)
+                        expectSameEnd(plain, fast, graph);
+                }
+                isOver = memory->mRequests < n ? 1 : 0;
+                memory->mFailingRequest = 0;
+            }
+        }
+    }
+    EXPECT_GT(refused, 200U);
+    host = nullptr;
+    Reports::take(); // it has counted what was refused, too
+}
+
+// Searches of one world draw from one pool: what one gives back serves the next.
+TEST_F(MeshSearchTest, TakesNothingAnewFromThePool) {
+    const SharedPtr<NavMeshContainer> mesh = load(Worlds::makeFloor(3000, 7));
+    const MeshGraph graph(mesh, Memory::processHeap());
+    BlockPool pool(Common::getAllocator());
+    std::vector<std::unique_ptr<MeshSearch>> searches;
+    for (int i = 0; i < 30; ++i)
+        searches.push_back(std::make_unique<MeshSearch>(graph, pool, Memory::processHeap()));
+    for (int round = 0; round < 6; ++round) {
+        mMemory->mRequests = 0;
+        for (auto& search : searches) {
+            search->begin({{0, 0, 0}, {50, 0, 50}, 0, 2900});
+            search->run(50);
+        }
+        for (auto& search : searches)
+            search->end();
+        EXPECT_EQ(mMemory->mRequests == 0, round > 0);
+        std::ranges::reverse(searches);
+    }
+}
+
+} // namespace ZUNO::Tests
