@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <optional>
 
 namespace ZUNO::NavMesh {
 
@@ -122,13 +121,18 @@ private:
 
 } // namespace
 
+std::optional<NodeLocator::Rect> NodeLocator::reachOf(const NavMeshContainer& mesh,
+                                                      const NavMeshContainer::NavNode& node) {
+    return Outline(mesh, node).measureReach();
+}
+
 NodeLocator::NodeLocator(const Common::SharedPtr<NavMeshContainer>& navMesh,
                          const Common::SharedPtr<Common::Memory::Allocator>& allocator)
     : mNavMesh(navMesh), mFirstEntries(allocator), mEntries(allocator), mEverywhere(allocator) {
     NavMeshContainer::Vector<Reach> reaches(allocator);
     reaches.reserve(navMesh->mNodes.size());
     for (const NavMeshContainer::NavNode& node : navMesh->mNodes) {
-        const std::optional<Rect> reach = Outline(*navMesh, node).measureReach();
+        const std::optional<Rect> reach = reachOf(*navMesh, node);
         const auto id = static_cast<std::uint32_t>(&node - navMesh->mNodes.data());
         if (reach.has_value())
             reaches.push_back({id, *reach});

@@ -3,6 +3,7 @@
 #include "navmesh/navmeshcontainer.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace ZUNO::NavMesh {
 
@@ -37,6 +38,11 @@ public:
         double mLow[2];
         double mHigh[2];
     };
+
+    /// Where in the plane the points lie that the mesh's own test, which rounds, can find on the
+    /// node; nothing when no bound is known.
+    static std::optional<Rect> reachOf(const NavMeshContainer& mesh,
+                                       const NavMeshContainer::NavNode& node);
 
 private:
     using IdList = NavMeshContainer::Vector<std::uint32_t>;

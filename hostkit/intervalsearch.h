@@ -1,0 +1,106 @@
+#pragma once
+
+#include "hostkit/meshview.h"
+
+namespace ZUNO::HostKit {
+
+/// Finds shortest ways in the plane. A search state is a root, where the way bends last, and an
+/// interval: the part of a border that is seen from there. Through an interval one sees intervals
+/// of the next borders; what lies in the shadow of a wall's corner is seen from that corner as a
+/// new root. The best state first, so the first to reach the goal's node is the shortest way.
+/// Nodes are taken to be convex, and crossed by their borders alone.
+/// Keeps its lists: once they have grown to the budget, no memory is taken any more.
+class IntervalSearch {
+public:
+    explicit IntervalSearch(const MeshView& view) : mView(view) {}
+
+    enum class Result {
+        FOUND,     ///< a way shorter than the bound
+        NONE,      ///< there is none
+        EXHAUSTED, ///< more than `budget` intervals were seen
+    };
+    struct End {
+        std::uint32_t mNode;
+        PlanePoint mPoint;
+    };
+    /// Writes the nodes of the shortest way, when it is shorter than `bound`.
+    Result run(const End& start, const End& goal, double bound, std::size_t budget,
+               std::vector<std::uint32_t>& chain);
+
+    /// The intervals that the last run saw.
+    std::size_t seen() const { return mStates.size(); }
+
+private:
+    struct Root {
+        PlanePoint mPoint;
+        double mLength; ///< of the way that leads there
+        std::uint32_t mVertex;
+    };
+    /// A ray that bounds what is seen: from a root through a point. Rays keep the very points that
+    /// made them, because a corner right on a ray must be found to lie there.
+    struct Ray {
+        PlanePoint mPoint;
+        std::uint32_t mRoot;
+        std::uint32_t mVertex; ///< when the ray goes through the interval's end at a vertex
+    };
+    struct State {
+        Ray mLeft;
+        Ray mRight;
+        std::uint32_t mRoot;
+        std::uint32_t mBefore; ///< the state before; noState for the first
+        std::uint32_t mFrom;   ///< the node that the interval leads out of
+        std::uint32_t mNode;   ///< the node that it leads into
+    };
+    /// The interval of a state.
+    struct Interval {
+        PlanePoint mLeft;
+        PlanePoint mRight;
+    };
+    struct Waiting {
+        double mEstimate;
+        std::uint32_t mState;
+    };
+    static constexpr std::uint32_t noState = 0xFFFFFFFF;
+    static constexpr std::uint32_t noRoot = 0xFFFFFFFF;
+    static constexpr std::uint32_t unmadeRoot = 0xFFFFFFFE;
+
+    void begin(const End& start);
+    void expand(std::uint32_t index);
+    /// Looks at a border of the node behind a state: what the root sees of it, and what lies in
+    /// the shadow to either side.
+    void look(const State& state, std::uint32_t index, std::uint32_t (&corners)[2],
+              const MeshView::Link& link);
+    double turnFrom(const Ray& ray, const PlanePoint& point) const {
+        return turn(mRoots[ray.mRoot].mPoint, ray.mPoint, point);
+    }
+    bool isCorner(const Ray& ray, const PlanePoint& root) const {
+        return ray.mVertex != NO_VERTEX && mView.isAtWall(ray.mVertex) && !(ray.mPoint == root);
+    }
+    void add(const State& state, const Interval& interval);
+    double estimate(const Root& root, const Interval& interval) const;
+    /// The root at a corner that a way bends around, to the left (side 0) or to the right; noRoot
+    /// when a way that is no longer leads around it already.
+    std::uint32_t rootAt(std::uint32_t vertex, int side, const PlanePoint& point,
+                         const Root& before);
+    /// The shortest way to a corner, and the sides to which it was gone around.
+    struct Arrival {
+        double mLength;
+        std::uint32_t mVertex;
+        std::uint32_t mRun;
+        std::uint8_t mSides;
+    };
+    Arrival& arrivalAt(std::uint32_t vertex);
+    void writeChain(std::uint32_t index, std::vector<std::uint32_t>& chain) const;
+
+    const MeshView& mView;
+    std::uint32_t mStartNode = NO_NODE;
+    End mGoal{NO_NODE, {}};
+    double mBound = 0;
+    std::vector<State> mStates;
+    std::vector<Root> mRoots;
+    std::vector<Waiting> mWaiting;  ///< a heap, the least estimate first
+    std::vector<Arrival> mArrivals; ///< hashed by vertex; those of other runs are none
+    std::uint32_t mRun = 0;
+};
+
+} // namespace ZUNO::HostKit

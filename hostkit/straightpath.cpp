@@ -1,0 +1,207 @@
+#include "hostkit/straightpath.h"
+
+#include "hostkit/surface.h"
+
+namespace ZUNO::HostKit {
+
+namespace {
+
+double distanceInSpace(const Position& a, const Position& b) {
+    const double x = double{a.mX} - double{b.mX};
+    const double y = double{a.mY} - double{b.mY};
+    const double z = double{a.mZ} - double{b.mZ};
+    return std::sqrt(x * x + y * y + z * z);
+}
+
+/// Whether two positions differ by no more than rounding to float does.
+bool isSamePlace(const Position& a, const Position& b) {
+    constexpr float error = 4.0F / (1 << 24);
+    return std::abs(a.mX - b.mX) <= error * std::abs(a.mX) &&
+           std::abs(a.mY - b.mY) <= error * std::abs(a.mY) &&
+           std::abs(a.mZ - b.mZ) <= error * std::abs(a.mZ);
+}
+
+} // namespace
+
+bool PathStraightener::straighten(const Position& start, const Position& goal,
+                                  const std::vector<Position>& waypoints, StraightForm form,
+                                  StraightPath& path) {
+    mChains.find(start, goal, waypoints, path.mChain);
+    return straightenChain(start, goal, path.mChain, form, path);
+}
+
+bool PathStraightener::straightenChain(const Position& start, const Position& goal,
+                                       const std::vector<std::uint32_t>& chain, StraightForm form,
+                                       StraightPath& path) {
+    path.mChain = chain;
+    path.mCorners.clear();
+    path.mLength = 0;
+    const bool isOnMesh = !chain.empty() && isFinite(start) && isFinite(goal) &&
+                          std::all_of(chain.begin(), chain.end(),
+                                      [&](std::uint32_t node) { return node < mView.nodeCount(); });
+    if (isOnMesh) {
+        mStart = nearestInNode(mView, chain.front(), mView.planeOf(start));
+        mGoal = nearestInNode(mView, chain.back(), mView.planeOf(goal));
+    }
+    if (!isOnMesh || !pull(path)) {
+        path.mChain.clear();
+        return false;
+    }
+    if (form == StraightForm::IMPROVED)
+        improve(path);
+    return true;
+}
+
+bool PathStraightener::layPortals(const std::vector<std::uint32_t>& chain) {
+    mPortals.clear();
+    mEnds.clear();
+    mPoints.clear();
+    for (std::size_t i = 1; i < chain.size(); ++i)
+        if (!addPortal(chain[i - 1], chain[i], static_cast<std::uint32_t>(i)))
+            return false;
+    return true;
+}
+
+bool PathStraightener::addPortal(std::uint32_t node, std::uint32_t next, std::uint32_t step) {
+    MeshView::Border whole{NO_VERTEX, NO_VERTEX, 0};
+    Portal portal;
+    bool isLinked = false;
+    for (const MeshView::Link& link : mView.linksOf(node)) {
+        if (link.mTarget != next)
+            continue;
+        isLinked = true;
+        if (link.mBorder == NO_BORDER)
+            continue;
+        const MeshView::Border border = mView.borderOf(node, link);
+        const Portal piece{mView.planeOf(border.mLeft), mView.planeOf(border.mRight)};
+        // a border with vertices in its middle comes in pieces
+        constexpr double bendless = 1e-6;
+        const auto isInLine = [&](const PlanePoint& a, const PlanePoint& b, const PlanePoint& c) {
+            return std::abs(turn(a, b, c)) <= bendless * dot(c - a, c - a);
+        };
+        if (whole.mLeft != NO_VERTEX && piece.mRight == portal.mLeft &&
+            isInLine(portal.mRight, portal.mLeft, piece.mLeft)) {
+            whole.mLeft = border.mLeft;
+            portal.mLeft = piece.mLeft;
+        } else if (whole.mLeft != NO_VERTEX && piece.mLeft == portal.mRight &&
+                   isInLine(piece.mRight, portal.mRight, portal.mLeft)) {
+            whole.mRight = border.mRight;
+            portal.mRight = piece.mRight;
+        } else if (whole.mLeft == NO_VERTEX ||
+                   distance(piece.mLeft, piece.mRight) > distance(portal.mLeft, portal.mRight)) {
+            whole = border;
+            portal = piece;
+        }
+    }
+    if (whole.mLeft != NO_VERTEX) {
+        mPortals.push_back(portal);
+        mEnds.push_back({whole.mLeft, whole.mRight, step});
+    } else if (isLinked) {
+        addGap(node, next, step);
+    }
+    return isLinked;
+}
+
+/// Two nodes that don't touch are left and entered where they come nearest to each other.
+void PathStraightener::addGap(std::uint32_t node, std::uint32_t next, std::uint32_t step) {
+    double nearest = std::numeric_limits<double>::infinity();
+    PlanePoint here = mView.planeOf(mView.cornersOf(node)[0]);
+    PlanePoint there = mView.planeOf(mView.cornersOf(next)[0]);
+    const auto consider = [&](const PlanePoint& a, const PlanePoint& b) {
+        if (!(distance(a, b) < nearest))
+            return;
+        nearest = distance(a, b);
+        here = a;
+        there = b;
+    };
+    for (const std::uint32_t corner : mView.cornersOf(node)) {
+        const PlanePoint point = mView.planeOf(corner);
+        consider(point, nearestInNode(mView, next, point));
+    }
+    for (const std::uint32_t corner : mView.cornersOf(next)) {
+        const PlanePoint point = mView.planeOf(corner);
+        consider(nearestInNode(mView, node, point), point);
+    }
+    addPoint(node, here, step - 1);
+    addPoint(next, there, step);
+}
+
+void PathStraightener::addPoint(std::uint32_t node, const PlanePoint& point, std::uint32_t step) {
+    const std::uint32_t end = pointMark | static_cast<std::uint32_t>(mPoints.size());
+    mPoints.push_back(surfaceAt(mView, node, point));
+    mPortals.push_back({point, point});
+    mEnds.push_back({end, end, step});
+}
+
+Position PathStraightener::positionOf(std::uint32_t end) const {
+    return (end & pointMark) != 0 ? mPoints[end & ~pointMark] : mView.positionOf(end);
+}
+
+bool PathStraightener::pull(StraightPath& path) {
+    if (!layPortals(path.mChain))
+        return false;
+    path.mCorners.clear();
+    path.mLength = 0;
+    addCorner(surfaceAt(mView, path.mChain.front(), mStart), 0, path);
+    for (const Funnel::Bend bend : mFunnel.pull(mStart, mGoal, mPortals)) {
+        const PortalEnds& ends = mEnds[bend.mPortal];
+        addCorner(positionOf(bend.mIsLeft ? ends.mLeft : ends.mRight), ends.mStep, path);
+    }
+    const Position goal = surfaceAt(mView, path.mChain.back(), mGoal);
+    // the goal is the last corner, and takes the place of one that lies there
+    if (path.mCorners.size() > 1 && isSamePlace(path.mCorners.back().mPosition, goal))
+        path.mCorners.pop_back();
+    addCorner(goal, static_cast<std::uint32_t>(path.mChain.size() - 1), path);
+    for (std::size_t i = 1; i < path.mCorners.size(); ++i)
+        path.mLength += distanceInSpace(path.mCorners[i - 1].mPosition, path.mCorners[i].mPosition);
+    return true;
+}
+
+void PathStraightener::addCorner(const Position& position, std::uint32_t step,
+                                 StraightPath& path) const {
+    if (!path.mCorners.empty() && isSamePlace(path.mCorners.back().mPosition, position))
+        path.mCorners.back().mStep = step;
+    else
+        path.mCorners.push_back({position, step});
+}
+
+void PathStraightener::improve(StraightPath& path) {
+    constexpr std::size_t wholeBudget = 1000;
+    constexpr std::size_t partBudget = 200;
+    constexpr std::size_t partCorners = 4;
+    if (path.mCorners.size() <= 2 || improvePart(path, 0, path.mCorners.size() - 1, wholeBudget))
+        return;
+    for (std::size_t first = 0; first + 2 < path.mCorners.size(); first += partCorners / 2)
+        improvePart(path, first, std::min(first + partCorners, path.mCorners.size() - 1),
+                    partBudget);
+}
+
+bool PathStraightener::improvePart(StraightPath& path, std::size_t first, std::size_t last,
+                                   std::size_t budget) {
+    const auto pointOf = [&](std::size_t corner) {
+        return corner == 0 ? mStart
+               : corner == path.mCorners.size() - 1
+                   ? mGoal
+                   : mView.planeOf(path.mCorners[corner].mPosition);
+    };
+    double length = 0;
+    for (std::size_t i = first + 1; i <= last; ++i)
+        length += distance(pointOf(i - 1), pointOf(i));
+    const std::uint32_t from = path.mCorners[first].mStep;
+    const std::uint32_t to = path.mCorners[last].mStep;
+    constexpr double worthwhile = 1 - 1e-6;
+    const IntervalSearch::Result result =
+        mSearch.run({path.mChain[from], pointOf(first)}, {path.mChain[to], pointOf(last)},
+                    length * worthwhile, budget, mDetour);
+    if (result != IntervalSearch::Result::FOUND)
+        return result == IntervalSearch::Result::NONE;
+    mCandidate.mChain.assign(path.mChain.begin(), path.mChain.begin() + from);
+    mCandidate.mChain.insert(mCandidate.mChain.end(), mDetour.begin(), mDetour.end());
+    mCandidate.mChain.insert(mCandidate.mChain.end(), path.mChain.begin() + to + 1,
+                             path.mChain.end());
+    if (pull(mCandidate) && mCandidate.mLength < path.mLength)
+        std::swap(mCandidate, path);
+    return true;
+}
+
+} // namespace ZUNO::HostKit

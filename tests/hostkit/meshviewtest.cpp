@@ -1,0 +1,108 @@
+// The host's view of a mesh against the mesh itself.
+#include "tests/hostkit/walkingworld.h"
+#include "tools/picture/loadedmesh.h"
+#include "tools/picture/meshfigures.h"
+
+#include <random>
+
+namespace ZUNO::Tests {
+namespace {
+
+using HostKit::MeshView;
+using HostKit::Position;
+
+TEST(MeshView, FindsTheWorldsNodesAndCentres) {
+    for (const auto& model : {Worlds::makeHarbour(), Worlds::makeFloor(300, 5)}) {
+        const WalkingWorld world(model);
+        const Tools::LoadedMesh mesh(world.file());
+        const MeshView& view = world.view();
+        std::mt19937 random(1);
+        const auto number = [&](double low, double high) {
+            return static_cast<float>(low +
+                                      (high - low) * static_cast<double>(random()) / 4294967296.0);
+        };
+        std::vector<Position> points{{0, 0, 0},
+                                     {std::numeric_limits<float>::quiet_NaN(), 0, 0},
+                                     {1e20F, 0, 1e20F},
+                                     {3e38F, 3e38F, -3e38F}};
+        for (int i = 0; i < 5000; ++i)
+            points.emplace_back(number(-5, 125), number(-2, 9), number(-5, 70));
+        for (const Position& vertex : mesh->mVertices)
+            points.push_back(vertex);
+        for (const Position& point : points)
+            ASSERT_EQ(static_cast<std::int32_t>(view.findNode(point)), mesh->findNode(point))
+                << point.mX << ' ' << point.mY << ' ' << point.mZ;
+        const auto islands = Tools::findIslands(*mesh);
+        for (std::uint32_t node = 0; node < view.nodeCount(); ++node) {
+            EXPECT_EQ(view.centreOf(node), mesh->getNodeCenter(static_cast<std::int32_t>(node)));
+            EXPECT_EQ(view.islandOf(node), islands[node]);
+        }
+    }
+}
+
+TEST(MeshView, ComesOfEitherFormAndTakesLittle) {
+    const WalkingWorld world(Worlds::makeFloor(4000, 2));
+    const auto usage = world.view().memoryUsage();
+    EXPECT_LT(usage.mBeyond * 5, world.session().memory().mBytes);
+    const std::string binary = world.file() + ".bin";
+    Tools::LoadedMesh(world.file()).save(binary);
+    const MeshView view = HostKit::loadMeshView(binary);
+    EXPECT_EQ(view.memoryUsage().mBeyond, usage.mBeyond);
+    EXPECT_EQ(view.islandSizes(), world.view().islandSizes());
+}
+
+TEST(MeshView, SaysWhatIsWrongWithAFile) {
+    const TempFolder folder;
+    const auto write = [&](const char* name, const std::string& content) {
+        std::ofstream(folder.path() / name, std::ios::binary) << content;
+    };
+    write("none.xml", "<ZUNO><a>1</a></ZUNO>");
+    write("no.xml", "no document");
+    write("cut.bin", std::string("\1\1\0\0", 4));
+    auto model = Worlds::makeFloor(4, 1);
+    model.mNodes[2].mPolygon[1] = 99;
+    write("defect.xml", model.toXML(""));
+    for (const auto& [name, text] : {std::pair("missing.xml", "missing.xml"),
+                                     {"none.xml", "no navigation mesh"},
+                                     {"no.xml", "no.xml: "},
+                                     {"cut.bin", "cut.bin: "},
+                                     {"defect.xml", "node 2: corner 1 refers to vertex 99 of"}}) {
+        testing::internal::CaptureStderr(); // what is missing is reported
+        try {
+            HostKit::loadMeshView((folder.path() / name).string());
+            ADD_FAILURE() << name;
+        } catch (const std::runtime_error& error) {
+            EXPECT_NE(std::string(error.what()).find(text), std::string::npos) << error.what();
+        }
+        testing::internal::GetCapturedStderr();
+    }
+}
+
+/// Links of odd neighbours: part of a border, none, a vertex in the middle, only one way.
+TEST(MeshView, FindsWhatNeighboursShareByTheirOutlines) {
+    const WalkingWorld world(flatMesh({
+        {{{0, 0}, {8, 0}, {8, 8}, {0, 8}}, {1, -1, 2, 3}}, // 0: neighbours in any order
+        {{{8, 2}, {16, 2}, {16, 20}, {8, 20}}, {0}},       // 1: beside it, from 2 to 8
+        {{{0, 8}, {4, 8}, {8, 8}, {8, 12}, {0, 12}}, {0}}, // 2: above it, with a vertex more
+        {{{40, 0}, {48, 0}, {48, 8}}, {-1}},               // 3: far away, and no way back
+    }));
+    const MeshView& view = world.view();
+    std::map<std::uint32_t, std::vector<double>> shared;
+    for (const MeshView::Link& link : view.linksOf(0)) {
+        const auto border = view.borderOf(0, link);
+        shared[link.mTarget].push_back(
+            border.mLeft == HostKit::NO_VERTEX
+                ? -1
+                : distance(view.planeOf(border.mLeft), view.planeOf(border.mRight)));
+    }
+    EXPECT_EQ(shared, (decltype(shared){{1, {1.5}}, {2, {1, 1}}, {3, {-1}}}));
+    std::map<std::uint32_t, double> walls;
+    for (std::uint32_t node = 0; node < view.nodeCount(); ++node)
+        view.visitWalls(node, [&](const auto& a, const auto& b) { walls[node] += distance(a, b); });
+    EXPECT_EQ(walls[0], 2 + 0.5 + 2);
+    EXPECT_EQ(walls[1], 2 * 2 + 4.5 + 3);
+    EXPECT_EQ(view.islandSizes(), (std::vector<std::uint32_t>{4}));
+}
+
+} // namespace
+} // namespace ZUNO::Tests

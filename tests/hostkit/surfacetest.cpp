@@ -1,0 +1,107 @@
+// Questions about the ground.
+#include "tests/hostkit/walkingworld.h"
+
+namespace ZUNO::Tests {
+namespace {
+
+using HostKit::MeshView;
+using HostKit::NO_NODE;
+using HostKit::Place;
+using HostKit::Position;
+
+/// A floor, a ramp up from it, another floor over it, and an islet beside.
+Worlds::MeshModel storeys() {
+    Worlds::MeshModel model;
+    model.mHeights = {2};
+    model.addPolygon({{0, 0, 0}, {40, 0, 0}, {40, 0, 40}, {0, 0, 40}}, 0, 0xFFFF);
+    model.addPolygon({{40, 0, 0}, {80, 6, 0}, {80, 6, 40}, {40, 0, 40}}, 0, 0xFFFF);
+    model.addPolygon({{0, 20, 0}, {40, 20, 0}, {40, 20, 40}, {0, 20, 40}}, 0, 0xFFFF);
+    model.addPolygon({{0, 0, 80}, {4, 0, 80}, {4, 0, 84}, {0, 0, 84}}, 0, 0xFFFF);
+    model.connect();
+    return model;
+}
+
+TEST(Surface, KnowsTheGroundAndWhatIsNearest) {
+    const WalkingWorld world(storeys());
+    const MeshView& view = world.view();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    struct Row {
+        Position mPoint;
+        std::uint32_t mNode;
+        float mHeight;
+        std::uint32_t mNearest; ///< within 2 and 3
+        float mDistance;
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {{5, 0.5F, 5}, 0, 0, 0, 0.5F},
+             {{15, 1, 5}, 1, 0.75F, 1, 0.25F}, // half up the ramp
+             {{5, 9, 5}, 2, 5, NO_NODE, 0},    // far above the upper floor
+             {{5, 3, 5}, 2, 5, 2, 2},          // below it
+             {{5, 2, 5}, 0, 0, 0, 2},
+             {{-1, 0, 5}, NO_NODE, 0, 0, 1},       // beside it
+             {{-3, 0, 5}, NO_NODE, 0, NO_NODE, 0}, // too far beside it
+             {{0.5F, -2, 22}, NO_NODE, 0, 3, 2.236068F},
+             {{2, 0, 21.5F}, NO_NODE, 0, 3, 1.118034F}, // beside a corner of the islet
+             {{nan, 0, 5}, NO_NODE, 0, NO_NODE, 0},
+             {{3e38F, 0, 5}, NO_NODE, 0, NO_NODE, 0},
+         }) {
+        const Place ground = HostKit::findGround(view, row.mPoint);
+        EXPECT_EQ(ground.mNode, row.mNode) << row.mPoint.mX << ' ' << row.mPoint.mZ;
+        EXPECT_FLOAT_EQ(ground.mPosition.mY, row.mHeight);
+        const auto nearest = HostKit::findNearest(view, row.mPoint, 2, 3);
+        EXPECT_EQ(nearest.mNode, row.mNearest) << row.mPoint.mX << ' ' << row.mPoint.mZ;
+        EXPECT_NEAR(nearest.mDistance, row.mDistance, 1e-5);
+        EXPECT_EQ(view.findNode(nearest ? nearest.mPosition : Position(99, 0, 0)), row.mNearest);
+    }
+}
+
+TEST(Surface, IsWalkedAlongItsWalls) {
+    const WalkingWorld world(storeys());
+    const MeshView& view = world.view();
+    struct Row {
+        Position mFrom;
+        Position mTo;
+        Position mEnd;
+        bool mIsReached;
+        float mWall; ///< the distance of the end to the nearest wall
+    };
+    for (const Row& row : std::initializer_list<Row>{
+             {{5, 0, 5}, {6, 0, 7}, {6, 0, 7}, true, 3},
+             {{9, 0, 5}, {12, 0, 5}, {12, 0.3F, 5}, true, 5},     // on to the ramp
+             {{5, 0, 1}, {7, 0, -1}, {7, 0, 0}, false, 0},        // along a wall
+             {{9, 0, 9}, {13, 0, 13}, {13, 0.45F, 10}, false, 0}, // the same, on to the ramp
+             {{1, 0, 1}, {-9, 0, -9}, {0, 0, 0}, false, 0},       // into a corner
+             {{5, 0, 5}, {5, 0, 5}, {5, 0, 5}, true, 5},
+             {{5, 0, 5}, {1, 0, 21}, {1, 0, 10}, false, 0}, // the islet is out of reach
+         }) {
+        const Place start = HostKit::findGround(view, row.mFrom);
+        const auto move = HostKit::moveAlongSurface(view, start, row.mTo);
+        EXPECT_EQ(move.mPlace.mPosition, row.mEnd)
+            << move.mPlace.mPosition.mX << ' ' << move.mPlace.mPosition.mZ;
+        EXPECT_EQ(move.mIsReached, row.mIsReached);
+        EXPECT_EQ(move.mNodes[0], start.mNode);
+        EXPECT_EQ(move.mNodes[move.mNodeCount - 1], move.mPlace.mNode);
+        EXPECT_FLOAT_EQ(HostKit::distanceToWall(view, move.mPlace, 100), row.mWall);
+    }
+    EXPECT_EQ(HostKit::distanceToWall(view, HostKit::findGround(view, {5, 0, 5}), 2), 2);
+}
+
+TEST(Surface, PicksPlacesByArea) {
+    const WalkingWorld world(storeys());
+    const MeshView& view = world.view();
+    const HostKit::RandomPlaces places(view);
+    std::vector<int> counts(view.nodeCount());
+    for (std::uint64_t seed = 0; seed < 20000; ++seed) {
+        const Place place = places.pick(seed);
+        ++counts[place.mNode];
+        EXPECT_EQ(HostKit::findGround(view, place.mPosition, 0.01F).mNode, place.mNode);
+    }
+    EXPECT_NEAR(counts[0], 20000 * 100 / 302.1, 400);
+    EXPECT_NEAR(counts[1] / static_cast<double>(counts[0]), 1.0112, 0.05);
+    const HostKit::RandomPlaces islet(view, view.islandOf(3));
+    EXPECT_EQ(islet.pick(1).mNode, 3U);
+    EXPECT_EQ(islet.pick(1).mPosition, islet.pick(1).mPosition);
+}
+
+} // namespace
+} // namespace ZUNO::Tests
