@@ -13,7 +13,9 @@ ZUNO::Worlds::SceneModel makeScene(const std::string& kind, int size, unsigned i
         return makeCourtyard();
     if (kind == "bridge")
         return makeBridge();
-    return kind == "spiral" ? makeSpiral() : makeMaze(size, seed);
+    if (kind == "spiral")
+        return makeSpiral();
+    return kind == "town" ? makeTown(size, seed) : makeMaze(size, seed);
 }
 
 } // namespace
@@ -25,14 +27,14 @@ int main(int argc, char** argv) {
     std::string file;
     int size = 200;
     unsigned int seed = 1;
-    app.add_option("kind", kind, "courtyard, bridge, spiral or maze")
+    app.add_option("kind", kind, "courtyard, bridge, spiral, maze or town")
         ->required()
-        ->check(CLI::IsMember({"courtyard", "bridge", "spiral", "maze"}));
+        ->check(CLI::IsMember({"courtyard", "bridge", "spiral", "maze", "town"}));
     app.add_option("file", file, "the file to write")->required();
-    app.add_option("--size", size, "cells along a side of the maze")
+    app.add_option("--size", size, "cells along a side of the maze, or plots of the town")
         ->check(CLI::Range(2, 1000))
         ->capture_default_str();
-    app.add_option("--seed", seed, "which maze");
+    app.add_option("--seed", seed, "which maze or town");
     CLI11_PARSE(app, argc, argv);
     const ZUNO::Worlds::SceneModel scene = makeScene(kind, size, seed);
     std::ofstream out(file, std::ios::binary);

@@ -276,4 +276,36 @@ SceneModel makeMaze(int size, unsigned int seed) {
     return scene;
 }
 
+SceneModel makeTown(int size, unsigned int seed) {
+    constexpr double pitch = 12;
+    std::mt19937 random(seed);
+    const auto between = [&](double low, double high) {
+        return low + (high - low) * static_cast<double>(random() % 1024) / 1024;
+    };
+    SceneModel scene;
+    scene.begin("ground", "paving");
+    addFloor(scene, 0, 0, size * pitch, size * pitch, 0);
+    for (int z = 0; z < size; ++z)
+        for (int x = 0; x < size; ++x) {
+            const auto addBox = [&](double low, double high) {
+                const double width = between(low, high);
+                const double depth = between(low, high);
+                const double left = x * pitch + between(0.5, pitch - width - 0.5);
+                const double front = z * pitch + between(0.5, pitch - depth - 0.5);
+                scene.addBox({left, 0, front}, {left + width, 3, front + depth});
+            };
+            const auto kind = random() % 10; // below 2: open ground
+            const auto stalls = kind >= 2 && kind < 6 ? random() % 24 : 0;
+            scene.begin("stalls", "timber");
+            for (auto i = stalls; i != 0; --i)
+                addBox(0.2, 0.8);
+            scene.begin("houses", "brick");
+            if (kind >= 6)
+                addBox(3, 10);
+        }
+    scene.mJourneys = {
+        {"from end to end", {0.25, 0, 0.25}, {size * pitch - 0.25, 0, size * pitch - 0.25}, true}};
+    return scene;
+}
+
 } // namespace ZUNO::Worlds

@@ -51,5 +51,9 @@ SceneModel makeSpiral();
 /// A maze of `size` x `size` cells, each 2.5 wide, all of it connected but for one closed cell; the
 /// same for the same numbers.
 SceneModel makeMaze(int size, unsigned int seed);
+/// A town of `size` x `size` plots, each 12 wide: open ground, houses, and markets of up to 23
+/// small stalls, so that walkable polygons are of very unequal sizes; the same for the same
+/// numbers.
+SceneModel makeTown(int size, unsigned int seed);
 
 } // namespace ZUNO::Worlds

@@ -89,8 +89,8 @@ void PlainGrid::mark(const Outline& outline, float height, float half) {
     }
     const Index first = indexOf(low);
     const Index last = indexOf(high);
-    for (int row = first.mRow; row <= last.mRow; ++row)
-        for (int column = first.mColumn; column <= last.mColumn; ++column) {
+    for (int row = first.mY; row <= last.mY; ++row)
+        for (int column = first.mX; column <= last.mX; ++column) {
             const Position corner = lowerCornerOf({column, row});
             const Position centre(corner.mX + half, corner.mY + half);
             if (!holds(outline, centre))
@@ -108,17 +108,15 @@ PlainGrid::Index PlainGrid::indexOf(const Position& position) const {
 PlainGrid::Position PlainGrid::lowerCornerOf(const Index& index) const {
     Position corner = mMin;
     if (mScaleX != 0)
-        corner.mX = static_cast<float>(index.mColumn) / mScaleX + mMin.mX;
+        corner.mX = static_cast<float>(index.mX) / mScaleX + mMin.mX;
     if (mScaleY != 0)
-        corner.mY = static_cast<float>(index.mRow) / mScaleY + mMin.mY;
+        corner.mY = static_cast<float>(index.mY) / mScaleY + mMin.mY;
     return corner;
 }
 
 const PlainGrid::Cell* PlainGrid::cellAt(const Index& index) const {
-    const bool isInside =
-        index.mColumn >= 0 && index.mColumn < mColumns && index.mRow >= 0 && index.mRow < mRows;
-    return isInside ? &mCells[static_cast<std::size_t>(index.mRow * mColumns + index.mColumn)]
-                    : nullptr;
+    const bool isInside = index.mX >= 0 && index.mX < mColumns && index.mY >= 0 && index.mY < mRows;
+    return isInside ? &mCells[static_cast<std::size_t>(index.mY * mColumns + index.mX)] : nullptr;
 }
 
 const PlainGrid::Cell* PlainGrid::cellUnder(const Position& position) const {
@@ -128,8 +126,8 @@ const PlainGrid::Cell* PlainGrid::cellUnder(const Position& position) const {
         return nullptr;
     // rounding may carry a position on the upper border one cell too far
     const Index index = indexOf(position);
-    return cellAt({static_cast<int>(std::min<std::int64_t>(index.mColumn, mColumns - 1)),
-                   static_cast<int>(std::min<std::int64_t>(index.mRow, mRows - 1))});
+    return cellAt({static_cast<int>(std::min<std::int64_t>(index.mX, mColumns - 1)),
+                   static_cast<int>(std::min<std::int64_t>(index.mY, mRows - 1))});
 }
 
 PlainGrid::Cell* PlainGrid::findUnder(const Position& position) {

@@ -15,10 +15,7 @@ namespace ZUNO::Reference {
 class PlainGrid {
 public:
     using Position = Common::Math::Vec2<float>;
-    struct Index {
-        int mColumn;
-        int mRow;
-    };
+    using Index = Common::Math::Vec2<int>; ///< column and row
     struct Cell {
         float mHeight = Pathfinder::noGround;
         bool mIsBlocked = true;

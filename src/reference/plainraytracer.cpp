@@ -1,42 +1,13 @@
 #include "reference/plainraytracer.h"
 
-#include <algorithm>
+#include "reference/gridlinewalker.h"
+
 #include <cmath>
 #include <optional>
 
 namespace ZUNO::Reference {
 
 using Index = PlainGrid::Index;
-
-namespace {
-
-/// One coordinate of a walk from one cell to another.
-class Coordinate {
-public:
-    Coordinate(int from, int to)
-        : mPlace(from), mDirection(to > from ? 1 : (to < from ? -1 : 0)),
-          mDistance(std::abs(std::int64_t{to} - from)), mError(mDistance) {}
-
-    std::int64_t distance() const { return mDistance; }
-    int place() const { return mPlace; }
-
-    /// One of so many steps of the walk.
-    void step(std::int64_t steps) {
-        mError += mDistance;
-        if (mError <= steps)
-            return;
-        mError -= steps;
-        mPlace += mDirection;
-    }
-
-private:
-    int mPlace;
-    int mDirection;
-    std::int64_t mDistance;
-    std::int64_t mError;
-};
-
-} // namespace
 
 bool PlainRayTracer::isBlocked(const Position& position) {
     const PlainGrid::Cell* const cell = mGrid.cellUnder(position);
@@ -68,14 +39,11 @@ float PlainRayTracer::trace(const Ray& ray) const {
         const float y = corner.mY - ray.mStart.mY;
         return x * x + y * y;
     };
-    const Index from = mGrid.indexOf(begin);
-    const Index to = mGrid.indexOf(ray.mEnd);
-    Coordinate column(from.mColumn, to.mColumn);
-    Coordinate row(from.mRow, to.mRow);
-    const std::int64_t steps = std::max(column.distance(), row.distance());
+    GridLineWalker walker;
+    Index current = mGrid.indexOf(begin);
+    walker.init(current, mGrid.indexOf(ray.mEnd));
     std::optional<Index> previous;
-    for (std::int64_t taken = 0; taken <= steps; ++taken) {
-        const Index current{column.place(), row.place()};
+    do {
         const PlainGrid::Cell* const cell = mGrid.cellAt(current);
         if (cell == nullptr)
             return previous.has_value() ? std::sqrt(squaredDistanceTo(*previous)) : 0.0F;
@@ -84,9 +52,7 @@ float PlainRayTracer::trace(const Ray& ray) const {
         if (!(squaredDistanceTo(current) < ray.mLength * ray.mLength))
             return -1;
         previous = current;
-        column.step(steps);
-        row.step(steps);
-    }
+    } while (walker.next(current));
     return -1;
 }
 

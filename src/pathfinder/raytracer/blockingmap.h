@@ -46,6 +46,10 @@ public:
     /// Returns the lower corner of a cell, in units of the mesh's plane.
     Position cellToWorld(const Cell& cell) const;
 
+    bool hasCell(const Cell& cell) const {
+        return static_cast<std::uint32_t>(cell.mX) < mColumns &&
+               static_cast<std::uint32_t>(cell.mY) < mRows;
+    }
     std::uint32_t columns() const { return mColumns; }
     std::uint32_t rows() const { return mRows; }
     /// Returns the lengths of a cell's sides; 0 in an axis whose scale is 0.

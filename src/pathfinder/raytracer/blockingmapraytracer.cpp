@@ -3,7 +3,6 @@
 #include "common/debug/trace.h"
 #include "common/exceptions/stateexceptions.h"
 #include "navmesh/planegrid.h"
-#include "pathfinder/raytracer/gridlinewalker.h"
 #include "pathfinder/raytracer/rasteriser.h"
 
 #include <algorithm>
@@ -26,7 +25,7 @@ BlockingMapRayTracer::BlockingMapRayTracer(
     const Common::SharedPtr<NavMeshContainer>& navMesh,
     const Common::SharedPtr<Common::Memory::Allocator>& allocator, const Common::String& fileName,
     bool loadFromFile)
-    : mBlockingMap(allocator), mClearances(allocator), mAllocator(allocator) {
+    : mBlockingMap(allocator), mBits(allocator), mClearances(allocator), mAllocator(allocator) {
     if (loadFromFile)
         loadBlockingMap(fileName);
     build(*navMesh);
@@ -48,7 +47,9 @@ void BlockingMapRayTracer::build(const NavMeshContainer& mesh) {
         const float height = mesh.mVertices[node.mPolygon[0]][up];
         rasteriser.mark(node.mPolygon, {height, BlockingCell::walkable});
     }
+    mBits.build(mBlockingMap);
     mClearances.build(mBlockingMap);
+    mLastSteps = countLastSteps();
 }
 
 bool BlockingMapRayTracer::isBlocked(const Vec2<float>& position) {
@@ -77,69 +78,103 @@ void BlockingMapRayTracer::traceRay(Ray& ray) {
 }
 
 float BlockingMapRayTracer::walk(const Ray& ray, float clearance) const {
-    const auto distanceTo = [&](const Vec2<int>& cell) {
-        return length(mBlockingMap.cellToWorld(cell) - ray.mStart);
-    };
     const Vec2<float> begin = ray.pointAt(clearance);
     if (!isFinite(begin)) // no length to start from, or an end that is nowhere
         return 0;
-    Vec2<int> current = mBlockingMap.worldToCell(begin);
-    Vec2<int> previous = current;
-    bool hasPrevious = false;
-    const Vec2<int> end = mBlockingMap.worldToCell(ray.mEnd);
-    GridLineWalker walker;
-    walker.init(current, end);
+    const BlockingMap::Cell from = mBlockingMap.worldToCell(begin);
+    const BlockingMap::Cell to = mBlockingMap.worldToCell(ray.mEnd);
+    if (!mBlockingMap.hasCell(from))
+        return 0;
+    BitWalk walk(mBits, from, to);
+    const auto offset = [&](BlockedBits::Place place) {
+        return mBlockingMap.cellToWorld(mBits.cellOf(place)) - ray.mStart;
+    };
+    // the grid's border blocks like a wall, but the hit is the last cell before it
+    const auto hit = [&] {
+        const bool isInside = mBlockingMap.hasCell(mBits.cellOf(walk.place()));
+        return length(offset(isInside ? walk.place() : walk.previous()));
+    };
+    std::uint32_t left = walk.stepCount();
+    const std::uint32_t untested = clearance == 0 ? stepsWithinLength(ray, to, left) : 0;
+    if (untested != 0) {
+        if (advance(walk, untested))
+            return hit();
+        left -= untested;
+    }
     const float limit = ray.mLength * ray.mLength;
-    const std::int64_t within = stepsWithinLength(ray, begin, end, walker.stepCount());
-    do {
-        BlockingCell cell{};
-        if (!mBlockingMap.getCell(current.mX, current.mY, cell))
-            return hasPrevious ? distanceTo(previous) : 0;
-        if (cell.isBlocked())
-            return distanceTo(current);
-        if (walker.stepsTaken() > within) {
-            const Vec2<float> offset = mBlockingMap.cellToWorld(current) - ray.mStart;
-            if (!(dot(offset, offset) < limit))
-                return noHit;
-        } else if (const unsigned int free = mClearances.stepsFrom(current); free != 0) {
-            // no cell that is left out is blocked, outside, or too far
-            walker.skip(std::min<std::int64_t>(free, within - walker.stepsTaken()), current);
-        }
-        previous = current;
-        hasPrevious = true;
-    } while (walker.next(current));
-    return noHit;
+    while (!walk.isStopped()) {
+        const Vec2<float> reached = offset(walk.place());
+        if (!(dot(reached, reached) < limit) || left == 0)
+            return noHit;
+        walk.advance(1);
+        --left;
+    }
+    return hit();
 }
 
-std::int64_t BlockingMapRayTracer::stepsWithinLength(const Ray& ray, const Vec2<float>& begin,
-                                                     const Vec2<int>& end,
-                                                     std::int64_t stepCount) const {
-    constexpr int farAway = 1 << 30; // there the end's cell may be one that ints can hold
+bool BlockingMapRayTracer::advance(BitWalk& walk, std::uint32_t steps) const {
+    constexpr std::uint32_t fewest = 32; // from which leaps are worth their preparation
+    if (steps < fewest)
+        return walk.advance(steps);
+    const auto doubledOften = [&](BitWalk::Leap leap, int times) {
+        for (; times != 0; --times)
+            leap = walk.doubled(leap);
+        return leap;
+    };
+    const BitWalk::Leap small = doubledOften(walk.oneStep(), 4);
+    const BitWalk::Leap large = doubledOften(small, 3);
+    while (steps >= small.mSteps) {
+        const std::uint32_t free =
+            std::min(mClearances.stepsFrom(mBits.cellOf(walk.place())), steps);
+        if (free < small.mSteps) {
+            const std::uint32_t stretch = std::min(steps, 3 * small.mSteps);
+            if (walk.advance(stretch))
+                return true;
+            steps -= stretch;
+        } else {
+            const BitWalk::Leap& leap = free < large.mSteps ? small : large;
+            walk.take(leap);
+            steps -= leap.mSteps;
+        }
+    }
+    return walk.advance(steps);
+}
+
+std::uint32_t BlockingMapRayTracer::stepsWithinLength(const Ray& ray, const BlockingMap::Cell& end,
+                                                      std::uint32_t stepCount) const {
     constexpr float longest = 1e18F; // beyond these, squares leave the range of `float`
     constexpr float shortest = 1e-15F;
-    const Vec2<float> size = mBlockingMap.cellSize();
+    constexpr std::uint32_t fewest = 10;
+    const std::uint32_t last = mLastSteps + stepCount / (1U << 16U);
+    if (stepCount < fewest || stepCount <= last || mLastSteps == allSteps ||
+        !(shortest < ray.mLength && ray.mLength < longest))
+        return 0;
+    constexpr int farAway = 1 << 30; // there the end's cell may be one that ints can hold
     const auto isFar = [](int coordinate) { return coordinate > farAway || coordinate < -farAway; };
-    if (size.mX == 0 || size.mY == 0 || isFar(end.mX) || isFar(end.mY) ||
-        !(ray.mLength < longest && ray.mLength > shortest))
-        return -1;
-    // After k of n steps the cell's lower corner is at most 3 cells per axis from the point k/n of
-    // the way: up to 1 for each truncated end, 1 for the walk; largest / 2^20 covers rounding. The
-    // way begins at the ray's start, or, from a blocked cell, behind it.
+    const Vec2<float> way = ray.mEnd - ray.mStart;
+    const bool isAsLong = dot(way, way) <= ray.mLength * ray.mLength * (1 + 1e-5F);
+    return isAsLong && !isFar(end.mX) && !isFar(end.mY) ? stepCount - last : 0;
+}
+
+std::uint32_t BlockingMapRayTracer::countLastSteps() const {
+    constexpr double largestCoordinate = 1e15; // squares of distances are in the range of `float`
+    const Vec2<float> size = mBlockingMap.cellSize();
     const Rect& bounds = mBlockingMap.bounds();
-    const double largest =
-        std::max({std::abs(bounds.mMin.mX), std::abs(bounds.mMin.mY), std::abs(bounds.mMax.mX),
-                  std::abs(bounds.mMax.mY), std::abs(ray.mStart.mX), std::abs(ray.mStart.mY)});
-    constexpr double threeCells = 4.3; // along their diagonal
-    const double slack = threeCells * (std::max(size.mX, size.mY) + largest / (1 << 20));
-    const auto fromStart = [&](const Vec2<float>& point) {
-        const double x = double{point.mX} - ray.mStart.mX;
-        const double y = double{point.mY} - ray.mStart.mY;
-        return std::sqrt(x * x + y * y);
-    };
-    const double part = (ray.mLength * (1 - 1e-5) - slack - fromStart(begin)) / fromStart(ray.mEnd);
-    if (!(part > 0))
-        return -1;
-    return static_cast<std::int64_t>(std::min(part, 1.0) * static_cast<double>(stepCount)) - 1;
+    const double largest = std::max({std::abs(bounds.mMin.mX), std::abs(bounds.mMin.mY),
+                                     std::abs(bounds.mMax.mX), std::abs(bounds.mMax.mY)});
+    const double smaller = std::min(size.mX, size.mY);
+    if (smaller == 0 || largest > largestCoordinate)
+        return allSteps;
+    // How near the ray's length can a cell's lower corner be in the step before the last m of n?
+    // It is at most 2 cells per axis from the point (n - m) / n of the way: 1 for truncating start
+    // and end, and 1 for the walk. largest / 2^20 covers rounding. The way's length L is at least
+    // n - 1 smaller sides of a cell, so that the cell is within it if, for n of 10 or more,
+    //     m * 0.9 * smaller > slack + L / 100,000,
+    // and of the last term, which is for an L that is rounded, n / 65,536 steps are enough.
+    constexpr double twoCells = 2.9; // along their diagonal
+    const double slack = twoCells * (std::max(size.mX, size.mY) + largest / (1 << 20));
+    const double steps = std::ceil(slack / (0.9 * smaller)) + 1;
+    return steps < allSteps ? static_cast<std::uint32_t>(steps) : allSteps;
 }
 
 void BlockingMapRayTracer::loadBlockingMap(const Common::String& filename) {

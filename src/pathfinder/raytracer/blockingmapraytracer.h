@@ -2,6 +2,7 @@
 
 #include "common/basicstring.h"
 #include "navmesh/navmeshcontainer.h"
+#include "pathfinder/raytracer/bitwalk.h"
 #include "pathfinder/raytracer/clearancefield.h"
 #include "pathfinder/raytracer/raytracer.h"
 
@@ -38,14 +39,21 @@ private:
     void build(const NavMesh::NavMeshContainer& mesh);
     /// Returns the hit distance of a ray that begins its walk at the distance `clearance`.
     float walk(const Common::Geom::Ray2D<float, float>& ray, float clearance) const;
-    /// Returns up to how many steps of a walk no cell can be as far from the start as the ray is
-    /// long; -1 where that is not known of the first cell either.
-    std::int64_t stepsWithinLength(const Common::Geom::Ray2D<float, float>& ray,
-                                   const BlockingMap::Position& begin, const BlockingMap::Cell& end,
-                                   std::int64_t stepCount) const;
+    /// Takes so many steps, or fewer when a cell stops the walk; returns whether one did.
+    bool advance(BitWalk& walk, std::uint32_t steps) const;
+    /// Returns how many steps a walk may take to a ray's end while no cell can be as far from the
+    /// start as the ray is long; 0 where that is not known.
+    std::uint32_t stepsWithinLength(const Common::Geom::Ray2D<float, float>& ray,
+                                    const BlockingMap::Cell& end, std::uint32_t stepCount) const;
+    /// Returns how many of a walk's last steps come that near the ray's length in this grid.
+    std::uint32_t countLastSteps() const;
+
+    static constexpr std::uint32_t allSteps = 0xFFFFFFFF;
 
     BlockingMap mBlockingMap;
+    BlockedBits mBits;
     ClearanceField mClearances;
+    std::uint32_t mLastSteps = allSteps;
     Common::Math::Vec2<float> mBoundsMin{0, 0};
     Common::Math::Vec2<float> mBoundsMax{0, 0};
     Common::SharedPtr<Common::Memory::Allocator> mAllocator; ///< for what the build needs meanwhile

@@ -7,13 +7,14 @@
 
 namespace ZUNO::Pathfinder::Raytracer {
 
-/// For each block of 4 x 4 cells: the king's-move distance, in blocks, to the nearest block with a
-/// blocked cell or to the outside. A walk may skip 4 (distance - 1) steps. A byte for 16 cells.
+/// For each block of 8 x 8 cells: the king's-move distance, in blocks, to the nearest block with a
+/// blocked cell or to the outside. A walk may skip 8 (distance - 1) steps. A byte for 64 cells.
 class ClearanceField {
 public:
     explicit ClearanceField(const Common::SharedPtr<Common::Memory::Allocator>& allocator)
         : mDistances(allocator) {}
 
+    /// Throws an OutOfMemoryException. Cost: one pass over the cells.
     void build(const BlockingMap& map);
 
     /// Returns how many steps from a cell of the grid, each in any of the eight directions, reach
@@ -26,7 +27,7 @@ public:
     }
 
 private:
-    static constexpr unsigned int blockSize = 4;
+    static constexpr unsigned int blockSize = 8;
 
     std::vector<std::uint8_t, Common::Memory::STLAllocator<std::uint8_t>> mDistances;
     std::size_t mColumns = 0; ///< of blocks

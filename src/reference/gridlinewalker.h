@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace ZUNO::Pathfinder::Raytracer {
+namespace ZUNO::Reference {
 
 /// Steps through grid cells from one to another: along the longer axis one cell a step, along the
 /// shorter one whenever its share has added up to more than a cell. Any two cells will do: they may
@@ -38,18 +38,6 @@ public:
         return true;
     }
 
-    std::int64_t stepCount() const { return mStepCount; }
-    std::int64_t stepsTaken() const { return mStepsTaken; }
-
-    /// Moves on as so many calls of `next` do, and gives the cell reached. At least so many steps
-    /// must be left, and at most 2^30 taken at once.
-    void skip(std::int64_t steps, Cell& cell) {
-        leap(steps, mErrorX, mDeltaX, mCell.mX, mSignX);
-        leap(steps, mErrorY, mDeltaY, mCell.mY, mSignY);
-        cell = mCell;
-        mStepsTaken += steps;
-    }
-
 private:
     static int sign(std::int64_t value) { return value > 0 ? 1 : (value < 0 ? -1 : 0); }
 
@@ -59,17 +47,6 @@ private:
             error -= mStepCount;
             coordinate += direction;
         }
-    }
-
-    /// 0 < error <= mStepCount before and after, so the overflow is a whole multiple of mStepCount.
-    void leap(std::int64_t steps, std::int64_t& error, std::int64_t delta, int& coordinate,
-              int direction) const {
-        if (delta == 0)
-            return;
-        error += steps * delta;
-        const std::int64_t cells = delta == mStepCount ? steps : (error - 1) / mStepCount;
-        error -= cells * mStepCount;
-        coordinate += static_cast<int>(cells) * direction;
     }
 
     Cell mCell{0, 0};
@@ -83,4 +60,4 @@ private:
     std::int64_t mErrorY = 0;
 };
 
-} // namespace ZUNO::Pathfinder::Raytracer
+} // namespace ZUNO::Reference

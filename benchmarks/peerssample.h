@@ -1,0 +1,49 @@
+#pragma once
+
+#include "reference/questions.h"
+#include "tools/picture/loadedmesh.h"
+
+#include <random>
+#include <string>
+#include <vector>
+
+namespace ZUNO::Benchmarks {
+
+using Reference::Journey;
+
+/// A mesh on disk, loaded beside the runtime's own, and journeys over it.
+class Sample {
+public:
+    /// The mesh of a file, and the journeys of another one: a line of six numbers each, start and
+    /// goal. Without one (an empty name) they are drawn. Throws a std::runtime_error.
+    explicit Sample(const std::string& file, const std::string& journeys = {});
+    /// A floor of about so many squares with holes, its cube size a 1000th of its extent.
+    explicit Sample(unsigned int nodes);
+    ~Sample();
+    Sample(const Sample&) = delete;
+    Sample& operator=(const Sample&) = delete;
+
+    const NavMesh::NavMeshContainer& mesh() const { return *mMesh; }
+    Common::SharedPtr<NavMesh::NavMeshContainer> shared() const { return mMesh.shared(); }
+    const std::string& file() const { return mFile; }
+    std::size_t nodes() const { return mMesh->mNodes.size(); }
+    /// Returns the centre of any node.
+    NavMesh::NavMeshContainer::Point3 pick(std::mt19937& random) const;
+
+    /// Returns the journeys that were given, or none.
+    const std::vector<Journey>& journeys() const { return mJourneys; }
+
+    /// Writes the mesh with cells of this share of its extent, and returns the file's name.
+    std::string withCells(unsigned int cellsAlongTheExtent) const;
+
+private:
+    static std::string makeFloor(unsigned int nodes);
+    static std::vector<Journey> readJourneys(const std::string& file);
+
+    std::string mFile;
+    Tools::LoadedMesh mMesh;
+    std::vector<Journey> mJourneys;
+    bool mIsOurs = false;
+};
+
+} // namespace ZUNO::Benchmarks
