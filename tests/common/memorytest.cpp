@@ -134,6 +134,7 @@ TEST_F(MemoryTest, CompactKeepsChunksInUse) {
     FreeListAllocator allocator(mHandle);
     void* const used = allocator.allocate(1);
     EXPECT_EQ(allocator.compact(), 0U);
+    EXPECT_TRUE(allocator.isClean()) << "it does not count its blocks";
     EXPECT_EQ(mParent->mSizes.size(), 1U);
     allocator.free(used);
     EXPECT_EQ(allocator.compact(), FreeListLayout::chunkSize(1));
