@@ -7,17 +7,21 @@ namespace ZUNO::HostKit {
 namespace {
 
 unsigned int theCount = 0;
+bool theKitStarted = false; ///< and not the host before it
 
 } // namespace
 
 Foundation::Foundation() {
-    if (theCount == 0)
-        Common::initLibrary({});
+    if (theCount == 0) {
+        theKitStarted = !Common::isLibraryRunning();
+        if (theKitStarted)
+            Common::initLibrary({});
+    }
     ++theCount;
 }
 
 Foundation::~Foundation() {
-    if (--theCount == 0)
+    if (--theCount == 0 && theKitStarted)
         Common::closeLibrary();
 }
 

@@ -16,7 +16,8 @@ struct MemoryFigures {
     std::uint64_t mPeakBytes = 0;
 };
 
-/// Host memory from the C heap, counted. For one thread at a time.
+/// Host memory from the C heap, counted.
+/// Thread: one at a time, as the library calls it.
 class HeapMemoryCallback : public Common::Callback::MemoryCallback {
 public:
     /// Null when the heap is exhausted.

@@ -8,15 +8,19 @@
 #include "common/memory/freelistallocator.h"
 #include "common/memory/globalallocators.h"
 #include "common/memory/threadsafeallocwrapper.h"
+#include "common/utility/immortal.h"
 
 namespace ZUNO::Common {
 
 namespace {
 
-Debug::LogReporter* theReporter = nullptr;
+constexpr const char* reporterName = "Common";
+
+constinit Utility::Immortal<SharedPtr<Callback::MemoryCallback>> theMemCallback;
 Debug::TraceLogDispatcher* theTraceDispatcher = nullptr;
 
-/// Makes the library allocator; null when the host gives no memory for it.
+/// Makes the library allocator. Throws an OutOfMemoryException when the host gives no memory for
+/// it.
 void startAllocator(const SharedPtr<Callback::MemoryCallback>& cbMemory) {
     if (cbMemory != nullptr)
         gAllocator = SharedPtr<Memory::Allocator>(new (cbMemory) Callback::CallbackAllocator());
@@ -47,7 +51,7 @@ void initRuntime(const SharedPtr<Memory::Allocator>& library) {
         Memory::throwOutOfMemory();
     theTraceDispatcher = Memory::createObject<Debug::TraceLogDispatcher>(gDebugAllocator);
     log->addDispatcher(Debug::allLogTypes, theTraceDispatcher, false);
-    theReporter = log->createReporter("Common");
+    log->createReporter(reporterName);
 }
 
 /// Starts everything, or returns false with some of it running.
@@ -65,11 +69,15 @@ bool start(const SharedPtr<Callback::MemoryCallback>& cbMemory) {
 
 } // namespace
 
+constinit SharedPtr<Callback::MemoryCallback>& gMemCallback = theMemCallback.mValue;
+
 void initLibrary(const SharedPtr<Callback::MemoryCallback>& cbMemory) {
-    ZUNO_CHECK_AS(gMemCallback == nullptr, "gMemCallback == NULL",
-                  "Common is already initialized !");
-    if (isLibraryRunning())
+    if (isLibraryRunning()) {
+        // A start without a callback can be repeated; one that would go unused is reported.
+        ZUNO_CHECK_AS(gMemCallback == nullptr && cbMemory == nullptr, "gMemCallback == NULL",
+                      "Common is already initialized !");
         return;
+    }
     if (!start(cbMemory)) {
         closeLibrary();
         Memory::throwOutOfMemory();
@@ -77,17 +85,15 @@ void initLibrary(const SharedPtr<Callback::MemoryCallback>& cbMemory) {
 }
 
 void closeLibrary() {
-    if (Debug::LogManager* const log = Debug::LogManager::getInstance(); log != nullptr)
-        log->removeReporter(theReporter);
-    theReporter = nullptr;
-    Debug::LogManager::destroyInstance();
+    Debug::LogManager::destroyInstance(); // with all reporters
     Memory::destroyObject(gDebugAllocator, theTraceDispatcher);
     theTraceDispatcher = nullptr;
     Debug::Trace::close();
     gDebugAllocator = nullptr;
     gObjectAllocator = nullptr;
     gStringAllocator = nullptr;
-    // The allocator gives its own storage back through the callback, which must outlive it.
+    // The allocator gives its own storage back through the callback, which must outlive it. What
+    // the host kept, an exception for example, keeps both until it goes.
     gAllocator.destroy();
     gMemCallback = nullptr;
     gAllocator = nullptr;
@@ -102,7 +108,8 @@ bool isLibraryRunning() {
 }
 
 Debug::LogReporter* getLogReporter() {
-    return theReporter;
+    const Debug::LogManager* const log = Debug::LogManager::getInstance();
+    return log != nullptr ? log->getReporter(reporterName) : nullptr;
 }
 
 } // namespace ZUNO::Common

@@ -19,6 +19,8 @@ protected:
 
 private:
     friend class IntrusiveCount;
+    template <typename Base, typename T>
+    friend void destroyAroundCount(T* object, std::int32_t holders);
 
     std::int32_t mReferenceCount = 0;
 };
@@ -36,6 +38,8 @@ protected:
 
 private:
     friend class LockedCount;
+    template <typename Base, typename T>
+    friend void destroyAroundCount(T* object, std::int32_t holders);
 
     std::int32_t mReferenceCount = 0;
     Platform::Mutex mMutex;

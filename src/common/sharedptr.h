@@ -94,18 +94,19 @@ public:
     /// True when nothing else holds the object, or when there is none. Read without the lock.
     bool isLastReference() const { return mPtr == nullptr || this->counting().count(mPtr) == 1; }
 
-    /// Destroys the object even while others hold it (which is reported); they must not use it
-    /// any more, only drop it. For shut-down alone.
+    /// For shut-down: deletes the object even if other SharedPtrs hold it (reported). Those may
+    /// only be assigned or destroyed afterwards, not dereferenced. The storage of an object that
+    /// carries its count is then not given back; an allocator lives on until the last of them goes.
     void destroy() {
-        if (mPtr == nullptr)
+        if (mPtr == nullptr || isLastReference()) {
+            release();
             return;
+        }
         T* const object = mPtr;
-        if (this->counting().decrement(object))
-            this->counting().dropCounter();
-        else
-            ZUNO_REPORT("", "there are other references to the object, delete it anyways");
         mPtr = nullptr;
-        ObjectPolicy<T>::destroy(object);
+        this->counting().decrement(object);
+        ZUNO_REPORT("", "there are other references to the object, delete it anyways");
+        this->counting().template destroyHeld<ObjectPolicy<T>>(object);
     }
 
 private:

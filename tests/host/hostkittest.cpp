@@ -1,3 +1,4 @@
+#include "common/interface.h"
 #include "hostkit/session.h"
 #include "tests/support/tempfolder.h"
 
@@ -113,6 +114,20 @@ TEST_F(HostKitTest, SessionsAreClosedOnce) {
     const HostKit::Session second(mesh);
     EXPECT_EQ(first.close().mPeakBytes, figures.mPeakBytes);
     EXPECT_EQ(Pathfinder::Interface::getGroundHeight({20, 20}), 5) << "the second one runs on";
+}
+
+TEST(HostKitFoundationTest, LeavesAFoundationOfTheHostsRunning) {
+    for (const bool isHosts : {true, false}) {
+        if (isHosts)
+            Common::initLibrary({});
+        {
+            const HostKit::Foundation outer;
+            { const HostKit::Foundation inner; }
+            EXPECT_TRUE(Common::isLibraryRunning());
+        }
+        EXPECT_EQ(Common::isLibraryRunning(), isHosts);
+        Common::closeLibrary();
+    }
 }
 
 } // namespace ZUNO::Tests

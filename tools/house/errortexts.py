@@ -23,6 +23,7 @@ TEXT_ARGUMENT = {"Argument": 1, "File": 2, "Directory": 1}
 ALL = object()
 CARRIERS = {
     "ZUNO_REPORT": ("report", [1], ""),
+    "ZUNO_REPORT_AT": ("report", [1], ""),
     "ZUNO_CHECK": ("report", [1], ""),
     "ZUNO_CHECK_AS": ("report", [2], ""),
     "found": ("finding", ALL, "src/navmesh/meshdefects"),
@@ -97,7 +98,7 @@ def pattern_of(expression, source, place):
     pattern = ""
     for term in split(expression, ["+", "<<"]):
         term = re.sub(r"\.getConstCharPtr\(\)$|\.c_str\(\)$", "", term)
-        wrapped = re.fullmatch(r"(?:Common::|std::)?[Ss]tring\((%s)(?:, processHeap\(\))?\)" % STRING, term)
+        wrapped = re.fullmatch(r"(?:Common::|std::)?[Ss]tring\((%s)(?:, [\w:]+\(\))?\)" % STRING, term)
         term = wrapped.group(1) if wrapped else term
         if re.fullmatch(r"(?:(?:%s)\s*)+" % LITERAL.pattern, term):
             pattern += value_of(term)

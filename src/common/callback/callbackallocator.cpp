@@ -16,6 +16,7 @@ CallbackAllocator::~CallbackAllocator() {
 
 void* CallbackAllocator::allocate(std::uint64_t size) {
     ++mCount;
+    const Platform::MutexLock lock(mMutex);
     return mCallback->allocateMemory(static_cast<unsigned int>(size));
 }
 
@@ -23,6 +24,7 @@ void CallbackAllocator::free(void* ptr) {
     if (ptr == nullptr)
         return;
     --mCount;
+    const Platform::MutexLock lock(mMutex);
     mCallback->freeMemory(ptr);
 }
 
@@ -34,6 +36,7 @@ void* CallbackAllocator::operator new(std::size_t size,
     } catch (Exceptions::Exception* exception) {
         delete exception;
     } catch (...) {
+        // whatever the host throws: there is no memory
     }
     if (storage != nullptr && !Pending::push(storage, size, callback)) {
         callback->freeMemory(storage);

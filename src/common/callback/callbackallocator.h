@@ -2,6 +2,7 @@
 
 #include "common/callback/memorycallback.h"
 #include "common/memory/allocator.h"
+#include "common/platform/mutex.h"
 
 #include <atomic>
 
@@ -10,6 +11,9 @@ namespace ZUNO::Common::Callback {
 /// Draws from the host's callback, and lives in the callback's memory itself.
 /// Hands on what the callback gives, null included. Only the low 32 bits of a size get through.
 /// Reports blocks that are still outstanding when it is destroyed.
+/// Thread: several allocators with locks of their own stand over this one, so it has a lock around
+/// the callback, which is therefore never entered by two threads at once. It does not count as safe
+/// for several threads all the same: what stands over it needs its lock for itself.
 class CallbackAllocator : public Memory::Allocator {
 public:
     /// Storage from the callback, which the new object then keeps. Null when it yields nothing.
@@ -25,8 +29,9 @@ public:
     bool isClean() override { return mCount == 0; }
 
 private:
-    std::atomic<std::uint64_t> mCount = 0; ///< several locked allocators may share this one
+    std::atomic<std::uint64_t> mCount = 0; ///< `isClean` reads it without the lock
     SharedPtr<MemoryCallback> mCallback;
+    Platform::Mutex mMutex;
 };
 
 } // namespace ZUNO::Common::Callback

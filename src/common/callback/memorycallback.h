@@ -3,8 +3,9 @@
 namespace ZUNO::Common::Callback {
 
 /// The host's memory, from which the library takes all of its own. The host derives from this
-/// class and hands an object over as `SharedPtr<MemoryCallback>`; the library calls it on the
-/// thread that calls the library, never on one of its own.
+/// class and hands an object over as `SharedPtr<MemoryCallback>`.
+/// Thread: the library calls it on the thread that calls the library, never on one of its own, and
+/// never on two threads at once.
 /// The order of the virtual functions is part of the binary interface.
 class MemoryCallback {
 public:

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace ZUNO::Common::Container {
 
@@ -83,8 +84,9 @@ public:
 
     /// Stores a copy and returns its id. On an exception nothing has changed.
     std::uint32_t insert(const T& value) {
+        FormerSlots former{mAllocator}; // `value` may lie in there
         if (mFreeHead == mCapacity)
-            grow(static_cast<std::uint32_t>(static_cast<double>(mCapacity) * 1.5) + 1);
+            former.mSlots = grow(static_cast<std::uint32_t>(mCapacity * 1.5) + 1);
         const std::uint32_t id = mFreeHead;
         Slot& slot = mSlots[id];
         const std::uint32_t nextFree = slot.mRoom.mNextFree;
@@ -165,18 +167,29 @@ private:
         }
     }
 
-    void grow(std::uint32_t capacity) {
+    /// Storage that was outgrown, given back at the end of a block.
+    struct FormerSlots {
+        const SharedPtr<Memory::Allocator>& mAllocator;
+        Slot* mSlots = nullptr;
+        ~FormerSlots() {
+            if (mSlots != nullptr)
+                Memory::releaseBytes(mAllocator, mSlots);
+        }
+    };
+
+    /// Returns the former slots, whose bytes were copied.
+    Slot* grow(std::uint32_t capacity) {
         Slot* const slots = allocateSlots(mAllocator, std::size_t{capacity} + 1);
         std::memcpy(static_cast<void*>(slots), static_cast<const void*>(mSlots),
                     (std::size_t{mCapacity} + 1) * sizeof(Slot));
-        Memory::releaseBytes(mAllocator, mSlots);
-        mSlots = slots;
+        Slot* const former = std::exchange(mSlots, slots);
         for (std::uint32_t id = mCapacity; id < capacity; ++id)
             mSlots[id].setFree(id + 1);
         mSlots[capacity].setFree(capacity);
         if (mBegin == mCapacity)
             mBegin = capacity;
         mCapacity = capacity;
+        return former;
     }
 
     std::uint32_t nextValid(std::uint32_t id) const {

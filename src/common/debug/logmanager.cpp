@@ -2,6 +2,9 @@
 
 #include "common/memory/objectcreation.h"
 
+#include <tuple>
+#include <utility>
+
 namespace ZUNO::Common::Debug {
 
 LogManager::LogManager()
@@ -17,7 +20,10 @@ LogManager::~LogManager() {
 }
 
 LogReporter* LogManager::createReporter(const String& name) {
-    const auto [place, isNew] = mRegistry.try_emplace(name, nullptr);
+    // The key is made with the manager's allocator: a plain copy would draw from the strings'.
+    const auto [place, isNew] =
+        mRegistry.emplace(std::piecewise_construct, std::forward_as_tuple(name, mAllocator),
+                          std::forward_as_tuple(nullptr));
     if (!isNew)
         return nullptr;
     try {

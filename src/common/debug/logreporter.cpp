@@ -48,9 +48,11 @@ void LogReporter::log(std::uint32_t type, const String& message, const String& f
         return;
     mManager->dispatch(this, {type, message, mName, function, file, line});
     if ((type & mBreakMask) != 0) {
-        // the text of a log break brings its own "Error Message: "
-        ZUNO_REPORT("", "\nError Message: " << message << "\nLogBreak ErrorType: " << typeName(type)
-                                            << "\nInstance: " << mName);
+        // The text of a log break brings its own "Error Message: ", and its place is the logger's.
+        ZUNO_REPORT_AT("",
+                       "\nError Message: " << message << "\nLogBreak ErrorType: " << typeName(type)
+                                           << "\nInstance: " << mName,
+                       file.getConstCharPtr(), line);
     }
 }
 

@@ -13,6 +13,7 @@ public:
     LogReporter(const String& name, LogManager* manager);
 
     /// Passes a message of one type on to the manager; types outside the log mask are dropped.
+    /// Reports types of the break mask, with the file and line that are given here.
     void log(std::uint32_t type, const String& message, const String& function, const String& file,
              std::uint32_t line);
 

@@ -1,9 +1,11 @@
 #include "common/debug/trace.h"
 
 #include "common/memory/globalallocators.h"
+#include "common/memory/objectcreation.h"
 #include "common/platform/tracechannel.h"
 #include "common/report/report.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -28,12 +30,24 @@ std::size_t valueLength(unsigned int valueType, const char* value) {
     }
 }
 
+/// Sends one message of `length` characters of a text; returns whether a viewer took it.
+bool sendPiece(unsigned int code, const char* text, std::size_t length, bool isWhole) {
+    if (isWhole)
+        return Platform::sendTraceMessage(code, text, static_cast<std::uint32_t>(length + 1));
+    const std::string piece(text, length); // with a zero of its own
+    return Platform::sendTraceMessage(code, piece.c_str(), static_cast<std::uint32_t>(length + 1));
+}
+
 std::uint16_t sendText(unsigned int code, const char* text, std::size_t length) {
-    if (length >= std::numeric_limits<std::uint32_t>::max())
-        return 0;
-    const bool sent =
-        Platform::sendTraceMessage(code, text, static_cast<std::uint32_t>(length + 1));
-    return sent ? static_cast<std::uint16_t>(length) : std::uint16_t{0};
+    std::size_t sent = 0;
+    do {
+        const std::size_t left = length - sent;
+        const std::size_t piece = std::min<std::size_t>(left, Platform::longestTraceText);
+        if (!sendPiece(code, text + sent, piece, piece == left))
+            break;
+        sent += piece;
+    } while (sent < length);
+    return static_cast<std::uint16_t>(sent);
 }
 
 } // namespace
@@ -43,8 +57,7 @@ char* Trace::m_writestr = nullptr;
 void Trace::init() {
     ZUNO_CHECK(!m_writestr, "Debug::Trace is already initialised");
     close();
-    m_writestr = static_cast<char*>(Memory::allocateBytes(gDebugAllocator, 1, bufferSize));
-    std::memset(m_writestr, 0, bufferSize);
+    m_writestr = Memory::createArray<char>(gDebugAllocator, bufferSize);
 }
 
 void Trace::close() {

@@ -20,8 +20,9 @@ public:
     /// Stops the channel and gives its buffer back.
     static void close();
 
-    /// Sends a text with TRACE_ERROR or TRACE_MESSAGE. Returns the number of characters sent,
-    /// as 16 bits; 0 when no viewer took it.
+    /// Sends a text with TRACE_ERROR or TRACE_MESSAGE; where the transport carries no longer ones,
+    /// as several messages of 128 KiB. Returns the number of characters sent, as 16 bits; 0 when
+    /// no viewer took them.
     static std::uint16_t send(unsigned int code, const std::stringstream& text);
     static std::uint16_t send(unsigned int code, const char* text);
 

@@ -9,27 +9,28 @@ namespace {
 /// Appends the frames of a walk to a call stack, but for those of the capture itself.
 class Collector : public Platform::StackVisitor {
 public:
-    Collector(CallStack& stack, const SharedPtr<Memory::Allocator>& allocator)
-        : mStack(stack), mAllocator(allocator) {}
+    explicit Collector(CallStack::Entries& entries) : mEntries(entries) {}
 
     void visit(const Platform::StackFrame& frame) override {
         if (mSkipped < ownFrames) {
             ++mSkipped;
             return;
         }
-        CallStackEntry entry(mAllocator);
-        entry.mFunction = String(frame.mFunction, mAllocator);
-        entry.mFile = String(frame.mFile, mAllocator);
+        CallStackEntry& entry = mEntries.emplace_back(mEntries.get_allocator().handle());
         entry.mLine = frame.mLine;
-        entry.mModule = String(frame.mModule, mAllocator);
-        mStack.append(entry);
+        set(entry.mFunction, frame.mFunction);
+        set(entry.mFile, frame.mFile);
+        set(entry.mModule, frame.mModule);
     }
 
 private:
     static constexpr int ownFrames = 2;
 
-    CallStack& mStack;
-    SharedPtr<Memory::Allocator> mAllocator;
+    void set(String& target, const char* text) {
+        target = String(text, mEntries.get_allocator().handle());
+    }
+
+    CallStack::Entries& mEntries;
     int mSkipped = 0;
 };
 
@@ -37,7 +38,7 @@ private:
 
 __attribute__((noinline)) void CallStack::capture() {
     mEntries.clear();
-    Collector collector(*this, mEntries.get_allocator().handle());
+    Collector collector(mEntries);
     Platform::walkStack(collector);
 }
 
@@ -46,23 +47,17 @@ String CallStack::format(unsigned int flags) const {
     if (flags == 0)
         return text;
     for (const CallStackEntry& entry : mEntries) {
-        bool started = false;
-        if ((flags & CALLSTACK_MODULE) != 0) {
-            text += entry.mModule;
-            started = true;
-        }
-        if ((flags & CALLSTACK_FILE_AND_LINE) != 0) {
-            if (started)
-                text += ", ";
-            text += entry.mFile + " (" + String(entry.mLine) + ")";
-            started = true;
-        }
-        if ((flags & CALLSTACK_FUNCTION) != 0) {
-            if (started)
-                text += ": ";
-            text += entry.mFunction;
-        }
-        text += "\n   ";
+        String line;
+        const auto add = [&](unsigned int flag, const char* separator, const String& known,
+                             const String& part) {
+            if ((flags & flag) != 0 && !known.isEmpty())
+                line += line.isEmpty() ? part : separator + part;
+        };
+        add(CALLSTACK_MODULE, "", entry.mModule, entry.mModule);
+        add(CALLSTACK_FILE_AND_LINE, ", ", entry.mFile,
+            entry.mFile + " (" + String(entry.mLine) + ")");
+        add(CALLSTACK_FUNCTION, ": ", entry.mFunction, entry.mFunction);
+        text += line + "\n   ";
     }
     return text;
 }

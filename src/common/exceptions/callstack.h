@@ -4,14 +4,19 @@
 #include "common/memory/stlallocator.h"
 
 #include <cstdint>
-#include <vector>
+#include <list>
 
 namespace ZUNO::Common::Debug {
 
-/// One call; what could not be resolved is empty or 0.
+/// One call; what could not be resolved is empty or 0. All texts come from one allocator.
 struct CallStackEntry {
     explicit CallStackEntry(const SharedPtr<Memory::Allocator>& allocator)
         : mFunction(allocator), mFile(allocator), mModule(allocator) {}
+    CallStackEntry(const CallStackEntry& other, const SharedPtr<Memory::Allocator>& allocator)
+        : mFunction(other.mFunction, allocator), mFile(other.mFile, allocator), mLine(other.mLine),
+          mModule(other.mModule, allocator) {}
+    CallStackEntry(const CallStackEntry&) = delete;
+    CallStackEntry& operator=(const CallStackEntry&) = delete;
 
     String mFunction;
     String mFile;
@@ -29,24 +34,27 @@ enum CallStackFlags : unsigned int {
 /// The calls that led to a place, innermost first.
 class CallStack {
 public:
+    using Entries = std::list<CallStackEntry, Memory::STLAllocator<CallStackEntry>>;
+
     /// An empty stack that draws from `allocator`.
     explicit CallStack(const SharedPtr<Memory::Allocator>& allocator) : mEntries(allocator) {}
 
     /// Fills the stack with the calling thread's calls, without this one and the stack walker.
     void capture();
 
-    void append(const CallStackEntry& entry) { mEntries.push_back(entry); }
-    void clear() { mEntries.clear(); }
-    const std::vector<CallStackEntry, Memory::STLAllocator<CallStackEntry>>& entries() const {
-        return mEntries;
+    void append(const CallStackEntry& entry) {
+        mEntries.emplace_back(entry, mEntries.get_allocator().handle());
     }
+    void clear() { mEntries.clear(); }
+    const Entries& entries() const { return mEntries; }
 
-    /// "module, file (line): function", with the parts that `flags` names, for each entry; each
-    /// ends in a line break and three blanks. No flags give the empty text.
+    /// Returns "module, file (line): function" for each entry, with the parts that `flags` names
+    /// and that are known; each ends in a line break and three blanks. No flags give the empty
+    /// text.
     String format(unsigned int flags) const;
 
 private:
-    std::vector<CallStackEntry, Memory::STLAllocator<CallStackEntry>> mEntries;
+    Entries mEntries;
 };
 
 } // namespace ZUNO::Common::Debug

@@ -16,10 +16,12 @@ using Parameter = Container::Pair<String, String>;
 using ParameterList = std::list<Parameter, Memory::STLAllocator<Parameter>>;
 
 /// Root of all exceptions. They are thrown as pointers (`throw new X(...)`); whoever catches one
-/// owns it and deletes it, and must do so before the library that raised it is closed.
+/// owns it and deletes it.
 ///
-/// Storage and message come from the object allocator. Where that has nothing to give, they come
-/// from the process heap: an exception can always be made.
+/// Storage and message come from the object allocator, and when that has nothing to give from the
+/// process heap, or from a small reserve: an exception can be made in whatever state memory is.
+/// Lifetime: an exception may outlive the library that raised it. The allocator that it came from,
+/// and the host's callback behind that, then stay until the exception is deleted.
 class Exception {
 public:
     static void* operator new(std::size_t size);
@@ -57,7 +59,7 @@ public:
     Debug::CallStack& getCallStack() { return mCallStack; }
 
 protected:
-    /// A copy of a text that belongs to an exception, from the object allocator or the heap.
+    /// Returns a copy of a text that belongs to an exception, from where its storage comes from.
     static String keep(const String& text);
 
 private:

@@ -4,19 +4,18 @@
 
 namespace ZUNO::Common::Memory {
 
-/// Trouble with memory.
+/// Base of what is thrown about memory. A name needs no memory of the host's, which may have none.
 class MemoryException : public Exceptions::Exception {
 public:
     using Exception::Exception;
-    String getName() const override { return {"MemoryException", processHeap()}; }
+    String getName() const override;
 };
 
 /// No memory was left for a request.
 class OutOfMemoryException : public MemoryException {
 public:
     using MemoryException::MemoryException;
-    /// Needs no memory of the host's, which has none to give.
-    String getName() const override { return {"OutOfMemoryException", processHeap()}; }
+    String getName() const override;
 };
 
 } // namespace ZUNO::Common::Memory

@@ -1,14 +1,9 @@
 // Functions that throw on behalf of headers that the exceptions themselves are built on.
 #include "common/exceptions/argumentexceptions.h"
-#include "common/exceptions/memoryexceptions.h"
 #include "common/exceptions/stateexceptions.h"
 #include "common/report/indexerror.h"
 
 namespace ZUNO::Common {
-
-void Memory::throwOutOfMemory() {
-    throw new OutOfMemoryException(String("No Memory available", processHeap()));
-}
 
 void Exceptions::throwNullDereference() {
     throw new InvalidStateException("Try to dereference a NULL pointer");

@@ -1,40 +1,15 @@
 #include "common/memory/allocator.h"
 
-#include "common/exceptions/exception.h"
 #include "common/memory/managedstorage.h"
 #include "common/utility/immortal.h"
 
 #include <cstdlib>
-#include <limits>
 
 namespace ZUNO::Common::Memory {
 
 const SharedPtr<Allocator>& processHeap() {
     static constinit Utility::Immortal<SharedPtr<Allocator>> none;
     return none.mValue;
-}
-
-void* tryAllocateBytes(const SharedPtr<Allocator>& allocator, std::size_t size) noexcept {
-    if (allocator == nullptr)
-        return std::malloc(size != 0 ? size : 1);
-    try {
-        return allocator->allocate(size);
-    } catch (Exceptions::Exception* exception) {
-        delete exception;
-    } catch (
-        ...) { // a host's callback may throw what it likes: to us it is memory that isn't there
-    }
-    return nullptr;
-}
-
-void* allocateBytes(const SharedPtr<Allocator>& allocator, std::size_t count, std::size_t size) {
-    constexpr std::uint64_t limit = std::numeric_limits<std::uint32_t>::max();
-    if (size != 0 && count > limit / size)
-        throwOutOfMemory();
-    void* const storage = tryAllocateBytes(allocator, count * size);
-    if (storage == nullptr)
-        throwOutOfMemory();
-    return storage;
 }
 
 void releaseBytes(const SharedPtr<Allocator>& allocator, void* storage) noexcept {

@@ -12,10 +12,20 @@ namespace Memory {
 class Allocator;
 }
 
+/// The count of an allocator. What came from an allocator goes back to it, so one that is destroyed
+/// while others hold it (the library's, at shut-down) lives on until the last of them goes.
+class AllocatorCount : public LockedCount {
+public:
+    AllocatorCount() = default;
+    AllocatorCount(const LockedCount&) {} ///< that of a derived class: there is nothing to copy
+    template <typename Policy, typename T>
+    void destroyHeld(T*) {}
+};
+
 /// An allocator holds handles to allocators, so this must be known before the class is.
 template <>
 struct CountOf<Memory::Allocator> {
-    using Type = LockedCount;
+    using Type = AllocatorCount;
 };
 
 namespace Memory {
@@ -34,8 +44,8 @@ public:
 
     ~Allocator() override = default;
 
-    /// A block of at least `size` bytes. What happens when there is none is the implementation's:
-    /// null, or an OutOfMemoryException.
+    /// Returns a block of at least `size` bytes. What happens when there is none is the
+    /// implementation's: null, or an OutOfMemoryException.
     virtual void* allocate(std::uint64_t size) = 0;
     /// Gives a block back; null is ignored.
     virtual void free(void* ptr) = 0;
@@ -57,18 +67,21 @@ private:
     char mName[16];
 };
 
+/// What a request may ask for at most: what the allocators on its way add still fits 32 bits.
+inline constexpr std::uint32_t largestRequest = 0xFFFFFFFFU - 31;
+
 /// The null handle, which means the process heap.
 const SharedPtr<Allocator>& processHeap();
 
-/// Raises an OutOfMemoryException ("No Memory available"). Works without any memory of the host's.
+/// Throws an OutOfMemoryException ("No Memory available"), also when no memory of any kind is left.
 [[noreturn]] void throwOutOfMemory();
 
-/// Storage for `count` objects of `size` bytes from the allocator, or from the process heap for a
-/// null handle. Raises an OutOfMemoryException when there is none, and when the product does not
-/// fit 32 bits: no more of a size gets through to the host.
+/// Returns storage for `count` objects of `size` bytes from the allocator, or from the process heap
+/// for a null handle. Throws an OutOfMemoryException when there is none, and when the product does
+/// not fit 32 bits: no more of a size gets through to the host.
 void* allocateBytes(const SharedPtr<Allocator>& allocator, std::size_t count, std::size_t size);
 
-/// The same without exceptions: null instead, whatever the allocator throws.
+/// The same without exceptions. Returns null instead, whatever the allocator throws.
 void* tryAllocateBytes(const SharedPtr<Allocator>& allocator, std::size_t size) noexcept;
 
 /// Gives storage back to where it came from; null is ignored.

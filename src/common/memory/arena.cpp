@@ -13,10 +13,10 @@ Arena::~Arena() {
 }
 
 void Arena::beginBlock(std::size_t payload) {
-    constexpr std::size_t header = (sizeof(Block) + alignment - 1) / alignment * alignment;
-    if (payload > std::numeric_limits<std::uint32_t>::max() - header)
+    constexpr std::size_t header = roundUp(sizeof(Block));
+    if (payload > largestRequest - header - alignment)
         throwOutOfMemory();
-    const std::size_t size = std::max(mNextBlock, payload + header);
+    const std::size_t size = std::max(mNextBlock, roundUp(payload) + header);
     auto* const storage = static_cast<std::byte*>(allocateBytes(mAllocator, size, 1));
     mBlocks = ::new (storage) Block{mBlocks};
     mPosition = storage + header;

@@ -19,11 +19,11 @@ public:
     Arena(const Arena&) = delete;
     Arena& operator=(const Arena&) = delete;
 
-    /// Raises an OutOfMemoryException when there is no memory.
+    /// Throws an OutOfMemoryException when there is no memory.
     void* allocate(std::size_t size) {
-        size = (size + alignment - 1) / alignment * alignment;
         if (size > mRemaining)
             beginBlock(size);
+        size = roundUp(size); // what remains is a multiple of the alignment, so it still fits
         std::byte* const storage = mPosition;
         mPosition += size;
         mRemaining -= size;
@@ -38,6 +38,9 @@ private:
         Block* mNext;
     };
 
+    static constexpr std::size_t roundUp(std::size_t size) {
+        return (size + alignment - 1) / alignment * alignment;
+    }
     void beginBlock(std::size_t payload);
 
     Block* mBlocks = nullptr; ///< the one in use first

@@ -1,6 +1,6 @@
 #include "common/memory/freelistallocator.h"
 
-#include <limits>
+#include <cstdlib>
 
 namespace ZUNO::Common::Memory {
 
@@ -35,7 +35,7 @@ FreeListAllocator::FreeListAllocator(SharedPtr<Allocator> parent)
 FreeListAllocator::~FreeListAllocator() {
     for (Chunk* chunk = mChunks; chunk != nullptr;) {
         Chunk* const next = chunk->mNext;
-        mParent->free(chunk);
+        releaseBytes(mParent, chunk);
         chunk = next;
     }
 }
@@ -59,7 +59,7 @@ void FreeListAllocator::free(void* ptr) {
         return;
     Block* const block = Block::of(ptr);
     if (block->mChunk == nullptr) {
-        mParent->free(static_cast<std::byte*>(ptr) - Layout::largePrefix);
+        releaseBytes(mParent, static_cast<std::byte*>(ptr) - Layout::largePrefix);
         return;
     }
     Block*& head = mFree[block->mChunk->mSizeClass];
@@ -67,10 +67,21 @@ void FreeListAllocator::free(void* ptr) {
     head = block;
 }
 
+void* FreeListAllocator::askParent(std::uint64_t size) {
+    struct Asking {
+        bool& mIsAsking;
+        ~Asking() { mIsAsking = false; }
+    } const asking{mIsAsking};
+    mIsAsking = true;
+    return mParent == nullptr ? std::malloc(static_cast<std::size_t>(size))
+                              : mParent->allocate(size);
+}
+
 void* FreeListAllocator::allocateLarge(std::uint64_t size) {
-    if (size > std::numeric_limits<std::uint64_t>::max() - Layout::largePrefix)
+    // A root of allocators hands on the low 32 bits of a size, so the sum has to fit them.
+    if (mIsAsking || size > largestRequest)
         return nullptr;
-    auto* const storage = static_cast<std::byte*>(mParent->allocate(size + Layout::largePrefix));
+    auto* const storage = static_cast<std::byte*>(askParent(size + Layout::largePrefix));
     if (storage == nullptr)
         return nullptr;
     void* const payload = storage + Layout::largePrefix;
@@ -79,8 +90,12 @@ void* FreeListAllocator::allocateLarge(std::uint64_t size) {
 }
 
 void FreeListAllocator::refill(unsigned int sizeClass) {
+    // A parent without memory throws, and the exception's storage and texts are asked for here:
+    // to ask the parent again would never end.
+    if (mIsAsking)
+        return;
     const std::size_t size = Layout::chunkSize(sizeClass);
-    auto* const header = static_cast<Chunk*>(mParent->allocate(size));
+    auto* const header = static_cast<Chunk*>(askParent(size));
     if (!ZUNO_CHECK(header, "Cannot allocate memory block of size: " << size))
         return;
     const std::size_t count = Layout::blocksPerChunk(sizeClass);
@@ -124,7 +139,7 @@ std::uint64_t FreeListAllocator::releaseUnusedChunks() {
         if (chunk->mBlocks == 0) {
             *link = chunk->mNext;
             released += Layout::chunkSize(chunk->mSizeClass);
-            mParent->free(chunk);
+            releaseBytes(mParent, chunk);
         } else {
             chunk->mBlocks = static_cast<std::uint16_t>(Layout::blocksPerChunk(chunk->mSizeClass));
             link = &chunk->mNext;

@@ -44,11 +44,13 @@ struct FreeListLayout {
 /// one. Freed small blocks stay here until `compact` or the end. Not for several threads.
 class FreeListAllocator : public Allocator {
 public:
+    /// `parent`: where chunks and large blocks come from; a null handle is the process heap.
     explicit FreeListAllocator(SharedPtr<Allocator> parent);
     /// Gives every chunk back, whether its blocks are free or not; large blocks are not tracked.
     ~FreeListAllocator() override;
 
-    /// Null when the parent yields nothing (a chunk that is refused is reported).
+    /// Returns null when the parent yields nothing (a chunk that is refused is reported), when the
+    /// size is above `largestRequest`, and when the parent asks here for more while it is asked.
     void* allocate(std::uint64_t size) override;
     void free(void* ptr) override;
     /// Always true: outstanding blocks are not counted.
@@ -60,6 +62,7 @@ private:
     struct Block;
     struct Chunk;
 
+    void* askParent(std::uint64_t size);
     void* allocateLarge(std::uint64_t size);
     void refill(unsigned int sizeClass);
     void countBlocksInUse();
@@ -69,6 +72,7 @@ private:
     Block* mFree[FreeListLayout::classCount] = {};
     Chunk* mChunks = nullptr;
     SharedPtr<Allocator> mParent;
+    bool mIsAsking = false; ///< the parent, for memory
 };
 
 } // namespace ZUNO::Common::Memory

@@ -8,7 +8,6 @@ namespace {
 
 using AllocatorHandle = Utility::Immortal<SharedPtr<Memory::Allocator>>;
 
-constinit Utility::Immortal<SharedPtr<Callback::MemoryCallback>> theMemCallback;
 constinit AllocatorHandle theAllocator;
 constinit AllocatorHandle theDebugAllocator;
 constinit AllocatorHandle theObjectAllocator;
@@ -16,7 +15,6 @@ constinit AllocatorHandle theStringAllocator;
 
 } // namespace
 
-constinit SharedPtr<Callback::MemoryCallback>& gMemCallback = theMemCallback.mValue;
 constinit SharedPtr<Memory::Allocator>& gAllocator = theAllocator.mValue;
 constinit SharedPtr<Memory::Allocator>& gDebugAllocator = theDebugAllocator.mValue;
 constinit SharedPtr<Memory::Allocator>& gObjectAllocator = theObjectAllocator.mValue;

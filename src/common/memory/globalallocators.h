@@ -1,9 +1,12 @@
 #pragma once
 
-#include "common/callback/memorycallback.h"
 #include "common/memory/allocator.h"
 
 namespace ZUNO::Common {
+
+namespace Callback {
+class MemoryCallback;
+}
 
 /// The host's callback; null when none was given and while the foundation is closed.
 extern SharedPtr<Callback::MemoryCallback>& gMemCallback;

@@ -9,6 +9,7 @@ namespace ZUNO::Common::Memory {
 /// lock: call them only while no other thread uses the allocator.
 class ThreadSafeAllocator : public Allocator {
 public:
+    /// `wrapped` must not be null.
     explicit ThreadSafeAllocator(const SharedPtr<Allocator>& wrapped)
         : Allocator("ThreadSafe"), mWrapped(wrapped) {}
 

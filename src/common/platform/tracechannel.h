@@ -8,6 +8,9 @@ namespace ZUNO::Common::Platform {
 /// The name under which a viewer is found.
 inline constexpr char traceViewerName[] = "ZUNTraceWindow";
 
+/// The longest text that one message carries, without its zero.
+extern const std::uint32_t longestTraceText;
+
 /// Sends one message to the trace viewer of this user, looked up anew with every call.
 /// Never waits for the viewer where the transport allows it. Returns false, and drops the
 /// message, when no viewer runs or when it can't take the message now.

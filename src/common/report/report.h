@@ -28,10 +28,13 @@ inline bool failCheck(const char* expression, const ReportText& text, const char
 
 } // namespace ZUNO::Common::Debug
 
-/// Reports without a check. `message` is streamed: ZUNO_REPORT("id < n", "bad id " << id).
-#define ZUNO_REPORT(expression, message)                                                           \
+/// Reports on behalf of another place.
+#define ZUNO_REPORT_AT(expression, message, file, line)                                            \
     ::ZUNO::Common::Debug::report(expression, ::ZUNO::Common::Debug::ReportText() << message,      \
-                                  __FILE__, __LINE__)
+                                  file, line)
+
+/// Reports without a check. `message` is streamed: ZUNO_REPORT("id < n", "bad id " << id).
+#define ZUNO_REPORT(expression, message) ZUNO_REPORT_AT(expression, message, __FILE__, __LINE__)
 
 /// Yields whether `condition` holds, and reports `message` with the given expression when not:
 /// if (!ZUNO_CHECK_AS(mesh != nullptr, "mesh", "there is no mesh")) return -1;

@@ -5,16 +5,26 @@
 #include <charconv>
 #include <concepts>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 
 namespace ZUNO::Common::Debug {
 
 /// The explanatory text of a report, put together by streaming texts and numbers.
-/// It lives in place and never allocates, so that a lack of memory can be reported too.
-/// What does not fit is cut, and the text then ends in "...".
+/// Any length: a text that outgrows the room in place moves to the process heap. Only when that is
+/// exhausted is the text cut, and then ends in "...": a lack of memory can be reported too.
 class ReportText {
 public:
-    static constexpr std::size_t capacity = 2048;
+    /// What is there without the heap, the terminating zero included.
+    static constexpr std::size_t roomInPlace = 2048;
+
+    ReportText() : mText(mInPlace) { mInPlace[0] = '\0'; }
+    ~ReportText() {
+        if (mText != mInPlace)
+            std::free(mText);
+    }
+    ReportText(const ReportText&) = delete;
+    ReportText& operator=(const ReportText&) = delete;
 
     ReportText& operator<<(const char* text) {
         append(text, std::strlen(text));
@@ -41,14 +51,18 @@ public:
         return *this;
     }
 
-    /// The zero-terminated text so far.
+    /// The zero-terminated text so far. Lifetime: until more is appended.
     const char* text() const { return mText; }
 
     void append(const char* text, std::size_t length);
 
 private:
+    void grow(std::size_t length);
+
+    char* mText;
     std::size_t mLength = 0;
-    char mText[capacity] = "";
+    std::size_t mRoom = roomInPlace;
+    char mInPlace[roomInPlace];
 };
 
 } // namespace ZUNO::Common::Debug

@@ -26,29 +26,52 @@ protected:
     }
 };
 
+// Both chains of allocators stand over the host's callback, which counts without a lock of its own.
 TEST_F(ThreadsTest, AllocatorsAndTheirHandlesAreShared) {
-    for (const SharedPtr<Memory::Allocator>& shared : {gObjectAllocator, NavMesh::getAllocator()})
-        runInThreads([&](unsigned int seed) {
-            std::mt19937 random(seed);
-            std::vector<std::pair<unsigned char*, std::size_t>> blocks;
-            for (int i = 0; i < 4000; ++i) {
-                const SharedPtr<Memory::Allocator> handle(shared); // counted under a lock
-                if (random() % 2 == 0 || blocks.empty()) {
-                    const std::size_t size = random() % 400;
-                    auto* const block = static_cast<unsigned char*>(handle->allocate(size));
-                    std::memset(block, static_cast<int>(seed), size);
-                    blocks.emplace_back(block, size);
-                } else {
-                    const auto [block, size] = blocks.back();
-                    for (std::size_t k = 0; k < size; ++k)
-                        ASSERT_EQ(block[k], seed);
-                    handle->free(block);
-                    blocks.pop_back();
-                }
+    runInThreads([&](unsigned int seed) {
+        const SharedPtr<Memory::Allocator>& shared =
+            seed % 2 == 0 ? gObjectAllocator : NavMesh::getAllocator();
+        std::mt19937 random(seed);
+        std::vector<std::pair<unsigned char*, std::size_t>> blocks;
+        for (int i = 0; i < 4000; ++i) {
+            const SharedPtr<Memory::Allocator> handle(shared); // counted under a lock
+            if (random() % 2 == 0 || blocks.empty()) {
+                const std::size_t size = random() % 400;
+                auto* const block = static_cast<unsigned char*>(handle->allocate(size));
+                std::memset(block, static_cast<int>(seed), size);
+                blocks.emplace_back(block, size);
+            } else {
+                const auto [block, size] = blocks.back();
+                for (std::size_t k = 0; k < size; ++k)
+                    ASSERT_EQ(block[k], seed);
+                handle->free(block);
+                blocks.pop_back();
             }
-            for (const auto& [block, size] : blocks)
-                shared->free(block);
-        });
+        }
+        for (const auto& [block, size] : blocks)
+            shared->free(block);
+    });
+    EXPECT_EQ(mMemory->mWrongFrees, 0U);
+}
+
+TEST_F(ThreadsTest, AMutexIsItsThreadsUntilEachLockIsGivenBack) {
+    Platform::Mutex mutex;
+    const auto isFree = [&] {
+        bool isTaken = false;
+        std::thread([&] {
+            isTaken = mutex.tryLock();
+            if (isTaken)
+                mutex.unlock();
+        }).join();
+        return isTaken;
+    };
+    mutex.lock();
+    EXPECT_TRUE(mutex.tryLock()) << "recursive";
+    EXPECT_FALSE(isFree());
+    mutex.unlock();
+    EXPECT_FALSE(isFree());
+    mutex.unlock();
+    EXPECT_TRUE(isFree());
 }
 
 TEST_F(ThreadsTest, SearchesOfTheirOwnShareOneGraph) {

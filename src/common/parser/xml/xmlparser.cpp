@@ -5,8 +5,6 @@
 #include "common/memory/objectcreation.h"
 #include "common/parser/xml/xmlparserexception.h"
 
-#include <limits>
-
 namespace ZUNO::Common::Parser::XML {
 
 XMLParser::XMLParser() : mScanner(mAllocator), mBuilder(nullptr), mIncluded(mAllocator) {
@@ -49,7 +47,7 @@ void XMLParser::readDocument(IO::Stream* stream) {
     Memory::releaseBytes(mAllocator, mBuffer);
     mBuffer = nullptr;
     const std::int64_t length = stream->getLength();
-    if (length < 0 || length >= std::int64_t{std::numeric_limits<std::uint32_t>::max()})
+    if (length < 0 || length >= std::int64_t{Memory::largestRequest})
         throw new IO::IOException(unreadable);
     const auto size = static_cast<std::size_t>(length);
     mBuffer = static_cast<char*>(Memory::allocateBytes(mAllocator, size + 1, 1));

@@ -1,5 +1,6 @@
 #include "common/platform/stackwalker.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <cxxabi.h>
@@ -25,6 +26,7 @@ struct Free {
 void visitAddress(StackVisitor& visitor, void* address) {
     StackFrame frame;
     std::unique_ptr<char, Free> readable;
+    char place[32];
     Dl_info info;
     if (dladdr(address, &info) != 0) {
         if (info.dli_fname != nullptr)
@@ -32,6 +34,11 @@ void visitAddress(StackVisitor& visitor, void* address) {
         if (info.dli_sname != nullptr) {
             readable.reset(abi::__cxa_demangle(info.dli_sname, nullptr, nullptr, nullptr));
             frame.mFunction = readable ? readable.get() : info.dli_sname;
+        } else { // a hidden function: its place in the module, for a debugger
+            std::snprintf(place, sizeof(place), "+0x%zx",
+                          static_cast<std::size_t>(static_cast<const char*>(address) -
+                                                   static_cast<const char*>(info.dli_fbase)));
+            frame.mFunction = place;
         }
     }
     visitor.visit(frame);

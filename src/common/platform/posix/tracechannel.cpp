@@ -17,6 +17,9 @@
 
 namespace ZUNO::Common::Platform {
 
+// A packet has to fit into a socket's buffer, which the kernel makes about 200 KiB long by default.
+const std::uint32_t longestTraceText = 128 * 1024;
+
 namespace {
 
 struct Header {

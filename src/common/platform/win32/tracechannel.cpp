@@ -3,6 +3,7 @@
 #include "common/platform/win32/windows.h"
 
 #include <deque>
+#include <limits>
 #include <memory>
 #include <new>
 #include <vector>
@@ -10,6 +11,8 @@
 // A message is one WM_COPYDATA to the window of the viewer's class.
 
 namespace ZUNO::Common::Platform {
+
+const std::uint32_t longestTraceText = std::numeric_limits<std::uint32_t>::max() - 1;
 
 bool sendTraceMessage(std::uint32_t code, const void* payload, std::uint32_t length) noexcept {
     const HWND viewer = FindWindowA(traceViewerName, nullptr);

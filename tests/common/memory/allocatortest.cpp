@@ -1,9 +1,15 @@
+#include "common/callback/callbackfilestream.h"
+#include "common/exceptions/argumentexceptions.h"
+#include "common/memory/arena.h"
 #include "common/memory/defaultallocator.h"
 #include "common/memory/freelistallocator.h"
 #include "common/memory/memorymanaged.h"
 #include "common/memory/objectcreation.h"
 #include "common/memory/threadsafeallocator.h"
+#include "common/parser/xml/xmlparser.h"
 #include "tests/support/foundation.h"
+#include "tests/support/memoryfiles.h"
+#include "tests/support/recordingallocator.h"
 
 #include <map>
 #include <random>
@@ -14,27 +20,6 @@ using namespace Common;
 using namespace Common::Memory;
 
 namespace {
-
-/// The heap, with a memory of what was asked.
-class Parent : public Allocator {
-public:
-    Parent() : Allocator("a name of 20 letters") {}
-    void* allocate(std::uint64_t size) override {
-        if (mIsEmpty)
-            return nullptr;
-        void* const block = std::malloc(static_cast<std::size_t>(size));
-        mSizes[block] = size;
-        return block;
-    }
-    void free(void* ptr) override {
-        EXPECT_EQ(mSizes.erase(ptr), 1U);
-        std::free(ptr);
-    }
-    bool isClean() override { return mSizes.empty(); }
-
-    std::map<void*, std::uint64_t> mSizes;
-    bool mIsEmpty = false;
-};
 
 struct Managed : MemoryManaged {
     explicit Managed(bool fails = false) {
@@ -53,14 +38,14 @@ struct Holder : Managed {
 
 } // namespace
 
-class MemoryTest : public FoundationTest {
+class AllocatorTest : public FoundationTest {
 protected:
-    MemoryTest() : mParent(new Parent), mHandle(mParent) {}
-    Parent* mParent;
+    AllocatorTest() : mParent(new RecordingAllocator), mHandle(mParent) {}
+    RecordingAllocator* mParent;
     SharedPtr<Allocator> mHandle;
 };
 
-TEST_F(MemoryTest, FreeListServesEachSizeFromItsClass) {
+TEST_F(AllocatorTest, FreeListServesEachSizeFromItsClass) {
     struct Case {
         std::uint64_t mRequest;
         unsigned int mClass; ///< 0: a block of its own from the parent
@@ -90,7 +75,7 @@ TEST_F(MemoryTest, FreeListServesEachSizeFromItsClass) {
     EXPECT_TRUE(mParent->isClean()) << "chunks go with their allocator";
 }
 
-TEST_F(MemoryTest, FreeListBehavesLikeMallocUnderRandomUse) {
+TEST_F(AllocatorTest, FreeListBehavesLikeMallocUnderRandomUse) {
     FreeListAllocator allocator(mHandle);
     std::mt19937 random(4);
     std::map<unsigned char*, std::pair<std::size_t, unsigned char>> blocks;
@@ -130,7 +115,7 @@ TEST_F(MemoryTest, FreeListBehavesLikeMallocUnderRandomUse) {
     EXPECT_TRUE(mParent->isClean());
 }
 
-TEST_F(MemoryTest, CompactKeepsChunksInUse) {
+TEST_F(AllocatorTest, CompactKeepsChunksInUse) {
     FreeListAllocator allocator(mHandle);
     void* const used = allocator.allocate(1);
     EXPECT_EQ(allocator.compact(), 0U);
@@ -141,18 +126,51 @@ TEST_F(MemoryTest, CompactKeepsChunksInUse) {
     EXPECT_NE(allocator.allocate(1), nullptr) << "a new chunk comes";
 }
 
-TEST_F(MemoryTest, FreeListPassesOnThatThereIsNoMemory) {
+TEST_F(AllocatorTest, FreeListPassesOnThatThereIsNoMemory) {
     FreeListAllocator allocator(mHandle);
     mParent->mIsEmpty = true;
     EXPECT_EQ(allocator.allocate(8), nullptr);
     EXPECT_EQ(allocator.allocate(252), nullptr);
-    EXPECT_EQ(allocator.allocate(~std::uint64_t{0}), nullptr);
     EXPECT_EQ(Reports::take(), Texts{"header|Cannot allocate memory block of size: " +
                                      std::to_string(FreeListLayout::chunkSize(3))});
     allocator.free(nullptr);
+    FreeListAllocator overHeap(processHeap());
+    for (const std::uint64_t size : {8, 300})
+        overHeap.free(overHeap.allocate(size));
+    EXPECT_EQ(overHeap.compact(), FreeListLayout::chunkSize(3));
 }
 
-TEST_F(MemoryTest, AllocatorsReportWhatIsOutstanding) {
+// What an allocator adds to a size must not carry it over 32 bits, of which no more reach the host.
+TEST_F(AllocatorTest, SizesJustBelow4GiBAreRefusedAtEveryDoor) {
+    FreeListAllocator list(mHandle);
+    const std::unique_ptr<Arena> arena(createManaged<Arena>(mHandle));
+    auto* const files = new MemoryFiles;
+    files->mFiles["document"] = "<a><b/></a>";
+    Callback::CallbackFileStream document{SharedPtr<Callback::FileIOCallback>(files)};
+    const std::unique_ptr<Parser::XML::XMLParser> parser(
+        createManaged<Parser::XML::XMLParser>(gObjectAllocator));
+    document.open("document", IO::FACCESS_READ);
+    const std::string none = "OutOfMemoryException: No Memory available";
+    for (std::uint64_t size = 0xFFFFFFE1; size <= 0x100000010; ++size) {
+        SCOPED_TRACE(size);
+        EXPECT_EQ(list.allocate(size), nullptr);
+        files->mLength = static_cast<std::int64_t>(size);
+        EXPECT_EQ(raisedBy([&] { parser->parse(&document); }),
+                  "IOException: XMLParser: Cannot read complete file from stream");
+        if (size > 0xFFFFFFFF)
+            continue; // no longer a size on systems with 32 bits
+        const auto count = static_cast<std::size_t>(size);
+        EXPECT_EQ(tryAllocateBytes(gObjectAllocator, count), nullptr);
+        EXPECT_EQ(raisedBy([&] { allocateBytes(gObjectAllocator, count, 1); }), none);
+        EXPECT_EQ(raisedBy([&] { arena->allocate(count); }), none);
+        EXPECT_EQ(raisedBy([&] { ArenaAllocator<char>(*arena).allocate(count); }), none);
+        EXPECT_EQ(raisedBy([&] { STLAllocator<char>(gObjectAllocator).allocate(count); }), none);
+    }
+    EXPECT_TRUE(mParent->mRequests == 1 && mParent->mSizes.size() == 1) << "the arena itself";
+    document.close();
+}
+
+TEST_F(AllocatorTest, AllocatorsReportWhatIsOutstanding) {
     {
         DefaultAllocator allocator;
         void* const blocks[] = {allocator.allocate(1), allocator.allocate(0),
@@ -168,7 +186,7 @@ TEST_F(MemoryTest, AllocatorsReportWhatIsOutstanding) {
     EXPECT_STREQ(mParent->getName(), "a name of 20 l");
 }
 
-TEST_F(MemoryTest, ObjectsRememberTheirAllocator) {
+TEST_F(AllocatorTest, ObjectsRememberTheirAllocator) {
     auto* const object = createManaged<Holder>(mHandle, gObjectAllocator);
     EXPECT_EQ(object->allocator().get(), mParent);
     EXPECT_EQ(object->mMember.allocator().get(), nullptr);
@@ -187,7 +205,7 @@ TEST_F(MemoryTest, ObjectsRememberTheirAllocator) {
         << "a size beyond 32 bits";
 }
 
-TEST_F(MemoryTest, FoundationStartsAndClosesItsGlobals) {
+TEST_F(AllocatorTest, FoundationStartsAndClosesItsGlobals) {
     EXPECT_TRUE(gObjectAllocator->isThreadSafe());
     EXPECT_EQ(gObjectAllocator.get(), gStringAllocator.get());
     initLibrary(mCallback);
@@ -200,10 +218,45 @@ TEST_F(MemoryTest, FoundationStartsAndClosesItsGlobals) {
     EXPECT_EQ(Reports::take(), Texts{"mPtr|Try to dereference a NULL pointer"});
     initLibrary({});
     EXPECT_STREQ(getAllocator()->getName(), "Default");
+    initLibrary({});
+    initLibrary(mCallback); // which would go unused
+    EXPECT_EQ(Reports::take(), Texts{"gMemCallback == NULL|Common is already initialized !"});
     closeLibrary();
     EXPECT_EQ(getAllocator().get(), nullptr);
     initLibrary(mCallback);
     EXPECT_STREQ(getAllocator()->getName(), "Callback");
+}
+
+TEST_F(AllocatorTest, AStartWithoutMemoryLeavesTheFoundationClosed) {
+    closeLibrary();
+    for (unsigned int refused = 1; !isLibraryRunning(); ++refused) {
+        mMemory->mRequests = 0;
+        mMemory->mFailingRequest = refused;
+        const std::string raised = raisedBy([&] { initLibrary(mCallback); });
+        EXPECT_EQ(raised, isLibraryRunning() ? "" : "OutOfMemoryException: No Memory available");
+        EXPECT_EQ(isLibraryRunning(), mMemory->mRequests < refused);
+        for (const std::string& report : Reports::take())
+            EXPECT_TRUE(report.starts_with("header|") || report.starts_with("isClean()|"))
+                << report;
+    }
+    mMemory->mFailingRequest = 0;
+}
+
+TEST_F(AllocatorTest, WhatIsKeptOverAShutDownKeepsItsMemory) {
+    Exceptions::Exception* kept = nullptr;
+    try {
+        throw new Exceptions::ArgumentException("id", "a text that is too long for any string");
+    } catch (Exceptions::Exception* exception) {
+        kept = exception;
+    }
+    const Texts reported = {"|there are other references to the object, delete it anyways"};
+    closeLibrary();
+    EXPECT_EQ(Reports::take(), reported);
+    EXPECT_STREQ(kept->getMessage().getConstCharPtr(), "a text that is too long for any string");
+    delete kept;
+    EXPECT_TRUE(mMemory->mBlocks.empty());
+    EXPECT_EQ(mMemory->mWrongFrees, 0U);
+    initLibrary(mCallback);
 }
 
 } // namespace ZUNO::Tests

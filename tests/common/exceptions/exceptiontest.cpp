@@ -1,21 +1,18 @@
-// Exceptions, reports, message boxes, log.
 #include "common/debug/logmanager.h"
-#include "common/debug/trace.h"
-#include "common/debug/xmessagebox.h"
 #include "common/exceptions/argumentexceptions.h"
 #include "common/exceptions/stateexceptions.h"
 #include "common/io/ioexceptions.h"
 #include "common/memory/objectcreation.h"
 #include "common/parser/xml/xmlparserexception.h"
-#include "common/platform/messagebox.h"
 #include "tests/support/foundation.h"
+#include "tests/support/recordingallocator.h"
 
 namespace ZUNO::Tests {
 
 using namespace Common;
 using Exceptions::Exception;
 
-class DiagnosticsTest : public FoundationTest {};
+class ExceptionTest : public FoundationTest {};
 
 namespace {
 
@@ -27,7 +24,7 @@ struct Tracked : Exceptions::InvalidStateException {
 
 } // namespace
 
-TEST_F(DiagnosticsTest, ExceptionsNameThemselvesAndTheirParameters) {
+TEST_F(ExceptionTest, ExceptionsNameThemselvesAndTheirParameters) {
     struct Case {
         void (*mThrow)();
         const char* mRaised;
@@ -57,7 +54,7 @@ TEST_F(DiagnosticsTest, ExceptionsNameThemselvesAndTheirParameters) {
     }
 }
 
-TEST_F(DiagnosticsTest, ReportsOfExceptionsListInnerOnesAndParameters) {
+TEST_F(ExceptionTest, ReportsOfExceptionsListInnerOnesAndParameters) {
     int destroyed = 0;
     auto* const outer = new Exceptions::ArgumentException("id", "invalid id");
     EXPECT_STREQ(outer->getReport(0).getConstCharPtr(),
@@ -75,7 +72,7 @@ TEST_F(DiagnosticsTest, ReportsOfExceptionsListInnerOnesAndParameters) {
     delete outer;
 }
 
-TEST_F(DiagnosticsTest, CallStacksAreFormattedByFlags) {
+TEST_F(ExceptionTest, CallStacksAreFormattedByFlags) {
     Debug::CallStack stack(gDebugAllocator);
     Debug::CallStackEntry entry(gDebugAllocator);
     entry.mFunction = "run";
@@ -95,11 +92,31 @@ TEST_F(DiagnosticsTest, CallStacksAreFormattedByFlags) {
                             {9, "game: run\n   "},
                             {11, "game, a.cpp (7): run\n   "}})
         EXPECT_STREQ(stack.format(row.mFlags).getConstCharPtr(), row.mText) << row.mFlags;
-    stack.capture();
-    EXPECT_FALSE(stack.entries().empty());
+    stack.clear();
+    entry.mFile.clear();
+    stack.append(entry);
+    EXPECT_STREQ(stack.format(11).getConstCharPtr(), "game: run\n   ") << "no file, no line";
 }
 
-TEST_F(DiagnosticsTest, ExceptionsCanBeMadeWithoutAnyMemoryOfTheHosts) {
+TEST_F(ExceptionTest, CallStacksDrawFromTheirAllocatorAlone) {
+    auto* const recording = new RecordingAllocator;
+    {
+        const SharedPtr<Memory::Allocator> strings = gStringAllocator;
+        gStringAllocator = SharedPtr<Memory::Allocator>(recording);
+        Debug::CallStack stack(strings);
+        stack.capture();
+        EXPECT_FALSE(stack.entries().empty());
+        EXPECT_NE(Debug::LogManager::getInstance()->createReporter({"a name", strings}), nullptr);
+        EXPECT_EQ(recording->mRequests, 0U);
+        gStringAllocator = strings;
+    }
+    closeLibrary();
+    delete new Exception("made while it is closed");
+    EXPECT_EQ(Reports::take(), Texts{"mPtr|Try to dereference a NULL pointer"}) << "of its text";
+    initLibrary(mCallback);
+}
+
+TEST_F(ExceptionTest, ExceptionsCanBeMadeWithoutAnyMemoryOfTheHosts) {
     mMemory->mFailingRequest = mMemory->mRequests + 1;
     mMemory->mFailsOnwards = true;
     std::vector<void*> taken; // until the object allocator has nothing more to give
@@ -124,72 +141,12 @@ TEST_F(DiagnosticsTest, ExceptionsCanBeMadeWithoutAnyMemoryOfTheHosts) {
     initLibrary(mCallback);
 }
 
-TEST_F(DiagnosticsTest, MessageBoxesMapButtonsAndAnswers) {
-    using namespace Debug;
-    EXPECT_EQ(messageBoxStyle(MessageBoxButtons::YES_NO, MessageBoxIcon::WARNING), 0x34U);
-    EXPECT_EQ(messageBoxStyle(MessageBoxButtons::YES_NO_CANCEL, MessageBoxIcon::ERROR), 0x13U);
-    EXPECT_EQ(messageBoxStyle(MessageBoxButtons::OK_CANCEL, MessageBoxIcon::NONE), 0x1U);
-    EXPECT_EQ(messageBoxResult(Platform::BUTTON_OK), MessageBoxResult::OK);
-    EXPECT_EQ(messageBoxResult(Platform::BUTTON_YES), MessageBoxResult::YES);
-    EXPECT_EQ(messageBoxResult(Platform::BUTTON_NO), MessageBoxResult::NO);
-    EXPECT_EQ(messageBoxResult(Platform::BUTTON_CANCEL), MessageBoxResult::CANCEL);
-    EXPECT_EQ(messageBoxResult(99), MessageBoxResult::CANCEL);
-    EXPECT_EQ(Reports::take(),
-              Texts{"|Some buttons have been defined, which have no assigned returnvalue"});
-}
-
-namespace {
-
-struct Recorder : Debug::LogDispatcher {
-    void dispatch(const Debug::LogMessage& message) override {
-        mTexts.push_back(std::string(message.mReporter.getConstCharPtr()) + ":" +
-                         message.mMessage.getConstCharPtr());
+TEST_F(ExceptionTest, ReportsHaveNoLimitOfLength) {
+    for (const std::size_t length : {1, 2046, 2047, 2048, 300000}) {
+        const std::string text(length, 'x');
+        ZUNO_REPORT("", text.c_str() << 'y' << text.c_str());
+        EXPECT_EQ(Reports::take(), Texts{"|" + text + 'y' + text});
     }
-    std::vector<std::string> mTexts;
-};
-
-} // namespace
-
-TEST_F(DiagnosticsTest, LogMasksFilterAndBreak) {
-    Debug::LogManager& log = *Debug::LogManager::getInstance();
-    Debug::LogReporter* const reporter = log.createReporter("game");
-    EXPECT_EQ(log.createReporter("game"), nullptr);
-    EXPECT_EQ(log.getReporter("game"), reporter);
-    EXPECT_NE(log.getReporter("Common"), nullptr);
-    Recorder some;
-    Recorder all;
-    log.addDispatcher(0xFF, &all, true);
-    log.addDispatcher(0x05, &some, false);
-    const auto say = [&](std::uint32_t type, const char* text) {
-        reporter->log(type, text, "f", "file", 1);
-    };
-    say(Debug::DbgMsg, "1");
-    say(Debug::Warning, "2");
-    say(Debug::Message, "3");
-    EXPECT_EQ(Reports::take(), Texts{});
-    say(Debug::Error, "4");
-    EXPECT_EQ(Reports::list().size(), 1U);
-    EXPECT_EQ(Reports::list()[0].mText, "\nError Message: \nError Message: 4\nLogBreak ErrorType: "
-                                        "Error\nInstance: game");
-    Reports::take();
-    log.enableLogTypes(Debug::Message, false);
-    log.enableBreakTypes(Debug::Message, true);
-    say(Debug::Message, "dropped");
-    say(Debug::Message | Debug::DbgMsg, "5");
-    EXPECT_NE(Reports::take()[0].find("UNKNOWN"), std::string::npos);
-    EXPECT_EQ(some.mTexts, (Texts{"game:1", "game:3", "game:5", "game:5"}));
-    EXPECT_EQ(all.mTexts, (Texts{"game:1", "game:2", "game:3", "game:4", "game:5", "game:5"}));
-    log.removeDispatcher(0xFF, &all);
-    log.removeDispatcher(0xFF, &some);
-    say(Debug::Warning, "nobody hears");
-    EXPECT_EQ(all.mTexts.size(), 6U);
-    log.removeReporter(reporter);
-    EXPECT_EQ(log.getReporter("game"), nullptr);
-}
-
-TEST_F(DiagnosticsTest, TraceReportsASecondStart) {
-    Debug::Trace::init();
-    EXPECT_EQ(Reports::take(), Texts{"!m_writestr|Debug::Trace is already initialised"});
 }
 
 } // namespace ZUNO::Tests

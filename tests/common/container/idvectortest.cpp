@@ -1,0 +1,90 @@
+#include "common/container/idvector.h"
+#include "common/container/array.h"
+#include "tests/support/foundation.h"
+#include "tests/support/recordingallocator.h"
+
+#include <map>
+#include <random>
+#include <string>
+
+namespace ZUNO::Tests {
+
+using namespace Common;
+
+using IDVectorTest = FoundationTest;
+
+TEST_F(IDVectorTest, IdsAreReusedTheLatestFirst) {
+    Container::IDVector<String> items(gObjectAllocator);
+    EXPECT_EQ(items.insert("a"), 0U);
+    EXPECT_EQ(items.insert("b"), 1U);
+    EXPECT_EQ(items.insert("c"), 2U);
+    EXPECT_EQ(items.capacity(), 4U);
+    items.remove(1);
+    items.remove(2);
+    items.remove(1);
+    EXPECT_EQ(Reports::take(),
+              Texts{"isValidID(id)|Element with id '1' cannot be removed since it is invalid"});
+    EXPECT_EQ(items.insert("d"), 2U);
+    EXPECT_EQ(items.insert("e"), 1U);
+    items.remove(0);
+    EXPECT_EQ(items.begin().getID(), 1U);
+    EXPECT_FALSE(items.isValidID(items.capacity()));
+    EXPECT_EQ(raisedBy([&] { (void)items[0]; }).substr(0, 27), "ArgumentOutOfRangeException");
+    EXPECT_EQ(Reports::take(), Texts{"isValidID(id)|ID '0' points to an invalid item"});
+    Container::IDVector<String>::Iterator unbound;
+    ++unbound;
+    EXPECT_EQ(Reports::take(), Texts{"mOwner|Iterator is not bound to an IDVector"});
+    items.clear();
+    EXPECT_EQ(items.begin(), items.end());
+    EXPECT_EQ(items.insert("f"), 0U);
+}
+
+TEST_F(IDVectorTest, IdsBehaveAsTheModelUnderRandomUse) {
+    Container::IDVector<int> items(gObjectAllocator);
+    std::map<std::uint32_t, int> model;
+    std::vector<std::uint32_t> freed;
+    std::mt19937 random(9);
+    std::uint32_t used = 0;
+    for (int step = 0; step < 5000; ++step) {
+        if (random() % 5 < 3) {
+            const std::uint32_t id = items.insert(step);
+            if (!freed.empty()) {
+                EXPECT_EQ(id, freed.back());
+                freed.pop_back();
+            } else {
+                EXPECT_EQ(id, used++);
+            }
+            model[id] = step;
+        } else if (!model.empty()) {
+            const auto place =
+                std::next(model.begin(), static_cast<std::ptrdiff_t>(random() % model.size()));
+            items.remove(place->first);
+            freed.push_back(place->first);
+            model.erase(place);
+        }
+        ASSERT_EQ(items.size(), model.size());
+        if (step % 500 == 0) {
+            std::map<std::uint32_t, int> seen;
+            for (auto place = items.begin(); place != items.end(); ++place)
+                seen[place.getID()] = *place;
+            ASSERT_EQ(seen, model);
+        }
+    }
+}
+
+TEST_F(IDVectorTest, AnElementOfItsOwnIsInsertedWhileItGrows) {
+    Container::IDVector<std::string> items(
+        SharedPtr<Memory::Allocator>(new RecordingAllocator)); // overwrites what it is given back
+    const std::string text(100, 'x');
+    items.insert(text);
+    for (std::uint32_t id = 1; id < 20; ++id)
+        EXPECT_EQ(items[items.insert(items[0])], text) << id;
+}
+
+TEST_F(IDVectorTest, ArraysCheckTheirIndices) {
+    Container::Array<int, 5> array{};
+    EXPECT_FALSE(raisedBy([&] { array[5] = 1; }).empty());
+    EXPECT_EQ(Reports::take(), Texts{"index < N_NUM_ELEM|index out of range"});
+}
+
+} // namespace ZUNO::Tests
