@@ -41,3 +41,13 @@ endif()
 if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
   install(FILES ${unwinder} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
 endif()
+
+# Debugger views: gdb loads its own when a program loads the library that they are named after.
+if(WIN32)
+  install(FILES tools/debugger/zunopathfinder.natvis
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zunopathfinder COMPONENT development)
+else()
+  install(FILES tools/debugger/zunopathfinder-gdb.py COMPONENT development
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load/usr/${CMAKE_INSTALL_LIBDIR}
+    RENAME libzunopathfinder.so.${PROJECT_VERSION}-gdb.py)
+endif()
