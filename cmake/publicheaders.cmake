@@ -45,11 +45,12 @@ set(public_headers
   common/singleton.h
   common/utility/floatchars.h
   # the host's own view of a mesh
-  navmesh/generator.h
   navmesh/interface.h
   navmesh/meshdefects.h
+  navmesh/navmeshbuilder.h
   navmesh/navmeshcontainer.h
-  navmesh/navmeshfiles.h)
+  navmesh/navmeshfiles.h
+  navmesh/navmeshoptimizer.h)
 file(GLOB hostkit_headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/hostkit/*.h)
 
 # zuno_install_headers(ROOT HEADER...): keeps each header's folder.
