@@ -26,6 +26,12 @@ public:
         bool mIsLeft;
     };
 
+    /// Takes the memory for chains of so many nodes.
+    void reserve(std::size_t nodes) {
+        mItems.reserve(4 * nodes + 3);
+        mBends.reserve(2 * nodes);
+    }
+
     /// Returns the bends from start to goal, neither of which is among them; valid until the next
     /// call.
     const std::vector<Bend>& pull(const PlanePoint& start, const PlanePoint& goal,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "hostkit/chain.h"
+#include "hostkit/chainportals.h"
 #include "hostkit/funnel.h"
 #include "hostkit/intervalsearch.h"
 #include "hostkit/meshview.h"
@@ -34,7 +35,8 @@ enum class StraightForm { PLAIN, IMPROVED };
 /// Thread: each its own; they may share the view, which must outlive them.
 class PathStraightener {
 public:
-    explicit PathStraightener(const MeshView& view) : mView(view), mChains(view), mSearch(view) {}
+    explicit PathStraightener(const MeshView& view)
+        : mView(view), mChains(view), mSearch(view), mPortals(view) {}
 
     /// Straightens a path of the world's: with the start and goal that the search was opened with
     /// and all its waypoints, none for a path within one node. Returns whether that is a path on
@@ -51,22 +53,9 @@ public:
                          StraightPath& path);
 
 private:
-    /// Where one portal's ends lie: vertices, or a point of `mPoints` for nodes that don't touch.
-    struct PortalEnds {
-        std::uint32_t mLeft;
-        std::uint32_t mRight;
-        std::uint32_t mStep; ///< of the chain, behind the portal
-    };
-    static constexpr std::uint32_t pointMark = 1U << 31U;
-
-    bool layPortals(const std::vector<std::uint32_t>& chain);
-    bool addPortal(std::uint32_t node, std::uint32_t next, std::uint32_t step);
-    void addGap(std::uint32_t node, std::uint32_t next, std::uint32_t step);
-    void addPoint(std::uint32_t node, const PlanePoint& point, std::uint32_t step);
     /// Pulls the path tight through its chain.
     bool pull(StraightPath& path);
     void addCorner(const Position& position, std::uint32_t step, StraightPath& path) const;
-    Position positionOf(std::uint32_t end) const;
     void improve(StraightPath& path);
     /// Seeks a shorter way between two corners. Returns false when the search gave up.
     bool improvePart(StraightPath& path, std::size_t first, std::size_t last, std::size_t budget);
@@ -75,9 +64,7 @@ private:
     ChainFinder mChains;
     Funnel mFunnel;
     IntervalSearch mSearch;
-    std::vector<Portal> mPortals;
-    std::vector<PortalEnds> mEnds; ///< of the portals
-    std::vector<Position> mPoints;
+    ChainPortals mPortals;
     std::vector<std::uint32_t> mDetour;
     StraightPath mCandidate;
     PlanePoint mStart;

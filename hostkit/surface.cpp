@@ -1,7 +1,5 @@
 #include "hostkit/surface.h"
 
-#include <optional>
-
 namespace ZUNO::HostKit {
 
 namespace {
@@ -58,19 +56,6 @@ double roundingAt(const PlanePoint& point) {
     return error * (std::abs(point.mX) + std::abs(point.mY));
 }
 
-/// A place at or right beside a point of a node's outline, where the world finds the node too.
-std::optional<Position> settle(const MeshView& view, std::uint32_t node, const PlanePoint& point) {
-    const Position centre = view.centreOf(node);
-    if (!isFinite(centre))
-        return {};
-    for (const double part : {0.0, 1e-6, 1e-5, 1e-4, 1e-3, 1e-2, 0.1}) {
-        const Position there = surfaceAt(view, node, between(point, view.planeOf(centre), part));
-        if (view.isOnNode(there, node))
-            return there;
-    }
-    return {};
-}
-
 double squareDistance(const Position& a, const Position& b) {
     const double x = double{a.mX} - double{b.mX};
     const double y = double{a.mY} - double{b.mY};
@@ -125,6 +110,18 @@ PlanePoint nearestInNode(const MeshView& view, std::uint32_t node, const PlanePo
     return isLeft != isRight ? point : found;
 }
 
+Place settle(const MeshView& view, std::uint32_t node, const PlanePoint& point) {
+    const Position centre = view.centreOf(node);
+    if (!isFinite(centre))
+        return {};
+    for (const double part : {0.0, 1e-6, 1e-5, 1e-4, 1e-3, 1e-2, 0.1}) {
+        const Position there = surfaceAt(view, node, between(point, view.planeOf(centre), part));
+        if (view.isOnNode(there, node))
+            return {node, there};
+    }
+    return {};
+}
+
 Place findGround(const MeshView& view, const Position& point, float height) {
     Place found;
     if (!isFinite(point))
@@ -157,14 +154,14 @@ NearestPlace findNearest(const MeshView& view, const Position& point, float radi
         const PlanePoint inside = nearestInNode(view, node, p);
         if (!(dot(inside - p, inside - p) <= limit()))
             return;
-        const std::optional<Position> there = settle(view, node, inside);
-        if (!there.has_value() ||
-            !(std::abs(view.heightOf(*there) - view.heightOf(point)) <= double{height}))
+        const Place there = settle(view, node, inside);
+        if (!there ||
+            !(std::abs(view.heightOf(there.mPosition) - view.heightOf(point)) <= double{height}))
             return;
-        const double away = squareDistance(*there, point);
+        const double away = squareDistance(there.mPosition, point);
         if (away < nearest || (away == nearest && node < found.mNode)) {
             nearest = away;
-            static_cast<Place&>(found) = {node, *there};
+            static_cast<Place&>(found) = there;
         }
     });
     if (found)

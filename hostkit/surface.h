@@ -24,6 +24,10 @@ Position surfaceAt(const MeshView& view, std::uint32_t node, const PlanePoint& p
 /// the outline.
 PlanePoint nearestInNode(const MeshView& view, std::uint32_t node, const PlanePoint& point);
 
+/// Returns a place of the node at or right beside a point of its outline, where the world finds the
+/// node too (its test rounds); none where the world finds no such place.
+Place settle(const MeshView& view, std::uint32_t node, const PlanePoint& point);
+
 /// Returns the place straight below or above the point, on the floor nearest in height and at most
 /// `height` away; none where there is no ground, or for a point that is not finite. Where floors
 /// are equally near, the node with the lowest id.
@@ -55,6 +59,12 @@ struct SurfaceMove {
 /// most. A start on no node stays where it is; so does one whose target is not finite.
 /// Cost: no memory is taken.
 SurfaceMove moveAlongSurface(const MeshView& view, const Place& start, const Position& target);
+
+/// Walks straight from a place towards a point, up to the first wall. The place of the result is
+/// the target, or where the wall stops one. Gives up, not reached, after `maxNodes` nodes.
+/// Cost: one node after the other; no memory is taken.
+SurfaceMove walkStraight(const MeshView& view, const Place& start, const Position& target);
+SurfaceMove walkStraight(const MeshView& view, const Place& start, const PlanePoint& target);
 
 /// Returns the distance in the plane from a place to the nearest piece of border that leads
 /// nowhere, or `limit` when that is nearer. 0 for no place.

@@ -89,6 +89,80 @@ SurfaceMove moveAlongSurface(const MeshView& view, const Place& start, const Pos
     return move;
 }
 
+namespace {
+
+/// The part of the way at which it leaves over the line from `right` to `left`; below 0 or above 1
+/// when the line lies elsewhere, infinity when it isn't left over.
+double partAtLine(const PlanePoint& from, const PlanePoint& to, const PlanePoint& left,
+                  const PlanePoint& right) {
+    const double inside = cross(left - right, from - right);
+    const double way = cross(left - right, to - from);
+    return way < 0 ? inside / -way : std::numeric_limits<double>::infinity();
+}
+
+/// The same for the border alone.
+double partAtBorder(const PlanePoint& from, const PlanePoint& to, const PlanePoint& left,
+                    const PlanePoint& right) {
+    return turn(from, to, left) >= 0 && turn(from, to, right) <= 0
+               ? partAtLine(from, to, left, right)
+               : std::numeric_limits<double>::infinity();
+}
+
+/// Where the way ends within a node that it doesn't leave over a border.
+PlanePoint lastInNode(const MeshView& view, std::uint32_t node, const PlanePoint& from,
+                      const PlanePoint& to) {
+    double part = 1;
+    const auto corners = view.cornersOf(node);
+    PlanePoint right = view.planeOf(corners.back());
+    for (const std::uint32_t corner : corners) {
+        const PlanePoint left = view.planeOf(corner);
+        part = std::min(part, partAtLine(from, to, left, right));
+        right = left;
+    }
+    return nearestInNode(view, node, between(from, to, std::max(part, 0.0)));
+}
+
+} // namespace
+
+SurfaceMove walkStraight(const MeshView& view, const Place& start, const Position& target) {
+    return walkStraight(view, start, view.planeOf(target));
+}
+
+SurfaceMove walkStraight(const MeshView& view, const Place& start, const PlanePoint& to) {
+    SurfaceMove move;
+    move.mPlace = start;
+    if (!start || !std::isfinite(to.mX) || !std::isfinite(to.mY) || !isFinite(start.mPosition))
+        return move;
+    const PlanePoint from = nearestInNode(view, start.mNode, view.planeOf(start.mPosition));
+    std::uint32_t before = NO_NODE;
+    std::uint32_t node = start.mNode;
+    PlanePoint reached = from;
+    while (node != NO_NODE && move.mNodeCount < SurfaceMove::maxNodes) {
+        move.mNodes[move.mNodeCount++] = node;
+        const PlanePoint end = nearestInNode(view, node, to);
+        move.mIsReached = end == to;
+        std::uint32_t next = NO_NODE;
+        for (const MeshView::Link& link : view.linksOf(node)) {
+            if (move.mIsReached || link.mBorder == NO_BORDER || link.mTarget == before)
+                continue;
+            const MeshView::Border border = view.borderOf(node, link);
+            const double part =
+                partAtBorder(from, to, view.planeOf(border.mLeft), view.planeOf(border.mRight));
+            if (part <= 1) {
+                next = link.mTarget;
+                reached = between(from, to, std::max(part, 0.0));
+                break;
+            }
+        }
+        if (next == NO_NODE)
+            reached = move.mIsReached ? to : lastInNode(view, node, from, to);
+        move.mPlace = {node, surfaceAt(view, node, reached)};
+        before = node;
+        node = next;
+    }
+    return move;
+}
+
 float distanceToWall(const MeshView& view, const Place& place, float limit) {
     if (!place || !(limit > 0) || !isFinite(place.mPosition))
         return 0;

@@ -1,5 +1,5 @@
 // Straight paths against slower ways to find them.
-#include "hostkit/chain.h"
+#include "hostkit/pathpoints.h"
 #include "tests/hostkit/walkingworld.h"
 
 #include <queue>
@@ -274,6 +274,37 @@ TEST(StraightPath, IsNearlyTheShortestThereIs) {
     std::cout << "of the shortest: mean " << sum / 500 << ", 99 % " << ratios[494] << '\n';
     EXPECT_LE(sum / 500, 1.015);
     EXPECT_LE(ratios[494], 1.08);
+}
+
+TEST(StraightPath, KeepsOffWallsAndComesInEqualSteps) {
+    const WalkingWorld world(Worlds::makeHarbour());
+    const MeshView& view = world.view();
+    const HostKit::RandomPlaces places(view, 0);
+    PathStraightener straightener(view);
+    StraightPath path;
+    unsigned int corners = 0;
+    unsigned int apart = 0;
+    for (std::uint64_t i = 0; i < 200; ++i) {
+        const Position start = places.pick(2 * i).mPosition;
+        const Position goal = places.pick(2 * i + 1).mPosition;
+        const auto waypoints = WalkingWorld::search(start, goal);
+        ASSERT_TRUE(straightener.straighten(start, goal, *waypoints, StraightForm::IMPROVED, path));
+        constexpr float margin = 0.5F;
+        const auto kept = HostKit::keepOffWalls(view, path, margin);
+        ASSERT_EQ(kept.size(), path.mCorners.size());
+        for (std::size_t k = 1; k + 1 < kept.size(); ++k) {
+            ++corners;
+            apart += HostKit::distanceToWall(view, kept[k], 1) > margin * 0.7F ? 1 : 0;
+        }
+        const auto steps = HostKit::placesAlong(view, path, 0.7F);
+        ASSERT_LE(std::abs(static_cast<double>(steps.size()) - lengthOf(view, path) / 0.7), 2);
+        for (std::size_t k = 1; k < steps.size(); ++k) {
+            const PlanePoint point = view.planeOf(steps[k].mPosition);
+            ASSERT_LT(distance(point, HostKit::nearestInNode(view, steps[k].mNode, point)), 1e-4);
+            ASSERT_LE(distance(point, view.planeOf(steps[k - 1].mPosition)), 0.7001);
+        }
+    }
+    EXPECT_GT(apart, corners * 9 / 10) << corners;
 }
 
 TEST(StraightPath, CopesWithOddMeshes) {

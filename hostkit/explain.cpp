@@ -1,0 +1,208 @@
+#include "hostkit/explain.h"
+
+#include <sstream>
+
+namespace ZUNO::HostKit {
+
+namespace {
+
+double squareDistance(const Position& a, const Position& b) {
+    const double x = double{a.mX} - double{b.mX};
+    const double y = double{a.mY} - double{b.mY};
+    const double z = double{a.mZ} - double{b.mZ};
+    return x * x + y * y + z * z;
+}
+
+/// Calls `visitor(node)` for each node that neighbours lead to, beginning with the first itself,
+/// as long as it returns true.
+template <typename Visitor>
+void visitReachable(const MeshView& view, std::uint32_t first, Visitor visitor) {
+    std::vector<bool> isKnown(view.nodeCount());
+    std::vector<std::uint32_t> waiting{first};
+    isKnown[first] = true;
+    while (!waiting.empty()) {
+        const std::uint32_t node = waiting.back();
+        waiting.pop_back();
+        if (!visitor(node))
+            return;
+        for (const MeshView::Link& link : view.linksOf(node))
+            if (!isKnown[link.mTarget]) {
+                isKnown[link.mTarget] = true;
+                waiting.push_back(link.mTarget);
+            }
+    }
+}
+
+Explanation::End lookAt(const MeshView& view, const Position& point) {
+    constexpr float anyDistance = std::numeric_limits<float>::infinity();
+    Explanation::End end;
+    end.mPoint = point;
+    end.mNode = view.findNode(point);
+    end.mFloor = findGround(view, point);
+    if (end.mFloor)
+        end.mAbove = static_cast<float>(view.heightOf(point) - view.heightOf(end.mFloor.mPosition));
+    end.mNearest = findNearest(view, point, anyDistance, anyDistance);
+    if (end.mNode != NO_NODE) {
+        end.mIsland = view.islandOf(end.mNode);
+        end.mIslandSize = view.islandSizes()[end.mIsland];
+    }
+    return end;
+}
+
+/// Looks for the pair of places where two islands come nearest to each other. Of two convex
+/// outlines that don't overlap, one is nearest to the other at a corner.
+class Strait {
+public:
+    Strait(const MeshView& view, Explanation& explanation)
+        : mView(view), mExplanation(explanation) {
+        const std::uint32_t islands[2] = {explanation.mStart.mIsland, explanation.mGoal.mIsland};
+        for (std::uint32_t node = 0; node < view.nodeCount(); ++node)
+            for (int side = 0; side < 2; ++side)
+                if (view.islandOf(node) == islands[side])
+                    for (const std::uint32_t corner : view.cornersOf(node))
+                        lookFrom({node, view.positionOf(corner)}, islands[1 - side], side == 0);
+        mExplanation.mGap = static_cast<float>(std::sqrt(mNearest));
+    }
+
+private:
+    void lookFrom(const Place& place, std::uint32_t otherIsland, bool isStart) {
+        const PlanePoint point = mView.planeOf(place.mPosition);
+        mView.boxes().visitNear(
+            point, [&] { return mNearest; },
+            [&](std::uint32_t node) {
+                if (mView.islandOf(node) != otherIsland)
+                    return;
+                const Position there = surfaceAt(mView, node, nearestInNode(mView, node, point));
+                const double away = squareDistance(place.mPosition, there);
+                if (!(away < mNearest))
+                    return;
+                mNearest = away;
+                mExplanation.mStartShore = isStart ? place : Place{node, there};
+                mExplanation.mGoalShore = isStart ? Place{node, there} : place;
+            });
+    }
+
+    const MeshView& mView;
+    Explanation& mExplanation;
+    double mNearest = std::numeric_limits<double>::infinity(); ///< squared
+};
+
+/// Sentences about points, numbers in the shortest form that keeps every bit.
+class Sentences {
+public:
+    explicit Sentences(const MeshView& view) : mView(view) {}
+
+    void tellOf(const char* name, const Explanation::End& end) {
+        mText << "The " << name << " ";
+        tellPoint(end.mPoint);
+        if (end.mNode != NO_NODE) {
+            mText << " stands on node " << end.mNode << " of island " << end.mIsland
+                  << ", which has " << end.mIslandSize
+                  << (end.mIslandSize == 1 ? " node.\n" : " nodes.\n");
+            return;
+        }
+        mText << " stands on no node";
+        if (!isFinite(end.mPoint))
+            mText << ": it is not finite";
+        else if (end.mFloor)
+            tellFloor(end);
+        else
+            mText << ": there is no ground above or below it";
+        mText << ".\n";
+        if (end.mNearest) {
+            mText << "The nearest place is ";
+            tellPoint(end.mNearest.mPosition);
+            mText << " on node " << end.mNearest.mNode << ", " << end.mNearest.mDistance
+                  << " away.\n";
+        }
+    }
+    void tellShores(const Explanation& explanation) {
+        mText << "No neighbours connect the two islands. They come nearest at ";
+        tellPoint(explanation.mStartShore.mPosition);
+        mText << " and ";
+        tellPoint(explanation.mGoalShore.mPosition);
+        mText << ", " << explanation.mGap << " apart.\n";
+    }
+    void tell(const char* sentence) { mText << sentence << '\n'; }
+    std::string text() const { return mText.str(); }
+
+private:
+    void tellPoint(const Position& p) {
+        mText << '(' << p.mX << ", " << p.mY << ", " << p.mZ << ')';
+    }
+    void tellFloor(const Explanation::End& end) {
+        mText << ": it is " << std::abs(end.mAbove) << (end.mAbove < 0 ? " below" : " above")
+              << " the ground of node " << end.mFloor.mNode << ", on which one stands from "
+              << mView.reachBelow() << " below its first corner to "
+              << mView.reachAbove(end.mFloor.mNode) << " above it";
+    }
+
+    const MeshView& mView;
+    std::ostringstream mText;
+};
+
+} // namespace
+
+Explanation explain(const MeshView& view, const Position& start, const Position& goal) {
+    using Answer = Explanation::Answer;
+    Explanation explanation;
+    explanation.mStart = lookAt(view, start);
+    explanation.mGoal = lookAt(view, goal);
+    if (explanation.mStart.mNode == NO_NODE || explanation.mGoal.mNode == NO_NODE) {
+        explanation.mAnswer = Answer::OFF_MESH;
+    } else if (explanation.mStart.mIsland != explanation.mGoal.mIsland) {
+        explanation.mAnswer = Answer::OTHER_ISLAND;
+        const Strait strait(view, explanation);
+    } else {
+        explanation.mAnswer = Answer::ONLY_ONE_WAY;
+        visitReachable(view, explanation.mStart.mNode, [&](std::uint32_t node) {
+            if (node == explanation.mGoal.mNode)
+                explanation.mAnswer = Answer::POSSIBLE;
+            return node != explanation.mGoal.mNode;
+        });
+    }
+    return explanation;
+}
+
+std::string describe(const MeshView& view, const Explanation& explanation) {
+    Sentences sentences(view);
+    sentences.tellOf("start", explanation.mStart);
+    sentences.tellOf("goal", explanation.mGoal);
+    switch (explanation.mAnswer) {
+    case Explanation::Answer::POSSIBLE:
+        sentences.tell("A path leads from the start to the goal.");
+        break;
+    case Explanation::Answer::OFF_MESH:
+        break;
+    case Explanation::Answer::OTHER_ISLAND:
+        sentences.tellShores(explanation);
+        break;
+    case Explanation::Answer::ONLY_ONE_WAY:
+        sentences.tell("Some neighbours between the two lead one way only: no path leads from the "
+                       "start to the goal.");
+        break;
+    }
+    return sentences.text();
+}
+
+NearestPlace findNearestReachable(const MeshView& view, const Position& start,
+                                  const Position& goal) {
+    NearestPlace found;
+    const std::uint32_t first = view.findNode(start);
+    if (first == NO_NODE || !isFinite(goal))
+        return found;
+    double nearest = std::numeric_limits<double>::infinity();
+    visitReachable(view, first, [&](std::uint32_t node) {
+        const Place there = settle(view, node, nearestInNode(view, node, view.planeOf(goal)));
+        const double away = squareDistance(there.mPosition, goal);
+        if (there && (away < nearest || (away == nearest && node < found.mNode))) {
+            nearest = away;
+            static_cast<Place&>(found) = there;
+        }
+        return true;
+    });
+    found.mDistance = found ? static_cast<float>(std::sqrt(nearest)) : 0;
+    return found;
+}
+
+} // namespace ZUNO::HostKit

@@ -1,0 +1,223 @@
+// Characters on their way, pushed about, after goals that move.
+#include "hostkit/corridor.h"
+#include "hostkit/explain.h"
+#include "tests/hostkit/walkingworld.h"
+#include "tests/support/heaprequests.h"
+
+#include <list>
+#include <random>
+
+namespace ZUNO::Tests {
+namespace {
+
+using HostKit::Corridor;
+using HostKit::MeshView;
+using HostKit::Place;
+using HostKit::Position;
+
+/// Characters that walk to goals, which walk too, and are pushed now and then.
+class Crowd {
+public:
+    Crowd(const MeshView& view, std::size_t size) : mView(view), mPlaces(view, 0) {
+        for (std::size_t i = 0; i < size; ++i) {
+            mCharacters.emplace_back(view).mCorridor.place(mPlaces.pick(++mSeed));
+            search(mCharacters.back(), mPlaces.pick(++mSeed).mPosition);
+        }
+    }
+
+    void runFrame(unsigned int frame) {
+        constexpr float near = 0.5F;
+        for (Character& character : mCharacters) {
+            Corridor& corridor = character.mCorridor;
+            if (corridor.isAtGoal(near)) {
+                ++mArrivals;
+                search(character, mPlaces.pick(++mSeed).mPosition);
+            }
+            if (mRandom() % 4 == 0)
+                corridor.moveGoal(beside(corridor.goal().mPosition, 0.15F));
+            if (corridor.needsSearch())
+                search(character, character.mTarget);
+            const std::size_t before = heapRequests();
+            step(character);
+            if (mRandom() % 50 == 0)
+                corridor.move(beside(corridor.position().mPosition, 3)); // pushed
+            if (frame % 8 == 0)
+                corridor.shorten();
+            mRequests += heapRequests() - before;
+            check(character);
+        }
+    }
+
+    unsigned int mArrivals = 0;
+    unsigned int mSearches = 0;
+    std::size_t mRequests = 0; ///< for memory, while walking
+    int mLongestStay = 0;      ///< in frames
+
+private:
+    struct Character {
+        explicit Character(const MeshView& view) : mCorridor(view) {}
+        Corridor mCorridor;
+        Position mTarget{0, 0, 0};
+        Position mMark{0, 0, 0}; ///< where it was last found to get on
+        int mStay = 0;
+    };
+
+    Position beside(const Position& p, float reach) {
+        const auto shift = [&] {
+            return reach * (static_cast<float>(mRandom() % 2001) / 1000 - 1);
+        };
+        return {p.mX + shift(), p.mY, p.mZ + shift()};
+    }
+
+    /// What a host does: a search from where the character stands, snapped where need be.
+    void search(Character& character, const Position& target) {
+        ++mSearches;
+        character.mTarget = target;
+        Corridor& corridor = character.mCorridor;
+        const Place from = HostKit::findNearest(mView, corridor.position().mPosition, 1, 1);
+        const Place to = HostKit::findNearest(mView, target, 1, 1);
+        const auto waypoints = WalkingWorld::search(from.mPosition, to.mPosition);
+        std::vector<std::uint32_t> chain;
+        ASSERT_TRUE(waypoints.has_value());
+        ASSERT_TRUE(mChains.find(from.mPosition, to.mPosition, *waypoints, chain));
+        if (!corridor.follow(chain, to.mPosition)) {
+            corridor.place({chain.front(), from.mPosition});
+            ASSERT_TRUE(corridor.follow(chain, to.mPosition));
+        }
+    }
+
+    void step(Character& character) {
+        constexpr double speed = 0.12; // a frame
+        Corridor& corridor = character.mCorridor;
+        const Position corner = corridor.nextCorner(0.1F);
+        const Position& here = corridor.position().mPosition;
+        const double away = distance(mView.planeOf(here), mView.planeOf(corner));
+        const auto part = static_cast<float>(away > speed ? speed / away : 1);
+        corridor.move({here.mX + (corner.mX - here.mX) * part, here.mY,
+                       here.mZ + (corner.mZ - here.mZ) * part});
+    }
+
+    void check(Character& character) {
+        const Place& at = character.mCorridor.position();
+        ASSERT_EQ(HostKit::settle(mView, at.mNode, mView.planeOf(at.mPosition)).mNode, at.mNode);
+        ASSERT_LT(distance(HostKit::nearestInNode(mView, at.mNode, mView.planeOf(at.mPosition)),
+                           mView.planeOf(at.mPosition)),
+                  1e-4);
+        const bool goesOn =
+            distance(mView.planeOf(at.mPosition), mView.planeOf(character.mMark)) > 0.3;
+        character.mStay = goesOn ? 0 : character.mStay + 1;
+        mLongestStay = std::max(mLongestStay, character.mStay);
+        if (goesOn)
+            character.mMark = at.mPosition;
+    }
+
+    const MeshView& mView;
+    HostKit::RandomPlaces mPlaces;
+    HostKit::ChainFinder mChains{mView};
+    std::mt19937 mRandom{1};
+    std::uint64_t mSeed = 0;
+    std::list<Character> mCharacters;
+};
+
+TEST(Corridor, BringsACrowdToItsGoals) {
+    const WalkingWorld world(Worlds::makeHarbour());
+    Crowd crowd(world.view(), 40);
+    unsigned int frame = 0;
+    for (; frame < 1000; ++frame) // until all lists have grown
+        crowd.runFrame(frame);
+    crowd.mRequests = 0;
+    for (; frame < 2000; ++frame)
+        crowd.runFrame(frame);
+    std::cout << crowd.mArrivals << " arrivals, " << crowd.mSearches << " searches, "
+              << crowd.mLongestStay << " frames at most in one place, " << crowd.mRequests
+              << " requests for memory\n";
+    EXPECT_GT(crowd.mArrivals, 40U);
+    EXPECT_LE(crowd.mLongestStay, 60);
+    EXPECT_EQ(crowd.mRequests, 0U);
+}
+
+/// Three squares in a row, the last two with a way in one direction alone; and one far away.
+Worlds::MeshModel oneWay() {
+    return flatMesh({{{{0, 0}, {8, 0}, {8, 8}, {0, 8}}, {-1, 1, -1, -1}},
+                     {{{8, 0}, {16, 0}, {16, 8}, {8, 8}}, {-1, 2, -1, 0}},
+                     {{{16, 0}, {24, 0}, {24, 8}, {16, 8}}, {-1, -1, -1, -1}},
+                     {{{40, 0}, {48, 0}, {48, 8}, {40, 8}}, {-1, -1, -1, -1}}});
+}
+
+TEST(Corridor, SaysWhenASearchIsNeeded) {
+    const WalkingWorld world(oneWay());
+    Corridor corridor(world.view());
+    EXPECT_FALSE(corridor.follow({0, 1}, {3, 0, 1}));
+    corridor.place({0, {1, 0, 1}});
+    EXPECT_EQ(corridor.nextCorner(0), Position(1, 0, 1));
+    EXPECT_FALSE(corridor.follow({1, 2}, {NAN, 0, 1}) || corridor.follow({2}, {5, 0, 1}));
+    ASSERT_TRUE(corridor.follow({1}, {3, 0, 1})); // from a node that it stands beside
+    EXPECT_EQ(corridor.nodes(), (std::vector<std::uint32_t>{1, 0}));
+    EXPECT_EQ(corridor.nextCorner(0), Position(3, 0, 1));
+    corridor.moveGoal({3, 0, 1.5F});
+    EXPECT_FALSE(corridor.needsSearch() || corridor.isAtGoal(1));
+    corridor.move({2.5F, 0, 1});
+    EXPECT_TRUE(corridor.isAtGoal(1));
+    corridor.move({5, 0, 1}); // over the border of no return
+    EXPECT_TRUE(corridor.needsSearch());
+    EXPECT_FALSE(corridor.hasPath());
+    corridor.place({0, {1, 0, 1}});
+    ASSERT_TRUE(corridor.follow({0}, {1, 0, 1.5F}));
+    corridor.moveGoal({11, 0, 1});
+    EXPECT_TRUE(corridor.needsSearch() && corridor.hasPath());
+}
+
+TEST(Explain, SaysWhyThereIsNoPath) {
+    const WalkingWorld world(oneWay());
+    const MeshView& view = world.view();
+    struct Row {
+        Position mStart;
+        Position mGoal;
+        HostKit::Explanation::Answer mAnswer;
+        const char* mText;
+        float mNearestReachable; ///< its x
+    };
+    using Answer = HostKit::Explanation::Answer;
+    for (const Row& row : std::initializer_list<Row>{
+             {{1, 0, 1},
+              {5, 0, 1},
+              Answer::POSSIBLE,
+              "A path leads from the start to the goal.",
+              5},
+             {{5, 0, 1}, {1, 0, 1}, Answer::ONLY_ONE_WAY, "lead one way only", 4},
+             {{1, 0, 1},
+              {11, 0, 1},
+              Answer::OTHER_ISLAND,
+              "The start (1, 0, 1) stands on node 0 of island 0, which has 3 nodes.\n"
+              "The goal (11, 0, 1) stands on node 3 of island 1, which has 1 node.\n"
+              "No neighbours connect the two islands. They come nearest at (6, 0, 0) and "
+              "(10, 0, 0), 4 apart.\n",
+              6},
+             {{1, 3, 1},
+              {1, -2, 1},
+              Answer::OFF_MESH,
+              "The goal (1, -2, 1) stands on no node: it is 2 below the ground of node 0, on which "
+              "one stands from 0.5 below its first corner to 2 above it.\n"
+              "The nearest place is (1, 0, 1) on node 0, 2 away.\n",
+              0},
+             {{-1, 0, 1},
+              {1, 0, NAN},
+              Answer::OFF_MESH,
+              "The start (-1, 0, 1) stands on no node: there is no ground above or below it.\n"
+              "The nearest place is (0, 0, 1) on node 0, 1 away.\n"
+              "The goal (1, 0, nan) stands on no node: it is not finite.\n",
+              0},
+         }) {
+        const auto explanation = HostKit::explain(view, row.mStart, row.mGoal);
+        EXPECT_EQ(explanation.mAnswer, row.mAnswer) << row.mText;
+        const std::string text = HostKit::describe(view, explanation);
+        EXPECT_NE(text.find(row.mText), std::string::npos) << text;
+        EXPECT_EQ(WalkingWorld::search(row.mStart, row.mGoal).has_value(),
+                  row.mAnswer == Answer::POSSIBLE);
+        const auto nearest = HostKit::findNearestReachable(view, row.mStart, row.mGoal);
+        EXPECT_EQ(nearest.mPosition.mX, row.mNearestReachable);
+    }
+}
+
+} // namespace
+} // namespace ZUNO::Tests
