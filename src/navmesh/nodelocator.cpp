@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace ZUNO::NavMesh {
 
@@ -15,7 +14,9 @@ namespace {
 constexpr double largest = 1e15;
 constexpr double smallest = 1e-15;
 
-constexpr std::size_t entriesPerNode = 9;
+constexpr std::uint32_t noNode = 0xFFFFFFFF;
+
+constexpr std::size_t entriesPerNode = 3;
 
 /// A node's corners in the plane, as the test for a point sees them.
 class Outline {
@@ -45,7 +46,7 @@ public:
         constexpr double roundingError = 8.0 / (1 << 24);
         const double size = mBounds.largerExtent();
         const auto count = static_cast<double>(mPolygon.size());
-        for (const double part : {1.0 / 16, 1.0 / 4, 1.0}) {
+        for (const double part : {1.0 / 64, 1.0 / 16, 1.0 / 4, 1.0, 8.0, 64.0}) {
             const double margin = size * part;
             const double least = margin * margin / (margin + size) * mArea / size / count;
             const double error = roundingError * (2 * mLargestX * (margin + size) +
@@ -152,7 +153,7 @@ std::size_t NodeLocator::layGrid(const NavMeshContainer::Vector<Reach>& reaches)
     for (const Reach& reach : reaches)
         bounds.grow(reach.mRect);
     // a finer grid has shorter lists, until large nodes lie in too many cells
-    for (std::size_t cells = reaches.size();; cells /= 4) {
+    for (std::size_t cells = reaches.size();; cells /= 2) {
         divide(bounds, cells);
         std::size_t entries = 0;
         for (const Reach& reach : reaches)
@@ -177,61 +178,63 @@ void NodeLocator::fill(const NavMeshContainer::Vector<Reach>& reaches) {
         const CellRange range = rangeOf(reach.mRect);
         for (std::uint32_t row = range.mFirstRow; row <= range.mLastRow; ++row)
             for (std::uint32_t column = range.mFirstColumn; column <= range.mLastColumn; ++column)
-                action(mFirstEntries[cellAt(column, row)]);
+                action(mFirstEntries[cellAt(column, row)], column, row);
     };
     // counted, summed up to the lists' ends, and filled from the last id down to the lists' begins
     mFirstEntries.assign(cellAt(0, mRows.mCount) + 1, 0);
     for (const Reach& reach : reaches)
-        forEachCell(reach, [](std::uint32_t& count) { ++count; });
+        forEachCell(reach, [](std::uint32_t& count, auto...) { ++count; });
     std::uint32_t sum = 0;
     for (std::uint32_t& count : mFirstEntries)
         count = sum += count;
     for (std::size_t i = reaches.size(); i-- != 0;)
-        forEachCell(reaches[i], [&](std::uint32_t& first) { mEntries[--first] = reaches[i].mId; });
-}
-
-std::uint32_t NodeLocator::Axis::cellOf(double coordinate) const {
-    const double cell = (coordinate - mBegin) * mScale;
-    if (!(cell > 0))
-        return 0;
-    return cell < mCount ? static_cast<std::uint32_t>(cell) : mCount - 1;
+        forEachCell(reaches[i], [&](std::uint32_t& first, std::uint32_t column, std::uint32_t row) {
+            mEntries[--first] = {reaches[i].mId, partOf(reaches[i].mRect, column, row)};
+        });
 }
 
 NodeLocator::CellRange NodeLocator::rangeOf(const Rect& rect) const {
-    return {mColumns.cellOf(rect.mLow[0]), mRows.cellOf(rect.mLow[1]),
-            mColumns.cellOf(rect.mHigh[0]), mRows.cellOf(rect.mHigh[1])};
+    return {mColumns.cellAt(rect.mLow[0]), mRows.cellAt(rect.mLow[1]),
+            mColumns.cellAt(rect.mHigh[0]), mRows.cellAt(rect.mHigh[1])};
+}
+
+NodeLocator::Part NodeLocator::partOf(const Rect& rect, std::uint32_t column,
+                                      std::uint32_t row) const {
+    return {Part::within(mColumns.position(rect.mLow[0]), column),
+            Part::within(mRows.position(rect.mLow[1]), row),
+            Part::within(mColumns.position(rect.mHigh[0]), column),
+            Part::within(mRows.position(rect.mHigh[1]), row)};
 }
 
 std::int32_t NodeLocator::findNode(const Vec3<float>& point) const {
     const Vec2<float> projected = mNavMesh->projectToPlane(point);
     if (!(std::abs(projected.mX) < largest && std::abs(projected.mY) < largest))
         return mNavMesh->findNode(point); // where rounding knows no bounds
-    // a point outside the grid is looked for in its outermost cells, in vain
-    const std::size_t cell =
-        std::size_t{mRows.cellOf(projected.mY)} * mColumns.mCount + mColumns.cellOf(projected.mX);
-    constexpr std::int32_t none = std::numeric_limits<std::int32_t>::max();
-    const std::uint32_t* const entries = mEntries.data();
-    std::int32_t id =
-        findIn(entries + mFirstEntries[cell], entries + mFirstEntries[cell + 1], point, none);
-    id = findIn(mEverywhere.data(), mEverywhere.data() + mEverywhere.size(), point, id);
-    return id != none ? id : -1;
-}
-
-std::int32_t NodeLocator::findIn(const std::uint32_t* first, const std::uint32_t* last,
-                                 const Vec3<float>& point, std::int32_t limit) const {
-    for (; first != last; ++first) {
-        const auto id = static_cast<std::int32_t>(*first);
-        if (id >= limit)
+    // A point in a node's reach is in the node's part of the cell, too: positions and parts grow
+    // with coordinates. A point outside the grid is looked for in its outermost cells, in vain.
+    const std::uint32_t column = mColumns.cellAt(projected.mX);
+    const std::uint32_t row = mRows.cellAt(projected.mY);
+    const Part here =
+        partOf({{projected.mX, projected.mY}, {projected.mX, projected.mY}}, column, row);
+    const std::size_t cell = cellAt(column, row);
+    const Entry* const end = mEntries.data() + mFirstEntries[cell + 1];
+    std::uint32_t found = noNode;
+    for (const Entry* entry = mEntries.data() + mFirstEntries[cell];
+         entry != end && found == noNode; ++entry)
+        if (entry->mPart.holds(here) && isPointIn(entry->mId, point))
+            found = entry->mId;
+    for (const std::uint32_t id : mEverywhere) {
+        if (id >= found)
             break;
-        if (mNavMesh->isPointInNode(point, id))
-            return id;
+        if (isPointIn(id, point))
+            found = id;
     }
-    return limit;
+    return static_cast<std::int32_t>(found);
 }
 
 std::size_t NodeLocator::getMemoryUsage() const {
-    return (mFirstEntries.capacity() + mEntries.capacity() + mEverywhere.capacity()) *
-           sizeof(std::uint32_t);
+    return (mFirstEntries.capacity() + mEverywhere.capacity()) * sizeof(std::uint32_t) +
+           mEntries.capacity() * sizeof(Entry);
 }
 
 } // namespace ZUNO::NavMesh

@@ -5,6 +5,8 @@
 #include "reference/plainworld.h"
 #include "tests/support/navmeshlibrary.h"
 
+#include <cmath>
+
 namespace ZUNO::Tests {
 
 using namespace Common;
@@ -22,7 +24,7 @@ protected:
 
     void expectSameNodes(const SharedPtr<NavMeshContainer>& mesh) {
         const NodeLocator locator(mesh, gObjectAllocator);
-        EXPECT_LE(locator.getMemoryUsage(), 44 * mesh->mNodes.size() + 64);
+        EXPECT_LE(locator.getMemoryUsage(), 32 * mesh->mNodes.size() + 64);
         EXPECT_EQ(Reference::compareLocations(*mesh, locator, mQuestions.pointsAround(*mesh, 1500)),
                   "");
     }
@@ -58,6 +60,38 @@ TEST_F(FastFormsTest, LocatesNodesAsAScanOfAllDoes) {
             SCOPED_TRACE(std::to_string(scale) + " " + std::to_string(away));
             expectSameNodes(fill({scale, away}));
         }
+    expectSameNodes(fill({1, 0, 0.25F, 2000}));
+}
+
+TEST_F(FastFormsTest, BoundsWhatSimpleOutlinesHold) {
+    struct Case {
+        int mTurns; ///< counter-clockwise, around the middle
+        unsigned int mCorners;
+        float mDepth;
+        bool mIsBounded;
+    };
+    for (const auto& [turns, corners, depth, isBounded] : {Case{1, 3, 4, true},
+                                                           {1, 12, 4, true},
+                                                           {1, 4, 1e-3F, true},
+                                                           {2, 5, 4, false},
+                                                           {2, 12, 4, false},
+                                                           {-1, 4, 4, false},
+                                                           {1, 4, 0, false},
+                                                           {0, 4, 4, false}}) {
+        const SharedPtr<NavMeshContainer> mesh = fill({1, 0, 0.25F, 1});
+        NavMeshContainer::NavNode& node = mesh->mNodes[0];
+        node.mPolygon.clear();
+        mesh->mVertices.clear();
+        for (unsigned int i = 0; i < corners; ++i) {
+            const float angle = 6.2831853F * static_cast<float>(turns) * static_cast<float>(i) /
+                                static_cast<float>(corners);
+            node.mPolygon.push_back(i);
+            mesh->mVertices.push_back({9 + 4 * std::cos(angle), 0, 9 + depth * std::sin(angle)});
+        }
+        const auto reach = NodeLocator::reachOf(*mesh, node);
+        EXPECT_EQ(reach.has_value(), isBounded) << turns << " turns, " << corners << " corners";
+        EXPECT_TRUE(depth < 1 || !isBounded || reach->largerExtent() < 8.3);
+    }
 }
 
 TEST_F(FastFormsTest, AnswersAsAWorldOfPlainPartsDoes) {
