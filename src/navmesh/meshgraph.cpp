@@ -57,6 +57,7 @@ void MeshGraph::addEdges(const NavMeshContainer& mesh, std::uint32_t nodeID) {
         mEdges.emplace_back(end, border, length(centreOf(end) - centreOf(number)));
     });
     mNodes[number + 1].mFirstEdge = static_cast<std::uint32_t>(mEdges.size());
+    mMostEdges = std::max(mMostEdges, mNodes[number + 1].mFirstEdge - mNodes[number].mFirstEdge);
     Island& island = mIslands[static_cast<std::size_t>(&islandOf(number) - mIslands.data())];
     island.mIsTwoWay = island.mIsTwoWay && isTwoWay(mesh, nodeID);
 }

@@ -41,6 +41,8 @@ public:
               const Common::SharedPtr<Common::Memory::Allocator>& allocator);
 
     std::uint32_t nodeCount() const { return static_cast<std::uint32_t>(mNumbers.size()); }
+    /// How many edges leave the node that most of them leave.
+    std::uint32_t mostEdges() const { return mMostEdges; }
     /// The graph's number of a node of the mesh.
     std::uint32_t numberOf(std::uint32_t nodeID) const { return mNumbers[nodeID]; }
 
@@ -83,6 +85,7 @@ private:
     NavMeshContainer::Vector<Edge> mEdges;
     NavMeshContainer::Vector<std::uint32_t> mNumbers; ///< by node id
     NavMeshContainer::Vector<Island> mIslands;
+    std::uint32_t mMostEdges = 0;
 };
 
 } // namespace ZUNO::NavMesh

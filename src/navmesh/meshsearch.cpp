@@ -9,7 +9,7 @@ using namespace Common::Astar;
 MeshSearch::MeshSearch(const MeshGraph& graph, BlockPool& pool,
                        const Common::SharedPtr<Common::Memory::Allocator>& allocator)
     : mGraph(graph), mRecords(graph.nodeCount(), pool, allocator), mOpen(allocator),
-      mWaiting(allocator) {}
+      mSteps(graph.mostEdges(), allocator), mWaiting(allocator) {}
 
 void MeshSearch::begin(const SearchEnds& ends) {
     end();
@@ -54,22 +54,24 @@ std::int32_t MeshSearch::search(std::uint32_t budget) {
         const std::uint32_t best = mOpen.best();
         if (best == mGoal)
             return SEARCH_FOUND; // it stays the best: that is where the path is read from
-        makeRoom(best);
+        prepare(best);
         expand(best);
     }
     return SEARCH_RUNNING;
 }
 
-/// Takes all memory that the node's expansion may need.
-void MeshSearch::makeRoom(std::uint32_t node) {
+/// Looks up what lies behind the node's edges, and takes all memory that its expansion may need.
+void MeshSearch::prepare(std::uint32_t node) {
     const auto edges = mGraph.edgesOf(node);
     mOpen.makeRoom(edges.size() + 1);
     const float g = mRecords[node].mG;
     bool mayPassSaving = false;
+    Step* step = mSteps.data();
     for (const MeshGraph::Edge& edge : edges) {
-        const SearchRecord& end = mRecords.makeRoom(edge.end());
-        if (end.state() == SearchRecord::CLOSED)
-            mayPassSaving = mayPassSaving || costOf(node, edge) + g < end.mG;
+        SearchRecord& end = mRecords.makeRoom(edge.end());
+        *step = {&end, costOf(node, edge)};
+        mayPassSaving |= end.state() == SearchRecord::CLOSED && step->mCost + g < end.mG;
+        ++step;
     }
     if (mayPassSaving)
         mWaiting.reserve(std::size_t{mVisited} + edges.size());
@@ -78,9 +80,11 @@ void MeshSearch::makeRoom(std::uint32_t node) {
 void MeshSearch::expand(std::uint32_t node) {
     mOpen.removeBest();
     SearchRecord& from = mRecords[node];
+    const Step* step = mSteps.data();
     for (const MeshGraph::Edge& edge : mGraph.edgesOf(node)) {
-        const float g = costOf(node, edge) + from.mG;
-        SearchRecord& end = mRecords[edge.end()];
+        SearchRecord& end = *step->mEnd;
+        const float g = step->mCost + from.mG;
+        ++step;
         if (end.state() == SearchRecord::UNVISITED) {
             const float h = length(mGoalPos - mGraph.centreOf(edge.end()));
             end = SearchRecord(edge.end(), edge.idFrom(node), g, h);
@@ -98,9 +102,7 @@ void MeshSearch::expand(std::uint32_t node) {
     from.setState(SearchRecord::CLOSED); // open until here: an edge back to it is harmless
 }
 
-float MeshSearch::costOf(std::uint32_t node, const MeshGraph::Edge& edge) const {
-    if (node != mStart && edge.end() != mGoal)
-        return edge.length();
+float MeshSearch::measure(std::uint32_t node, const MeshGraph::Edge& edge) const {
     const Point a = node == mStart ? mStartPos : mGraph.centreOf(node);
     const Point b = edge.end() == mGoal ? mGoalPos : mGraph.centreOf(edge.end());
     return length(b - a);

@@ -46,19 +46,29 @@ public:
 
 private:
     using Point = NavMeshContainer::Point3;
+    /// What an edge leads to, and what it costs.
+    struct Step {
+        SearchRecord* mEnd;
+        float mCost;
+    };
 
     void open();
     std::int32_t search(std::uint32_t budget);
     void stopCounting();
-    void makeRoom(std::uint32_t node);
+    void prepare(std::uint32_t node);
     void expand(std::uint32_t node);
     void passSavingOn(std::uint32_t node, std::uint32_t parentEdge, float g);
     void pushWaiting(std::uint32_t node);
-    float costOf(std::uint32_t node, const MeshGraph::Edge& edge) const;
+    float costOf(std::uint32_t node, const MeshGraph::Edge& edge) const {
+        const bool isMeasured = node == mStart || edge.end() == mGoal;
+        return isMeasured ? measure(node, edge) : edge.length();
+    }
+    float measure(std::uint32_t node, const MeshGraph::Edge& edge) const;
 
     const MeshGraph& mGraph;
     SearchRecords mRecords;
     SearchOpenList mOpen;
+    NavMeshContainer::Vector<Step> mSteps; ///< over the edges of the node that is expanded
     NavMeshContainer::Vector<std::uint32_t> mWaiting; ///< nodes whose saving is to be passed on
     std::uint32_t mVisited = 0;                       ///< nodes that were opened
     std::uint32_t mStart = 0;                         ///< as all nodes here: the graph's number

@@ -5,6 +5,11 @@
 
 namespace ZUNO::NavMesh {
 
+void SearchOpenList::grow(std::size_t records) {
+    mSorted.reserve(std::max(mSorted.capacity(), 2 * (mSorted.size() + records)));
+    mOverflow.reserve(std::max(mOverflow.capacity(), 2 * (mOverflow.size() + records)));
+}
+
 // Seen from the best, before the first one that is dearer: a record whose cost was lowered in its
 // place may stand where the order does not put it.
 void SearchOpenList::insert(SearchRecord& record) {
@@ -70,12 +75,12 @@ public:
     /// Takes a better record than the worst, which is returned. Only with as many as the limit.
     SearchRecord* exchange(SearchRecord* better) {
         SearchRecord* const dropped = mRecords[mWorst];
-        std::size_t place = 0; // counted without branches, four at a time
+        std::int32_t place = 0; // counted without branches, four at a time
         for (std::size_t i = 0; i < capacity; ++i)
-            place += mCosts[i] < better->mF ? 1U : 0U;
+            place += mCosts[i] < better->mF ? 1 : 0;
         std::move_backward(mCosts + place, mCosts + mWorst, mCosts + mWorst + 1);
         std::move_backward(mRecords + place, mRecords + mWorst, mRecords + mWorst + 1);
-        set(place, better->mF, better);
+        set(static_cast<std::size_t>(place), better->mF, better);
         mWorst = refillLimit - 1;
         return dropped;
     }

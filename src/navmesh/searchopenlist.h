@@ -33,10 +33,9 @@ public:
     /// Makes room, so that so many records can be pushed or repositioned without memory. Throws
     /// OutOfMemoryException, and then nothing has changed.
     void makeRoom(std::size_t records) {
-        if (mSorted.capacity() - mSorted.size() < records)
-            mSorted.reserve(2 * mSorted.size() + records + refillLimit);
-        if (mOverflow.capacity() - mOverflow.size() < records)
-            mOverflow.reserve(2 * mOverflow.size() + records);
+        if (mSorted.capacity() - mSorted.size() < records ||
+            mOverflow.capacity() - mOverflow.size() < records)
+            grow(records);
     }
     /// Opens a record that is in neither part.
     void push(SearchRecord& record) {
@@ -67,6 +66,7 @@ private:
     };
     class Selection;
 
+    void grow(std::size_t records);
     void insert(SearchRecord& record);
     NavMeshContainer::Vector<Entry>::iterator find(std::uint32_t node);
     void refill();

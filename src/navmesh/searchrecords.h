@@ -67,7 +67,7 @@ private:
 /// The records of a search by node number, in pages that are taken when one of their nodes is first
 /// visited, and found through tables that are taken likewise. What was not taken yet is stood for
 /// by one empty page and one table of it, so that reading asks nothing. A search costs what it
-/// visits, and 8 bytes for each 2,048 nodes of its graph.
+/// visits, and a pointer for each 1,024 nodes of its graph.
 class SearchRecords {
 public:
     SearchRecords(std::uint32_t nodeCount, BlockPool& pool,
@@ -96,7 +96,7 @@ public:
 
 private:
     static constexpr std::uint32_t recordsPerPage = BlockPool::blockSize / sizeof(SearchRecord);
-    static constexpr std::uint32_t pagesPerTable = BlockPool::blockSize / sizeof(void*);
+    static constexpr std::uint32_t pagesPerTable = 32;
 
     struct Page {
         SearchRecord mRecords[recordsPerPage];

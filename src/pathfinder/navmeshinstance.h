@@ -10,6 +10,7 @@
 #include "pathfinder/planetransform.h"
 #include "pathfinder/raytracer/raytracer.h"
 
+#include <memory>
 #include <vector>
 
 namespace ZUNO::Pathfinder {
@@ -67,7 +68,15 @@ public:
     bool saveBlockingMap(const Common::String& filename);
 
 private:
-    using OwnedAStar = Common::Memory::OwnedPtr<NavMesh::MeshSearch>;
+    /// Ends a search that did not come to be. It knows the world instead of holding an allocator,
+    /// whose handles are counted under a lock: that would take longer than all the rest.
+    struct AStarDeleter {
+        NavMeshInstance* mWorld;
+        void operator()(NavMesh::MeshSearch* aStar) const {
+            Common::Memory::destroyObject(mWorld->mAllocator, aStar);
+        }
+    };
+    using OwnedAStar = std::unique_ptr<NavMesh::MeshSearch, AStarDeleter>;
 
     /// What a load makes of a mesh file.
     struct Ground {

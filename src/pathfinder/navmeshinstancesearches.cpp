@@ -84,9 +84,10 @@ MeshSearch* NavMeshInstance::inspectSearch(std::int32_t id) {
 
 NavMeshInstance::OwnedAStar NavMeshInstance::takeAStar() {
     if (mAStarPool.empty())
-        return Common::Memory::createOwned<MeshSearch>(mAllocator, *mAStarMap, mRecordPool,
-                                                       mAllocator);
-    OwnedAStar aStar(mAStarPool.back(), {mAllocator});
+        return {Common::Memory::createObject<MeshSearch>(mAllocator, *mAStarMap, mRecordPool,
+                                                         mAllocator),
+                {this}};
+    OwnedAStar aStar(mAStarPool.back(), {this});
     mAStarPool.pop_back();
     return aStar;
 }

@@ -1,5 +1,6 @@
 #include "reference/naiveastar.h"
 #include "tests/host/hosttest.h"
+#include "tests/support/heaprequests.h"
 
 #include <cmath>
 #include <random>
@@ -160,6 +161,31 @@ TEST_F(SearchTest, FindsTheModelsPathsOnTheHarbour) {
 
 TEST_F(SearchTest, FindsTheModelsPathsOnAFloorFullOfTies) {
     compare(Worlds::makeFloor(400, 5), 150, 2);
+}
+
+TEST_F(SearchTest, TakesAllMemoryFromTheHostInProportionToWhatIsVisited) {
+    mFiles->mFiles["large"] = Worlds::makeFloor(20000, 1).toXML("large");
+    ASSERT_TRUE(start("large"));
+    const auto runMany = [&](std::uint32_t budget) {
+        const std::size_t heapBefore = heapRequests();
+        const unsigned int before = mMemory->mRequests;
+        int opened = 0;
+        for (int i = 0; i < 200; ++i) {
+            const float x = static_cast<float>(i) + 1;
+            const int id = Interface::initPathSearch({x, 0, 1}, {x, 0, 151});
+            if (id >= 0) // not in a hole
+                Interface::runPathSearch(opened++, budget);
+        }
+        EXPECT_GT(opened, 100);
+        while (opened != 0)
+            Interface::closePathSearch(--opened);
+        // the host of this test asks the heap once for each request, to count it
+        EXPECT_EQ(heapRequests() - heapBefore, mMemory->mRequests - before);
+        return mMemory->mRequests - before;
+    };
+    EXPECT_LT(runMany(50), 200U * 12);
+    EXPECT_LT(runMany(50), 10U) << "searches that were closed left their memory to these";
+    EXPECT_GT(runMany(1000), 200U);
 }
 
 TEST_F(SearchTest, HoldsTheRulesOfSearchIds) {
