@@ -55,34 +55,36 @@ BlockingMap::Position BlockingMap::cellSize() const {
     return {mScaleX != 0 ? 1.0F / mScaleX : 0.0F, mScaleY != 0 ? 1.0F / mScaleY : 0.0F};
 }
 
-BlockingCell& BlockingMap::cellAt(const Position& position) const {
+bool BlockingMap::findCellAtWorld(const Position& position, Cell& out) const {
+    if (mCells == nullptr || !mRect.contains(position))
+        return false;
     // rounding may carry the upper border of a very fine grid one cell too far
     const Cell cell = worldToCell(position);
-    const std::size_t x = std::min(static_cast<std::uint32_t>(cell.mX), mColumns - 1);
-    const std::size_t y = std::min(static_cast<std::uint32_t>(cell.mY), mRows - 1);
-    return mCells[y * mColumns + x];
+    out = {std::min(cell.mX, static_cast<int>(mColumns) - 1),
+           std::min(cell.mY, static_cast<int>(mRows) - 1)};
+    return true;
 }
 
 bool BlockingMap::getCellAtWorld(const Position& position, BlockingCell& out) const {
-    if (mCells == nullptr || !mRect.contains(position))
+    Cell cell{};
+    if (!findCellAtWorld(position, cell))
         return false;
-    out = cellAt(position);
+    out = cellAt(cell);
     return true;
 }
 
 bool BlockingMap::setCellAtWorld(const Position& position, const BlockingCell& cell) {
-    if (mCells == nullptr || !mRect.contains(position))
+    Cell place{};
+    if (!findCellAtWorld(position, place))
         return false;
-    cellAt(position) = cell;
+    cellAt(place) = cell;
     return true;
 }
 
 bool BlockingMap::getCell(int x, int y, BlockingCell& out) const {
-    const auto column = static_cast<std::uint32_t>(x);
-    const auto row = static_cast<std::uint32_t>(y);
-    if (column >= mColumns || row >= mRows || mCells == nullptr)
+    if (!hasCell({x, y}) || mCells == nullptr)
         return false;
-    out = mCells[std::size_t{row} * mColumns + column];
+    out = cellAt({x, y});
     return true;
 }
 

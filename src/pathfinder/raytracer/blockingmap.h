@@ -61,12 +61,16 @@ public:
 
     /// These return false, and do nothing else, for a position outside the rectangle or a cell
     /// outside the grid.
+    bool findCellAtWorld(const Position& position, Cell& out) const;
     bool getCellAtWorld(const Position& position, BlockingCell& out) const;
     bool setCellAtWorld(const Position& position, const BlockingCell& cell);
     bool getCell(int x, int y, BlockingCell& out) const;
 
 private:
-    BlockingCell& cellAt(const Position& position) const;
+    BlockingCell& cellAt(const Cell& cell) const {
+        return mCells[static_cast<std::size_t>(cell.mY) * mColumns +
+                      static_cast<std::size_t>(cell.mX)];
+    }
 
     BlockingCell* mCells = nullptr;
     float mScaleX = 0; ///< cells per unit

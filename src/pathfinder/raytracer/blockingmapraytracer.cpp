@@ -25,7 +25,7 @@ BlockingMapRayTracer::BlockingMapRayTracer(
     const Common::SharedPtr<NavMeshContainer>& navMesh,
     const Common::SharedPtr<Common::Memory::Allocator>& allocator, const Common::String& fileName,
     bool loadFromFile)
-    : mBlockingMap(allocator), mBits(allocator), mClearances(allocator), mAllocator(allocator) {
+    : mBlockingMap(allocator), mBits(allocator), mDistances(allocator), mAllocator(allocator) {
     if (loadFromFile)
         loadBlockingMap(fileName);
     build(*navMesh);
@@ -48,13 +48,13 @@ void BlockingMapRayTracer::build(const NavMeshContainer& mesh) {
         rasteriser.mark(node.mPolygon, {height, BlockingCell::walkable});
     }
     mBits.build(mBlockingMap);
-    mClearances.build(mBlockingMap);
+    mDistances.build(mBlockingMap);
     mLastSteps = countLastSteps();
 }
 
 bool BlockingMapRayTracer::isBlocked(const Vec2<float>& position) {
-    BlockingCell cell{};
-    return !mBlockingMap.getCellAtWorld(position, cell) || cell.isBlocked();
+    BlockingMap::Cell cell{};
+    return !mBlockingMap.findCellAtWorld(position, cell) || mBits.stopsAt(mBits.placeOf(cell));
 }
 
 float BlockingMapRayTracer::getGroundHeight(const Vec2<float>& position) {
@@ -70,11 +70,15 @@ void BlockingMapRayTracer::getBoundingRectangle(Vec2<float>& min, Vec2<float>& m
 void BlockingMapRayTracer::traceRay(Ray& ray) {
     ZUNO_CHECK_AS(!(ray.mLength < 0), "ray.mLength >= .0f",
                   "length must be equal or greater than zero");
-    BlockingCell first{};
-    if (!mBlockingMap.getCellAtWorld(ray.mStart, first) || ray.mLength <= first.mClearance)
-        ray.mHitDistance = noHit;
-    else
-        ray.mHitDistance = walk(ray, first.mClearance);
+    // the bits are what caches hold of the grid; the cells themselves are 64 times as large
+    BlockingMap::Cell first{};
+    ray.mHitDistance = noHit;
+    if (!mBlockingMap.findCellAtWorld(ray.mStart, first))
+        return;
+    const float clearance =
+        mBits.stopsAt(mBits.placeOf(first)) ? BlockingCell::blocked : BlockingCell::walkable;
+    if (!(ray.mLength <= clearance))
+        ray.mHitDistance = walk(ray, clearance);
 }
 
 float BlockingMapRayTracer::walk(const Ray& ray, float clearance) const {
@@ -113,19 +117,22 @@ float BlockingMapRayTracer::walk(const Ray& ray, float clearance) const {
 }
 
 bool BlockingMapRayTracer::advance(BitWalk& walk, std::uint32_t steps) const {
-    constexpr std::uint32_t fewest = 32; // from which leaps are worth their preparation
-    if (steps < fewest)
+    // among walls most rays end before leaps are worth their preparation
+    constexpr std::uint32_t first = 32;
+    if (steps <= first)
         return walk.advance(steps);
-    const auto doubledOften = [&](BitWalk::Leap leap, int times) {
-        for (; times != 0; --times)
-            leap = walk.doubled(leap);
-        return leap;
-    };
-    const BitWalk::Leap small = doubledOften(walk.oneStep(), 4);
-    const BitWalk::Leap large = doubledOften(small, 3);
+    if (walk.advance(first))
+        return true;
+    steps -= first;
+    BitWalk::Leap small = walk.oneStep();
+    while (small.mSteps < 16)
+        small = walk.doubled(small);
+    BitWalk::Leap large = small;
+    while (large.mSteps < 128)
+        large = walk.doubled(large);
     while (steps >= small.mSteps) {
         const std::uint32_t free =
-            std::min(mClearances.stepsFrom(mBits.cellOf(walk.place())), steps);
+            std::min(mDistances.stepsFrom(mBits.cellOf(walk.place())), steps);
         if (free < small.mSteps) {
             const std::uint32_t stretch = std::min(steps, 3 * small.mSteps);
             if (walk.advance(stretch))

@@ -3,7 +3,7 @@
 #include "common/basicstring.h"
 #include "navmesh/navmeshcontainer.h"
 #include "pathfinder/raytracer/bitwalk.h"
-#include "pathfinder/raytracer/clearancefield.h"
+#include "pathfinder/raytracer/distancefield.h"
 #include "pathfinder/raytracer/raytracer.h"
 
 namespace ZUNO::Pathfinder::Raytracer {
@@ -52,7 +52,7 @@ private:
 
     BlockingMap mBlockingMap;
     BlockedBits mBits;
-    ClearanceField mClearances;
+    DistanceField mDistances;
     std::uint32_t mLastSteps = allSteps;
     Common::Math::Vec2<float> mBoundsMin{0, 0};
     Common::Math::Vec2<float> mBoundsMax{0, 0};

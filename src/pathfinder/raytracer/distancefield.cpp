@@ -1,4 +1,4 @@
-#include "pathfinder/raytracer/clearancefield.h"
+#include "pathfinder/raytracer/distancefield.h"
 
 #include <algorithm>
 
@@ -34,7 +34,7 @@ void lower(std::uint8_t* row, const std::uint8_t* beside, std::size_t count) {
 
 } // namespace
 
-void ClearanceField::build(const BlockingMap& map) {
+void DistanceField::build(const BlockingMap& map) {
     const auto blocksOf = [](std::uint32_t cells) {
         return (std::size_t{cells} + blockSize - 1) / blockSize;
     };

@@ -9,9 +9,9 @@ namespace ZUNO::Pathfinder::Raytracer {
 
 /// For each block of 8 x 8 cells: the king's-move distance, in blocks, to the nearest block with a
 /// blocked cell or to the outside. A walk may skip 8 (distance - 1) steps. A byte for 64 cells.
-class ClearanceField {
+class DistanceField {
 public:
-    explicit ClearanceField(const Common::SharedPtr<Common::Memory::Allocator>& allocator)
+    explicit DistanceField(const Common::SharedPtr<Common::Memory::Allocator>& allocator)
         : mDistances(allocator) {}
 
     /// Throws an OutOfMemoryException. Cost: one pass over the cells.
