@@ -3,6 +3,7 @@
 #include "common/utility/floatchars.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -22,6 +23,14 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+bool isHexDigit(char c) {
+    return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+bool isHexPrefix(const char* text) {
+    return text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+}
+
 /// Whether a floating-point text that no type can hold is too large, rather than too small.
 bool isHuge(const char* text, const char* end) {
     const char* const exponent = std::find_if(
@@ -35,7 +44,8 @@ bool isHuge(const char* text, const char* end) {
 template <typename T>
 std::from_chars_result parseDigits(const char* text, const char* end, T& number) {
     if constexpr (std::is_floating_point_v<T>) {
-        if (end - text > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+        // without digits behind its prefix it is the number 0; a sign there is no part of a number
+        if (isHexPrefix(text) && isHexDigit(text[2] == '.' ? text[3] : text[2])) {
             const auto hex = Utility::floatFromChars(text + 2, end, number, 16);
             if (hex.ec != std::errc::invalid_argument)
                 return hex;
@@ -89,6 +99,21 @@ const char* parse(const char* text, T& number) {
     return result.ptr;
 }
 
+/// Returns what is behind a mark for an exponent that has no digits. The formatted input of C takes
+/// such a mark and its sign as a part of the number, which is the same with and without.
+template <typename T>
+const char* behindEmptyExponent(const char* begin, const char* end) {
+    if constexpr (std::is_floating_point_v<T>) {
+        while (isSpace(*begin) || *begin == '-' || *begin == '+')
+            ++begin;
+        const char mark = isHexPrefix(begin) ? 'p' : 'e';
+        const bool isNumber = isDigit(end[-1]) || end[-1] == '.' || mark == 'p';
+        if (isNumber && std::tolower(static_cast<unsigned char>(*end)) == mark)
+            return end[1] == '-' || end[1] == '+' ? end + 2 : end + 1;
+    }
+    return end;
+}
+
 template <typename T>
 T parseWhole(const char* text) {
     T number{};
@@ -118,9 +143,10 @@ template <typename T>
 std::size_t toNumbers(const char* text, char separator, T* numbers, std::size_t count) {
     std::fill(numbers, numbers + count, T{});
     for (std::size_t i = 0; i < count; ++i) {
-        text = parse(text, numbers[i]);
-        if (text == nullptr)
+        const char* const end = parse(text, numbers[i]);
+        if (end == nullptr)
             return i;
+        text = behindEmptyExponent<T>(text, end);
         if (i + 1 < count && *text++ != separator)
             return i + 1;
     }

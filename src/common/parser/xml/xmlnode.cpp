@@ -1,6 +1,6 @@
 #include "common/parser/xml/xmlnode.h"
 
-#include "common/parser/numbertext.h"
+#include "common/report/report.h"
 
 #include <cctype>
 
@@ -18,42 +18,6 @@ bool beginsWith(const char* text, const char* lowered) {
 
 bool isText(const char* text, const char* other) {
     return std::strcmp(text, other) == 0;
-}
-
-// How the text of a node becomes a value of each type.
-
-void convert(const char* text, std::int32_t& out) {
-    out = toInt32(text);
-}
-void convert(const char* text, std::uint32_t& out) {
-    out = static_cast<std::uint32_t>(toInt64(text));
-}
-void convert(const char* text, std::int64_t& out) {
-    out = toInt64(text);
-}
-void convert(const char* text, std::uint64_t& out) {
-    out = toUInt64(text);
-}
-void convert(const char* text, float& out) {
-    out = toFloat(text);
-}
-void convert(const char* text, double& out) {
-    out = toDouble(text);
-}
-void convert(const char* text, bool& out) {
-    out = isText(text, "1") || (!isText(text, "0") && beginsWith(text, "true"));
-}
-template <typename T>
-void convert(const char* text, Math::Vec3<T>& out) {
-    T numbers[3];
-    toNumbers(text, '/', numbers, 3);
-    out = {numbers[0], numbers[1], numbers[2]};
-}
-template <typename T>
-void convert(const char* text, Math::Vec2<T>& out) {
-    T numbers[2];
-    toNumbers(text, '/', numbers, 2);
-    out = {numbers[0], numbers[1]};
 }
 
 } // namespace
@@ -78,21 +42,21 @@ const char* XMLNode::getAttribute(const char* name) const {
 bool XMLNode::getAttribute(int& out, const char* name) const {
     const char* const value = getAttribute(name);
     if (value != nullptr)
-        out = toInt32(value);
+        out = ValueText<std::int32_t>::read(value);
     return value != nullptr;
 }
 
 bool XMLNode::getAttribute(unsigned int& out, const char* name) const {
     const char* const value = getAttribute(name);
     if (value != nullptr)
-        convert(value, out);
+        out = ValueText<std::uint32_t>::read(value);
     return value != nullptr;
 }
 
 bool XMLNode::getAttribute(float& out, const char* name) const {
     const char* const value = getAttribute(name);
     if (value != nullptr)
-        out = toFloat(value);
+        out = ValueText<float>::read(value);
     return value != nullptr;
 }
 
@@ -132,28 +96,12 @@ bool XMLNodeElements::getChildText(const char*& out, const char* name) const {
     return true;
 }
 
-template <typename T>
-bool XMLNodeElements::getChildValue(T& out, const char* name) const {
+const XMLNode* XMLNodeElements::getValueChild(const char* name) const {
     const XMLNode* const child = getChild(name);
-    if (child == nullptr || (child->mKind != NODE_TEXT && child->mKind != NODE_EMPTY))
-        return false;
-    convert(child->mText, out);
-    return true;
+    const bool hasValue =
+        child != nullptr && (child->mKind == NODE_TEXT || child->mKind == NODE_EMPTY);
+    return hasValue ? child : nullptr;
 }
-
-template bool XMLNodeElements::getChildValue(std::int32_t&, const char*) const;
-template bool XMLNodeElements::getChildValue(std::uint32_t&, const char*) const;
-template bool XMLNodeElements::getChildValue(std::int64_t&, const char*) const;
-template bool XMLNodeElements::getChildValue(std::uint64_t&, const char*) const;
-template bool XMLNodeElements::getChildValue(float&, const char*) const;
-template bool XMLNodeElements::getChildValue(double&, const char*) const;
-template bool XMLNodeElements::getChildValue(bool&, const char*) const;
-template bool XMLNodeElements::getChildValue(Math::Vec3<float>&, const char*) const;
-template bool XMLNodeElements::getChildValue(Math::Vec3<int>&, const char*) const;
-template bool XMLNodeElements::getChildValue(Math::Vec3<unsigned int>&, const char*) const;
-template bool XMLNodeElements::getChildValue(Math::Vec2<float>&, const char*) const;
-template bool XMLNodeElements::getChildValue(Math::Vec2<int>&, const char*) const;
-template bool XMLNodeElements::getChildValue(Math::Vec2<unsigned int>&, const char*) const;
 
 const XMLNode* XMLNodeElements::getNextElement() const {
     const XMLNode* const next = mCursor;
@@ -181,7 +129,8 @@ XMLNode* XMLNodeElements::removeLastElement() {
     (last->mPrevious != nullptr ? last->mPrevious->mNext : mChildren.mFirst) = nullptr;
     last->mPrevious = nullptr;
     --mChildren.mCount;
-    resetCursor();
+    if (mCursor == last)
+        mCursor = nullptr; // all that is left was read
     return last;
 }
 

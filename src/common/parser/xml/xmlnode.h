@@ -1,7 +1,7 @@
 #pragma once
 
-#include "common/math/vec3.h"
 #include "common/memory/arena.h"
+#include "common/parser/xml/xmlvalue.h"
 
 #include <cstdint>
 #include <cstring>
@@ -30,18 +30,17 @@ public:
 
     Iterator begin() const { return mMap != nullptr ? mMap->begin() : Iterator(); }
     Iterator end() const { return mMap != nullptr ? mMap->end() : Iterator(); }
-    /// The value, or null when there is no such attribute.
+    /// Returns the value, or null when there is no such attribute.
     const char* find(const char* name) const;
-    /// The map itself, made in the arena when there is none.
+    /// Returns the map itself, made in the arena when there is none.
     Map& open(Memory::Arena& arena);
 
 private:
     Map* mMap = nullptr;
 };
 
-/// A node of a document's tree. It belongs to the tree builder that made it and lies in
-/// its arena; its strings live in
-/// the builder or in the parsed document and are valid as long as that.
+/// A node of a document's tree. Lifetime: it belongs to the tree builder that made it, and lies in
+/// that builder's arena. Its strings lie in the parsed document, or are the builder's copies.
 class XMLNode {
 public:
     /// What a name or a text is until it is set.
@@ -51,14 +50,20 @@ public:
     XMLNode(const XMLNode&) = delete;
     XMLNode& operator=(const XMLNode&) = delete;
 
-    /// The value, or null when there is no such attribute.
+    /// Returns the attribute's value, or null when there is none of that name.
     const char* getAttribute(const char* name) const;
-    /// The value as a number or a truth ("1", "0", "true", "false" in any case). False, with `out`
-    /// untouched, when the attribute is missing or is no truth.
+    /// Reads an attribute as a number or a truth ("1", "0", "true", "false" in any case). Returns
+    /// false, with `out` untouched, when it is missing or is no truth.
     bool getAttribute(int& out, const char* name) const;
     bool getAttribute(unsigned int& out, const char* name) const;
     bool getAttribute(float& out, const char* name) const;
     bool getAttribute(bool& out, const char* name) const;
+
+    /// Reads the text as a value. A node without a text gives zeros.
+    template <XMLValue T>
+    void getValue(T& out) const {
+        out = static_cast<T>(ValueText<TextType<T>>::read(mText));
+    }
 
     std::int32_t mKind;           ///< a NodeKind
     XMLNode* mPrevious = nullptr; ///< siblings; null at the ends of the list of children
@@ -106,25 +111,32 @@ public:
 
     using XMLNode::XMLNode;
 
-    /// The next unread child if it has that name, else null; the cursor moves past it.
+    /// Returns the next unread child, and moves the cursor past it, if it has that name; else null.
     const XMLNode* getChild(const char* name) const;
-    /// As getChild, for an element that may have children; null for a text node, which is
-    /// consumed all the same.
+    /// As getChild, for an element that may have children. Returns null for a text node, which
+    /// counts as read all the same.
     const XMLNodeElements* getChildElements(const char* name) const;
-    /// As getChild, for a text; an element without content has the empty text.
+    /// As getChild, for a text. Returns whether there was one; an element without content has the
+    /// empty text.
     bool getChildText(const char*& out, const char* name) const;
-    /// As getChild, for a text or empty node's value: int, unsigned int, 64-bit integers, float,
-    /// double, bool, and vectors of two or three with "/" between. What the text lacks is 0.
-    template <typename T>
-    bool getChildValue(T& out, const char* name) const;
+    /// As getChild, for the value of a text or of an element without content, which gives zeros.
+    /// Returns whether there was one; an element with children, or "<a></a>", has none.
+    template <XMLValue T>
+    bool getChildValue(T& out, const char* name) const {
+        const XMLNode* const child = getValueChild(name);
+        if (child != nullptr)
+            child->getValue(out);
+        return child != nullptr;
+    }
 
-    /// The next unread child, whatever its name; null at the end.
+    /// Returns the next unread child, whatever its name, or null at the end.
     const XMLNode* getNextElement() const;
-    /// The child that was read last, or null.
+    /// Returns the child that was read last, or null.
     const XMLNode* getLastReadElement() const;
-    /// The last child. An element without children is reported and gives null.
+    /// Returns the last child, or null. Reports an element without children.
     XMLNode* getLastElement() const;
-    /// Takes the last child off the list and returns it, as getLastElement.
+    /// Takes the last child off the list and returns it, or null. The cursor stays where it is.
+    /// Reports an element without children.
     XMLNode* removeLastElement();
 
     /// Appends a child and resets the cursor. Needs no memory.
@@ -134,6 +146,9 @@ public:
     const Children& children() const { return mChildren; }
 
 private:
+    /// As getChild, for a node that has a value.
+    const XMLNode* getValueChild(const char* name) const;
+
     Children mChildren;
     mutable XMLNode* mCursor = nullptr; ///< the next unread child; null behind the last
 };

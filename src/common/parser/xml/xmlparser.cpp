@@ -31,41 +31,52 @@ const XMLNodeElements* XMLParser::parseFile(const String& filename, IO::FileSyst
             "fSystem", "XMLParser: FileSystem cannot be a NULL pointer in parseFile");
     const SharedPtr<IO::Stream> stream =
         fSystem->openFile(filename, IO::FACCESS_READ, IO::FMODE_OPEN);
-    mFullName = fSystem->getFullPath(filename);
+    mName = filename;
     struct Clear {
-        IO::FileSystem*& mPointer;
-        ~Clear() { mPointer = nullptr; }
-    } const clear{mFileSystem};
+        XMLParser& mParser;
+        ~Clear() {
+            mParser.mFileSystem = nullptr;
+            mParser.mName.clear();
+        }
+    } const clear{*this};
     mFileSystem = fSystem;
     return parse(stream.get());
 }
 
 void XMLParser::readDocument(IO::Stream* stream) {
-    constexpr const char* unreadable = "XMLParser: Cannot read complete file from stream";
     mBuilder->begin(false); // the former tree refers to the former buffers
     mIncluded.clear();
+    mInclusions = 0;
     Memory::releaseBytes(mAllocator, mBuffer);
     mBuffer = nullptr;
     const std::int64_t length = stream->getLength();
-    if (length < 0 || length >= std::int64_t{Memory::largestRequest})
-        throw new IO::IOException(unreadable);
+    if (length < 0 || length >= std::int64_t{Memory::largestRequest}) // a NUL follows
+        failToRead();
     const auto size = static_cast<std::size_t>(length);
     mBuffer = static_cast<char*>(Memory::allocateBytes(mAllocator, size + 1, 1));
     if (stream->read(mBuffer, size) != length)
-        throw new IO::IOException(unreadable);
+        failToRead();
     mBuffer[size] = '\0';
     mBufferLength = size + 1;
 }
 
+void XMLParser::failToRead() const {
+    if (mIncluder == nullptr)
+        throw new IO::IOException("XMLParser: Cannot read complete file from stream");
+    throw new IO::IOException("XMLParser: Cannot read complete file from stream '" + mName + "'");
+}
+
 void XMLParser::parseBuffer() {
-    mScanner.open(mBuffer, mBufferLength);
+    mScanner.open(mBuffer, mBufferLength, mIncluder != nullptr ? mName : String());
     char* const first = mScanner.find(mBuffer, '<');
     if (first == nullptr)
         mScanner.failAtEnd();
-    Node node = classify(first);
-    while (node.mCode == CODE_COMMENT || node.mCode == CODE_INSTRUCTION)
-        node = classify(node.mEnd);
-    mScanner.moveTo(node.mBegin);
+    mScanner.moveTo(first);
+    Node node = classify();
+    while (node.mCode == CODE_COMMENT || node.mCode == CODE_INSTRUCTION) {
+        mScanner.moveTo(node.mEnd);
+        node = classify();
+    }
     if (node.mCode == CODE_END_TAG || node.mCode == CODE_INVALID) {
         const String message =
             "XMLParser: Invalid XML format. Found nodetype : " + String(int{node.mCode});
@@ -74,76 +85,77 @@ void XMLParser::parseBuffer() {
     if (node.mCode != CODE_ELEMENTS)
         mScanner.fail("XMLParser: First tag must be a root node");
     mBuilder->begin(false);
-    readElements();
+    readElements(node);
 }
 
-XMLParser::Node XMLParser::classify(char* position) {
-    mScanner.moveTo(position);
+XMLParser::Node XMLParser::classify() {
     mScanner.skipWhitespace();
     mScanner.markPosition();
     char* const begin = mScanner.position();
     if (*begin != '<')
-        return {CODE_INVALID, begin, nullptr};
+        return {CODE_INVALID};
     char* const behind = begin + 1;
-    const auto upTo = [&](NodeCode code, const char* content, const char* closing) {
-        char* const end = mScanner.findBehind(behind + std::strlen(content), closing);
-        return end != nullptr ? Node{code, begin, end} : Node{CODE_INVALID, begin, nullptr};
+    const auto upTo = [&](NodeCode code, const char* opening, const char* closing) {
+        char* const end = mScanner.findBehind(behind + std::strlen(opening), closing);
+        return end != nullptr ? Node{code, end} : Node{CODE_INVALID};
     };
     switch (*behind) { // the NUL at the document's end is behind every '<'
     case '?':
         return upTo(CODE_INSTRUCTION, "?", "?>");
     case '!':
         return mScanner.startsWith(behind, "!--") ? upTo(CODE_COMMENT, "!--", "-->")
-                                                  : Node{CODE_INVALID, begin, nullptr};
+                                                  : Node{CODE_INVALID};
     case '/':
-        return {CODE_END_TAG, begin, nullptr};
+        return {CODE_END_TAG};
     case 'x':
         if (mScanner.startsWith(behind, "xi:include "))
-            return {CODE_INCLUDE, begin, nullptr};
+            return {CODE_INCLUDE, nullptr, mScanner.behindName(behind)};
         break;
     default:
         break;
     }
-    return classifyElement(begin);
+    return classifyElement(behind);
 }
 
-XMLParser::Node XMLParser::classifyElement(char* begin) {
-    char* const close = mScanner.find(begin + 1, '>');
+XMLParser::Node XMLParser::classifyElement(char* name) {
+    char* const nameEnd = mScanner.behindName(name);
+    // Quotes are not heeded: a '>' in an attribute's value counts too.
+    char* const close = mScanner.find(nameEnd, '>');
     if (close == nullptr)
         mScanner.failAtEnd();
     if (close[-1] == '/')
-        return {CODE_EMPTY, begin, close + 1};
-    // a look ahead: the line feeds are recorded when they are passed, if not in a text
+        return {CODE_EMPTY, nullptr, nameEnd};
+    // Look ahead without recording line feeds: classify passes them again. A text is not passed
+    // again, so its leading ones are recorded here.
     const char* const content = mScanner.behindWhitespace(close + 1);
     if (content == mScanner.end())
         mScanner.failAtEnd();
     if (*content == '<')
-        return {CODE_ELEMENTS, begin, close + 1};
+        return {CODE_ELEMENTS, nullptr, nameEnd};
     for (const char* position = close + 1; position != content; ++position)
         if (*position == '\n')
             mScanner.recordNewline(position);
-    return {CODE_TEXT, begin, close + 1};
+    return {CODE_TEXT, nullptr, nameEnd};
 }
 
-void XMLParser::readElements() {
+void XMLParser::readElements(const Node& root) {
     // A loop instead of a recursion: the builder knows the elements that are open, and a document
     // that nests deep costs no stack.
-    beginElements();
+    beginElements(root);
     for (bool isDone = false; !isDone;) {
-        const Node node = classify(mScanner.position());
-        mScanner.moveTo(node.mBegin);
+        const Node node = classify();
         switch (node.mCode) {
         case CODE_ELEMENTS:
-            beginElements();
+            beginElements(node);
             break;
         case CODE_TEXT:
-            readText();
+            readText(node);
             break;
         case CODE_EMPTY:
-            readEmpty();
+            readEmpty(node);
             break;
         case CODE_INCLUDE:
-            readInclude();
+            readInclude(node);
             break;
         case CODE_COMMENT:
         case CODE_INSTRUCTION:
@@ -158,11 +170,11 @@ void XMLParser::readElements() {
     }
 }
 
-void XMLParser::beginElements() {
+void XMLParser::beginElements(const Node& node) {
     if (mBuilder->getDepth() == maxDepth)
         mScanner.fail("XMLParser: Elements are nested deeper than 4096 levels");
     mBuilder->beginNode(NODE_ELEMENTS);
-    readStartTag();
+    readStartTag(node);
 }
 
 bool XMLParser::endElements() {
@@ -172,14 +184,14 @@ bool XMLParser::endElements() {
     return isRoot;
 }
 
-void XMLParser::readEmpty() {
+void XMLParser::readEmpty(const Node& node) {
     mBuilder->beginNode(NODE_EMPTY);
-    readStartTag();
+    readStartTag(node);
 }
 
-void XMLParser::readText() {
+void XMLParser::readText(const Node& node) {
     mBuilder->beginNode(NODE_TEXT);
-    const char* const name = readStartTag();
+    const char* const name = readStartTag(node);
     char* const text = mScanner.position();
     mScanner.markPosition();
     char* const textEnd = mScanner.find(text, '<');
@@ -191,8 +203,8 @@ void XMLParser::readText() {
     mBuilder->setText(text);
 }
 
-void XMLParser::readInclude() {
-    readEmpty();
+void XMLParser::readInclude(const Node& node) {
+    readEmpty(node);
     const XMLNode* const element = mBuilder->getCurrent();
     ZUNO_CHECK_AS(std::strcmp(element->mName, "xi:include") == 0,
                   "!strcmp(incNode->name,\"xi:include\")",
@@ -213,7 +225,7 @@ void XMLParser::readInclude() {
 }
 
 void XMLParser::include(const String& href) {
-    checkInclusion(href, mFileSystem->getFullPath(href));
+    countInclusion(href);
     mIncluded.push_back(SharedPtr<XMLParser>(Memory::createManaged<XMLParser>(mAllocator)));
     XMLParser& parser = *mIncluded.back();
     parser.mIncluder = this;
@@ -221,24 +233,27 @@ void XMLParser::include(const String& href) {
     mBuilder->addTree(parser.mBuilder);
 }
 
-void XMLParser::checkInclusion(const String& href, const String& fullName) const {
+void XMLParser::countInclusion(const String& href) {
+    // By its name as it stands. A document that includes itself under another name is read once
+    // more, and there the same name comes a second time.
     unsigned int depth = 0;
-    for (const XMLParser* reading = this; reading != nullptr; reading = reading->mIncluder) {
-        if (reading->mFullName == fullName) {
+    XMLParser* outermost = this;
+    for (XMLParser* reading = this; reading != nullptr; reading = reading->mIncluder) {
+        if (reading->mName == href) {
             const String message = "XMLParser: The document '" + href + "' is being read already";
             mScanner.fail(message.getConstCharPtr());
         }
         if (++depth == maxIncludes)
             mScanner.fail("XMLParser: Documents are included deeper than 32 levels");
+        outermost = reading;
     }
+    if (outermost->mInclusions++ == maxInclusions)
+        mScanner.fail("XMLParser: More than 1024 documents are included");
 }
 
-const char* XMLParser::readStartTag() {
-    mScanner.skipWhitespace();
-    mScanner.markPosition();
-    if (!mScanner.accept('<'))
-        mScanner.failAtByte("XMLParser: expected '<' and found '", "");
-    const XMLScanner::Range name = mScanner.readName();
+const char* XMLParser::readStartTag(const Node& node) {
+    mScanner.advance(); // the opening bracket, on which every classified node begins
+    const XMLScanner::Range name = mScanner.readName(node.mNameEnd);
     mScanner.markPosition();
     if (mScanner.accept('>')) {
         *name.mEnd = '\0';
@@ -255,7 +270,7 @@ const char* XMLParser::readStartTag() {
     if (!XMLScanner::isWhitespace(mScanner.current()))
         mScanner.failAtByte("XMLParser: Invalid character '", "' in name.");
     if (*name.mEnd == '\n')
-        mScanner.recordNewline(name.mEnd);
+        mScanner.recordNewline(name.mEnd); // it is overwritten now
     *name.mEnd = '\0';
     mBuilder->setName(name.mBegin);
     readAttributes();
@@ -294,12 +309,12 @@ void XMLParser::readAttributes() {
 }
 
 void XMLParser::readEndTag(const char* startName) {
-    mScanner.skipWhitespace();
     mScanner.markPosition();
-    if (!mScanner.accept('<'))
-        mScanner.failAtByte("XMLParser: Expected '<' but found '", "'");
+    mScanner.advance(); // the opening bracket
     if (!mScanner.accept('/'))
         mScanner.failAtByte("XMLParser: Expected '/' but found '", "'");
+    if (mScanner.acceptTagEnd(startName))
+        return;
     const XMLScanner::Range name = mScanner.readName();
     if (!mScanner.accept('>')) {
         mScanner.markPosition();

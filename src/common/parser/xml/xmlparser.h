@@ -22,21 +22,26 @@ public:
     XMLParser();
     ~XMLParser() override;
 
-    /// Parses what the stream holds from its position on and returns the root, which stays the
-    /// parser's. Raises an XMLParserException (with line and row) for what is no such document,
-    /// an IOException when the stream can't be read whole, an ArgumentNullException without one.
+    /// Parses what the stream holds from its position on. Returns the root, which stays the
+    /// parser's. Throws an XMLParserException (with line and row) for what is no such document, an
+    /// IOException when the stream can't be read whole or its length does not fit 32 bits of
+    /// memory, an ArgumentNullException without a stream.
     const XMLNodeElements* parse(IO::Stream* stream);
 
     /// Parses a file. Where it holds an element `xi:include` with the attribute "href", the
-    /// document of that name takes the element's place (a relative name is looked up from the
-    /// working directory); its errors carry its own lines. Inclusion deeper than `maxIncludes`, or
-    /// of a document that is being read already, raises an XMLParserException. Raises what opening
-    /// the file raises, and an ArgumentNullException without a file system, which must live as
-    /// long as the call.
+    /// document of that name takes the element's place; a relative name is looked up from the
+    /// working directory. Throws as `parse` and as `FileSystem::openFile`, and an
+    /// ArgumentNullException without a file system. Failures in an included document carry its
+    /// lines and its name. Throws an XMLParserException for inclusion deeper than `maxIncludes`, of
+    /// a document that is being read already, and for more than `maxInclusions` altogether.
+    /// Lifetime: the file system is used during the call only.
     const XMLNodeElements* parseFile(const String& filename, IO::FileSystem* fSystem);
 
     /// How many documents may be read within each other.
     static constexpr unsigned int maxIncludes = 32;
+    /// How many documents one may include, those that they include among them. Without this bound a
+    /// few documents that each include the next twice make an endless one.
+    static constexpr unsigned int maxInclusions = 1024;
 
 private:
     /// What stands at a place of the document.
@@ -50,29 +55,32 @@ private:
         CODE_ELEMENTS = NODE_ELEMENTS,
         CODE_INCLUDE = 3
     };
+    /// What a look ahead found out about the node on which the scanner stands.
     struct Node {
         NodeCode mCode;
-        char* mBegin;
-        char* mEnd; ///< of a comment or instruction
+        char* mEnd = nullptr;     ///< what follows a comment or an instruction
+        char* mNameEnd = nullptr; ///< what follows an element's name
     };
 
     void readDocument(IO::Stream* stream);
+    [[noreturn]] void failToRead() const;
     void parseBuffer();
 
-    Node classify(char* position);
-    Node classifyElement(char* begin);
+    /// Moves to the next node and looks ahead.
+    Node classify();
+    Node classifyElement(char* name);
 
-    void readElements();
-    void beginElements();
+    void readElements(const Node& root);
+    void beginElements(const Node& node);
     /// Returns whether that was the root's end.
     bool endElements();
-    void readEmpty();
-    void readText();
-    void readInclude();
+    void readEmpty(const Node& node);
+    void readText(const Node& node);
+    void readInclude(const Node& node);
     void include(const String& href);
     /// Fails when the document can't be included here.
-    void checkInclusion(const String& href, const String& fullName) const;
-    const char* readStartTag();
+    void countInclusion(const String& href);
+    const char* readStartTag(const Node& node);
     void readAttributes();
     void readEndTag(const char* startName);
 
@@ -81,8 +89,9 @@ private:
     XMLScanner mScanner;
     XMLTreeBuilder* mBuilder;
     IO::FileSystem* mFileSystem = nullptr; ///< set while `parseFile` runs
-    String mFullName;                      ///< of the file that `parseFile` reads
-    const XMLParser* mIncluder = nullptr;  ///< the parser that this one reads a document for
+    String mName;                          ///< of the file that `parseFile` reads
+    XMLParser* mIncluder = nullptr;        ///< the parser that this one reads a document for
+    unsigned int mInclusions = 0;          ///< counted by the outermost parser
     /// One for each inclusion: the tree refers to their buffers.
     std::list<SharedPtr<XMLParser>, Memory::STLAllocator<SharedPtr<XMLParser>>> mIncluded;
 };

@@ -7,7 +7,8 @@
 
 namespace ZUNO::Common::Parser::XML {
 
-void XMLScanner::open(char* document, std::uint64_t length) {
+void XMLScanner::open(char* document, std::uint64_t length, const String& name) {
+    mName = name;
     mBegin = mPosition = mErrorPosition = document;
     mEnd = document + length;
     mNewlines.clear();
@@ -25,13 +26,15 @@ bool XMLScanner::startsWith(const char* position, const char* text) const {
 
 void XMLScanner::fail(const char* message) const {
     const auto errorOffset = static_cast<std::uint32_t>(mErrorPosition - mBegin);
-    auto newlines = mNewlines;
-    std::sort(newlines.begin(), newlines.end());
-    newlines.erase(std::unique(newlines.begin(), newlines.end()), newlines.end());
-    const auto behind = std::upper_bound(newlines.begin(), newlines.end(), errorOffset);
-    const auto count = static_cast<std::uint32_t>(behind - newlines.begin());
-    const std::uint32_t row = count != 0 ? errorOffset - *(behind - 1) : errorOffset;
-    throw new XMLParserException(message, count + 1, row);
+    std::uint32_t line = 1;
+    std::uint32_t lineStart = 0;
+    for (const std::uint32_t newline : mNewlines) {
+        if (newline > errorOffset)
+            continue; // seen by a look ahead
+        ++line;
+        lineStart = std::max(lineStart, newline);
+    }
+    throw new XMLParserException(message, line, errorOffset - lineStart, mName);
 }
 
 void XMLScanner::failAtByte(const char* before, const char* behind) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/basicstring.h"
 #include "common/memory/stlallocator.h"
 
 #include <array>
@@ -31,10 +32,10 @@ inline constexpr ByteClass
     nameClass("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.,-:");
 inline constexpr ByteClass whitespaceClass(" \t\n\r");
 
-/// Walks over a document's bytes: the steps that all parts of the grammar share, and the line
-/// counting. The document ends in a NUL, which counts as white space and as a name character, so
-/// that strings can be terminated in place. Every failure is an XMLParserException with the line
-/// and row of the error position.
+/// Walks over a document's bytes: the steps that all parts of the grammar share, and the counting
+/// of lines. The document ends in a NUL, which counts as white space and as a name character, so
+/// that strings can be terminated in place. Throws an XMLParserException, with the line and row of
+/// the error position, for every failure.
 class XMLScanner {
 public:
     /// A stretch of the document.
@@ -45,16 +46,17 @@ public:
 
     explicit XMLScanner(const SharedPtr<Memory::Allocator>& allocator) : mNewlines(allocator) {}
 
-    /// Starts at the beginning of a document of `length` bytes, its NUL included.
-    void open(char* document, std::uint64_t length);
+    /// Starts at the beginning of a document of `length` bytes, its NUL included. Failures carry
+    /// the document's name, unless that is empty.
+    void open(char* document, std::uint64_t length, const String& name);
 
     char* position() const { return mPosition; }
     char* end() const { return mEnd; }
     void moveTo(char* position) { mPosition = position; }
-    /// Errors from now on are where the scanner stands.
+    /// From now on failures are where the scanner stands.
     void markPosition() { mErrorPosition = mPosition; }
 
-    /// The byte at the position. Fails at the end of the document.
+    /// Returns the byte at the position. Fails at the end of the document.
     char current() const {
         if (mPosition == mEnd)
             failAtEnd();
@@ -76,30 +78,49 @@ public:
                 recordNewline(mPosition);
         current();
     }
-    /// The first byte from `from` on that is no white space, or the document's end. Records no
-    /// line feeds.
+    /// Returns the first byte from `from` on that is no white space, or the document's end. Records
+    /// no line feeds.
     char* behindWhitespace(char* from) const {
         while (from != mEnd && isWhitespace(*from))
             ++from;
         return from;
     }
+    /// Returns the first byte from `from` on that can't stand in a name, or the document's end.
+    char* behindName(char* from) const {
+        while (from != mEnd && nameClass.has(*from))
+            ++from;
+        return from;
+    }
     /// Reads a name; it is not terminated.
-    Range readName() {
+    Range readName() { return readName(behindName(mPosition)); }
+    /// Reads a name that is known to end at `end`.
+    Range readName(char* end) {
         markPosition();
         if (!nameStartClass.has(current()))
             failAtNameStart();
         char* const begin = mPosition;
-        while (mPosition != mEnd && nameClass.has(*mPosition))
-            ++mPosition;
+        mPosition = end;
         if (mPosition == mEnd)
             failInName();
-        return {begin, mPosition};
+        return {begin, end};
     }
-    /// The next `byte` from `from` on, or null.
+    /// Steps over a name and the '>' directly behind it, if that is what stands here.
+    bool acceptTagEnd(const char* name) {
+        char* end = mPosition;
+        for (; *name != '\0'; ++name, ++end)
+            if (*end != *name) // at the latest the document's NUL
+                return false;
+        if (*end != '>')
+            return false;
+        markPosition(); // as for every name
+        mPosition = end + 1;
+        return true;
+    }
+    /// Returns the next `byte` from `from` on, or null.
     char* find(char* from, char byte) const {
         return static_cast<char*>(std::memchr(from, byte, static_cast<std::size_t>(mEnd - from)));
     }
-    /// What follows the first `text` from `from` on, or null.
+    /// Returns what follows the first `text` from `from` on, or null.
     char* findBehind(char* from, const char* text) const;
     bool startsWith(const char* position, const char* text) const;
 
@@ -123,7 +144,8 @@ private:
     char* mEnd = nullptr;
     char* mPosition = nullptr;
     char* mErrorPosition = nullptr;
-    /// Offsets of the line feeds passed as white space, in the order of passing, some repeatedly.
+    String mName;
+    /// Offsets of the line feeds that were passed as white space, each once.
     std::vector<std::uint32_t, Memory::STLAllocator<std::uint32_t>> mNewlines;
 };
 

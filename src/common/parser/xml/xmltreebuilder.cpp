@@ -7,29 +7,15 @@ namespace ZUNO::Common::Parser::XML {
 
 namespace {
 
-// Each writes a value and returns its end; the scratch buffer holds the longest.
+bool isKind(std::int32_t kind) {
+    return kind >= NODE_EMPTY && kind <= NODE_ELEMENTS;
+}
 
-template <typename T>
-char* format(char* buffer, const T& number) {
-    return formatNumber(buffer, number);
-}
-char* format(char* buffer, const bool& truth) {
-    const char* const text = truth ? "true" : "false";
-    const std::size_t length = std::strlen(text);
-    std::memcpy(buffer, text, length + 1);
-    return buffer + length;
-}
-template <typename T>
-char* format(char* buffer, const Math::Vec2<T>& vector) {
-    buffer = formatNumber(buffer, vector.mX);
-    *buffer++ = '/';
-    return formatNumber(buffer, vector.mY);
-}
-template <typename T>
-char* format(char* buffer, const Math::Vec3<T>& vector) {
-    buffer = format(buffer, Math::Vec2<T>(vector.mX, vector.mY));
-    *buffer++ = '/';
-    return formatNumber(buffer, vector.mZ);
+/// Returns the first node without children that a walk down the first children comes to.
+XMLNode* firstLeafOf(XMLNode* node) {
+    while (node->mKind == NODE_ELEMENTS && !static_cast<XMLNodeElements*>(node)->children().empty())
+        node = *static_cast<XMLNodeElements*>(node)->children().begin();
+    return node;
 }
 
 } // namespace
@@ -51,23 +37,15 @@ void XMLTreeBuilder::begin(const char* rootName, bool copyStrings) {
 }
 
 void XMLTreeBuilder::beginNode(std::int32_t kind) {
-    const bool isElements = kind == NODE_ELEMENTS;
-    if (!ZUNO_CHECK_AS(isElements || mRoot != nullptr, "root",
-                       "The root must be an element with children"))
-        return;
-    XMLNode* node = nullptr;
-    switch (kind) {
-    case NODE_TEXT:
-        node = createNode<XMLNode>(kind);
-        break;
-    case NODE_EMPTY:
-    case NODE_ELEMENTS:
-        node = createNode<XMLNodeElements>(kind);
-        break;
-    default:
+    if (!isKind(kind)) {
         ZUNO_REPORT("", "Unknown node type: " << kind);
         return;
     }
+    if (!ZUNO_CHECK_AS(kind == NODE_ELEMENTS || mRoot != nullptr, "root",
+                       "The root must be an element with children"))
+        return;
+    XMLNode* const node =
+        kind == NODE_TEXT ? createNode<XMLNode>(kind) : createNode<XMLNodeElements>(kind);
     attach(node);
     mCurrent = node;
 }
@@ -95,9 +73,15 @@ void XMLTreeBuilder::attach(XMLNode* node) {
     open->addChild(node);
 }
 
+void XMLTreeBuilder::replace(const char*& string, const char* value) {
+    const char* const former = string;
+    string = keep(value);
+    release(former);
+}
+
 void XMLTreeBuilder::setName(const char* name) {
     if (mCurrent != nullptr)
-        mCurrent->mName = keep(name);
+        replace(mCurrent->mName, name);
 }
 
 void XMLTreeBuilder::setText(const char* text) {
@@ -106,7 +90,7 @@ void XMLTreeBuilder::setText(const char* text) {
     if (mCurrent->mKind != NODE_TEXT)
         ZUNO_REPORT("", "Cannot set text for node of type : " << mCurrent->mKind);
     else
-        mCurrent->mText = keep(text);
+        replace(mCurrent->mText, text);
 }
 
 void XMLTreeBuilder::beginElements(const char* name) {
@@ -125,37 +109,13 @@ void XMLTreeBuilder::addTextNode(const char* name, const char* text) {
     setText(text);
 }
 
-template <typename T>
-void XMLTreeBuilder::addTextNode(const char* name, const T& value) {
-    if (!canFormat())
-        return;
-    format(mScratch, value);
-    addTextNode(name, static_cast<const char*>(mScratch));
-}
-
-template void XMLTreeBuilder::addTextNode(const char*, const std::int32_t&);
-template void XMLTreeBuilder::addTextNode(const char*, const std::uint32_t&);
-template void XMLTreeBuilder::addTextNode(const char*, const std::int64_t&);
-template void XMLTreeBuilder::addTextNode(const char*, const std::uint64_t&);
-template void XMLTreeBuilder::addTextNode(const char*, const float&);
-template void XMLTreeBuilder::addTextNode(const char*, const double&);
-template void XMLTreeBuilder::addTextNode(const char*, const bool&);
-template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec3<float>&);
-template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec3<int>&);
-template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec3<unsigned int>&);
-template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec2<float>&);
-template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec2<int>&);
-template void XMLTreeBuilder::addTextNode(const char*, const Math::Vec2<unsigned int>&);
-
 void XMLTreeBuilder::addAttribute(const char* name, const char* value) {
     if (mCurrent == nullptr)
         return;
     XMLAttributes::Map& attributes = mCurrent->mAttributes.open(arena());
     const auto place = attributes.find(name);
     if (place != attributes.end()) {
-        const char* const former = place->second;
-        place->second = keep(value);
-        release(former);
+        replace(place->second, value);
         return;
     }
     const char* const keptName = keep(name);
@@ -212,7 +172,7 @@ void XMLTreeBuilder::removeLastNode() {
     XMLNodeElements* const open = getOpenElement();
     if (open == nullptr)
         return;
-    releaseStringsBelow(open->removeLastElement());
+    releaseTree(open->removeLastElement());
     mCurrent = open->children().empty() ? open : open->children().back();
 }
 
@@ -259,35 +219,32 @@ void XMLTreeBuilder::release(const char* string) {
         Memory::releaseBytes(mAllocator, const_cast<char*>(string));
 }
 
-void XMLTreeBuilder::releaseStrings(XMLNode* node) {
-    for (const auto& [name, value] : node->mAttributes) {
-        release(name);
-        release(value);
+void XMLTreeBuilder::releaseNode(const XMLNode* node) {
+    if (mCopyStrings) {
+        for (const auto& [name, value] : node->mAttributes) {
+            release(name);
+            release(value);
+        }
+        release(node->mName);
+        release(node->mText);
     }
-    release(node->mName);
-    release(node->mText);
-    if (node->mKind < NODE_EMPTY || node->mKind > NODE_ELEMENTS)
+    if (!isKind(node->mKind))
         ZUNO_REPORT("", "Undefined node type: " << node->mKind);
 }
 
-void XMLTreeBuilder::releaseStringsBelow(XMLNode* root) {
-    // without recursion: a document may be nested deeper than the stack bears
-    XMLNode* node = mCopyStrings ? root : nullptr;
-    while (node != nullptr) {
-        const bool hasChildren = node->mKind == NODE_ELEMENTS &&
-                                 !static_cast<XMLNodeElements*>(node)->children().empty();
-        if (hasChildren) {
-            node = static_cast<XMLNodeElements*>(node)->removeLastElement();
-            continue;
-        }
-        XMLNode* const parent = node != root ? node->mParent : nullptr;
-        releaseStrings(node);
-        node = parent;
-    }
+void XMLTreeBuilder::releaseTree(XMLNode* root) {
+    if (root == nullptr)
+        return;
+    // Without recursion: a document may be nested deeper than the stack bears. The nodes
+    // themselves stay until the arena goes.
+    XMLNode* node = firstLeafOf(root);
+    for (; node != root; node = node->mNext != nullptr ? firstLeafOf(node->mNext) : node->mParent)
+        releaseNode(node);
+    releaseNode(root);
 }
 
 void XMLTreeBuilder::destroyTree() {
-    releaseStringsBelow(mRoot);
+    releaseTree(mRoot);
     mRoot = nullptr;
     mCurrent = nullptr;
     mOpenElements.clear();

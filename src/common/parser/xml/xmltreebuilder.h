@@ -20,25 +20,31 @@ public:
     /// Begins a document with a root of that name, which is then the open element.
     void begin(const char* rootName, bool copyStrings);
 
-    /// A new node in the open element, or the root; kind 2 becomes the open element. Another kind
-    /// is reported and makes nothing.
+    /// Adds a node of that kind to the open element (the first one is the root). A NODE_ELEMENTS
+    /// node becomes the open element. Reports an unknown kind, and a root of another kind than
+    /// NODE_ELEMENTS; nothing is added then.
     void beginNode(std::int32_t kind);
-    /// The name and the text of the current node, the one made last. A text for a node of another
-    /// kind is reported and dropped.
+    /// These give the current node, the one made last, its name and its text, in place of former
+    /// ones. Reports a text for a node that is no NODE_TEXT, and drops it.
     void setName(const char* name);
     void setText(const char* text);
 
     void beginElements(const char* name);
     void addEmptyNode(const char* name);
     void addTextNode(const char* name, const char* text);
-    /// A text node with the value in decimal, "%g", "true" or "false"; vectors with "/" between.
-    /// Without copied strings this is reported and adds nothing.
-    template <typename T>
-    void addTextNode(const char* name, const T& value);
+    /// Adds a text node with the value's text: see `ValueText`. Reports a builder that does not
+    /// copy its strings, and adds nothing then.
+    template <XMLValue T>
+    void addTextNode(const char* name, const T& value) {
+        if (!canFormat())
+            return;
+        ValueText<TextType<T>>::write(mScratch, static_cast<TextType<T>>(value));
+        addTextNode(name, static_cast<const char*>(mScratch));
+    }
 
-    /// An attribute of the current node; a second one of the same name takes its place.
+    /// Adds an attribute to the current node; a second one of the same name takes its place.
     void addAttribute(const char* name, const char* value);
-    /// The value in decimal, "%f", "1" or "0". Without copied strings as `addTextNode`.
+    /// The same with a value in decimal, "%f", "1" or "0". Reports as `addTextNode`.
     void addAttribute(const char* name, int value);
     void addAttribute(const char* name, unsigned int value);
     void addAttribute(const char* name, bool value);
@@ -48,35 +54,36 @@ public:
     /// that is not the open element's nothing happens and the result is false.
     bool endElement(const char* name = nullptr);
 
-    /// Destroys the last child of the open element.
+    /// Destroys the last child of the open element. Reports an element without children.
     void removeLastNode();
 
-    /// Takes the tree of another builder as the last child of the open element. Both must have the
-    /// same allocator and the same way with strings; else this is reported and nothing happens.
+    /// Takes the tree of another builder, which is empty then, as the last child of the open
+    /// element. Reports a null builder, one of another allocator, and one that treats strings
+    /// differently; nothing happens then.
     void addTree(XMLTreeBuilder* tree);
 
-    /// The root, or null.
+    /// Returns the root, or null.
     XMLNodeElements* getRoot() const { return mRoot; }
-    /// The node made or taken last, or null.
+    /// Returns the node made or taken last, or null.
     XMLNode* getCurrent() const { return mCurrent; }
-    /// The element into which nodes go, or null.
+    /// Returns the element into which nodes go, or null.
     XMLNodeElements* getOpenElement() const {
         return mOpenElements.empty() ? nullptr : mOpenElements.back();
     }
-    /// How many elements are open.
+    /// Returns how many elements are open.
     std::size_t getDepth() const { return mOpenElements.size(); }
 
 private:
-    static constexpr std::size_t scratchSize = 128;
-
     const char* keep(const char* string);
     void release(const char* string);
+    void replace(const char*& string, const char* value);
     Memory::Arena& arena();
     template <typename Node>
     Node* createNode(std::int32_t kind);
     void attach(XMLNode* node);
-    void releaseStrings(XMLNode* node);
-    void releaseStringsBelow(XMLNode* root);
+    void releaseNode(const XMLNode* node);
+    /// Releases what a node and all below it hold outside the arena: children first.
+    void releaseTree(XMLNode* root);
     void destroyTree();
     /// Whether values may be formatted; reports when not.
     bool canFormat() const;
@@ -88,7 +95,7 @@ private:
     SharedPtr<Memory::Arena> mArena; ///< holds the nodes; null before the first
     /// Those of the trees that were taken in.
     std::vector<SharedPtr<Memory::Arena>, Memory::STLAllocator<SharedPtr<Memory::Arena>>> mAdopted;
-    char mScratch[scratchSize];
+    char mScratch[longestValue];
 };
 
 } // namespace ZUNO::Common::Parser::XML
