@@ -97,6 +97,20 @@ private:
     const String mNeighbour = "node_id";
 };
 
+void reportNeighboursLeftOut(const NavMeshContainer& mesh) {
+    const auto isLost = [](const NavMeshContainer::NavNode& node) {
+        const auto corners = static_cast<std::ptrdiff_t>(node.mPolygon.size());
+        return std::ssize(node.mNeighbours) > corners &&
+               std::any_of(node.mNeighbours.begin() + corners, node.mNeighbours.end(),
+                           [](std::int32_t neighbour) { return neighbour >= 0; });
+    };
+    const auto first = std::find_if(mesh.mNodes.begin(), mesh.mNodes.end(), isLost);
+    if (first != mesh.mNodes.end())
+        ZUNO_REPORT("", "node " << first - mesh.mNodes.begin()
+                                << " has neighbours behind its last corner: the binary form leaves "
+                                   "them out, and paths over them will not be found");
+}
+
 /// Reads one mesh; the names of items are not looked at.
 class Reader {
 public:
@@ -202,8 +216,14 @@ bool NavMeshContainer::readBinary(const SharedPtr<IO::Stream>& stream) {
 }
 
 void NavMeshContainer::writeBinary(const SharedPtr<IO::Stream>& stream, std::int32_t option) const {
+    writeBinary(stream, option, mAllocator);
+}
+
+void NavMeshContainer::writeBinary(const SharedPtr<IO::Stream>& stream, std::int32_t option,
+                                   const SharedPtr<Memory::Allocator>& allocator) const {
     const std::unique_ptr<BinarySerializeStorage> storage(
-        Memory::createManaged<BinarySerializeStorage>(mAllocator, Serialize::SMODE_OUTPUT, option));
+        Memory::createManaged<BinarySerializeStorage>(allocator, Serialize::SMODE_OUTPUT, option));
+    reportNeighboursLeftOut(*this);
     storage->open(stream);
     Writer(*this, *storage).run();
     storage->close();

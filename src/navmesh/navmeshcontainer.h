@@ -99,20 +99,25 @@ public:
     /// An estimate of the bytes held.
     std::uint32_t getMemoryUsage() const;
 
-    /// Fills the mesh from a "navmesh" element. False, after a report, when something that must be
-    /// there is missing; values are taken as they are.
+    /// Fills the mesh from a "navmesh" element, in place of former nodes, vertices and heights, and
+    /// of the tables that the element has. Returns false, after a report, when something that must
+    /// be there is missing; values are taken as they are.
     bool readXML(const Common::Parser::XML::XMLNodeElements& element);
     /// Appends the "navmesh" element to a document that copies its strings. Floats keep six
     /// significant digits.
     void writeXML(Common::Parser::XML::XMLTreeBuilder& builder) const;
 
-    /// Fills a new mesh from its binary form; keeps every bit. True, or an exception of the
-    /// storage's: for a stream that is cut or no such mesh.
+    /// Fills a new mesh from its binary form; keeps every bit. Returns true. Throws what the
+    /// storage throws: for a stream that is cut or no such mesh.
     bool readBinary(const Common::SharedPtr<Common::IO::Stream>& stream);
-    /// `option` is the byte order to write (1: little-endian). A node's neighbours beyond its
-    /// corners are left out, missing ones become -1: the form has one count for both.
+    /// `option` is the byte order to write (1: little-endian). The form has one count for a node's
+    /// corners and neighbours: missing neighbours become -1, those behind the last corner are left
+    /// out. Reports the first node that loses one so. The storage comes from `allocator`, or from
+    /// the mesh's own.
     void writeBinary(const Common::SharedPtr<Common::IO::Stream>& stream,
                      std::int32_t option) const;
+    void writeBinary(const Common::SharedPtr<Common::IO::Stream>& stream, std::int32_t option,
+                     const Common::SharedPtr<Common::Memory::Allocator>& allocator) const;
 
     const Common::SharedPtr<Common::Memory::Allocator>& getAllocator() const { return mAllocator; }
 

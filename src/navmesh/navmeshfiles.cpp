@@ -83,7 +83,7 @@ void saveNavMeshBinary(const String& fileName, const SharedPtr<NavMeshContainer>
     if (resources == nullptr)
         return;
     const SharedPtr<IO::Stream> stream = resources->openWriteStream(fileName);
-    mesh->writeBinary(stream, 1);
+    mesh->writeBinary(stream, 1, resources->getAllocator());
     stream->close();
 }
 

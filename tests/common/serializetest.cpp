@@ -162,6 +162,13 @@ TEST_F(SerializeTest, SkipsAndReturns) {
     EXPECT_EQ(type, ITEM_INT32);
     EXPECT_STREQ(name.getConstCharPtr(), "last");
     in->setPosition(begin);
+    String typeName;
+    std::uint32_t version = 0;
+    in->readClassEnter(name, typeName, typeName, version);
+    for (type = 0; type != ITEM_CLASS_EXIT;)
+        in->skipItem(name, type);
+    EXPECT_TRUE(name.isEmpty()) << "the end of a class has no name";
+    in->setPosition(begin);
     EXPECT_TRUE(*in->getPosition() == *begin);
     readAll(*in);
     in->setPosition({});
@@ -171,6 +178,48 @@ TEST_F(SerializeTest, SkipsAndReturns) {
               (Texts{"storagePos->getStorageType() == STORAGE_BINARY|Cannot use StoragePosition "
                      "from wrong type",
                      "getSerializeMode() == SMODE_INPUT|Cannot read on a write stream"}));
+}
+
+TEST_F(SerializeTest, AsksForNoMoreThanThereIsAndReturnsToTheLastItem) {
+    struct StrictFiles : MemoryFiles {
+        std::int32_t readFile(void* to, std::uint32_t count, Handle handle) override {
+            const bool isThere = getFilePosition(handle) + count <= getFileLength(handle);
+            return isThere ? MemoryFiles::readFile(to, count, handle) : -1;
+        }
+    };
+    writeAll("s", 1);
+    auto* const strict = new StrictFiles;
+    strict->mFiles = mFiles->mFiles;
+    mFileCallback = mFiles = strict;
+    const SharedPtr<IO::Stream> stream = open("s", 1);
+    auto in = make(SMODE_INPUT, 2);
+    in->open(stream);
+    readAll(*in);
+    const auto end = stream->getPosition();
+    in->close();
+    EXPECT_GT(end, stream->getPosition());
+    EXPECT_EQ(mFiles->mFiles["s"][static_cast<std::size_t>(stream->getPosition())], 16)
+        << "the count of the first table";
+}
+
+TEST_F(SerializeTest, EndsWhateverTheHostThrows) {
+    struct ThrowingFiles : MemoryFiles {
+        std::int32_t writeFile(const void* from, std::uint32_t count, Handle handle) override {
+            if (mThrows)
+                throw 5;
+            return MemoryFiles::writeFile(from, count, handle);
+        }
+        bool mThrows = false;
+    };
+    auto* const throwing = new ThrowingFiles;
+    mFileCallback = mFiles = throwing;
+    auto out = make(SMODE_OUTPUT, 1);
+    out->open(open("s", 3));
+    throwing->mThrows = true;
+    out.reset();
+    EXPECT_EQ(Reports::take(),
+              Texts{"|The lookup tables could not be written: the stream raised what is no "
+                    "exception of this library"});
 }
 
 TEST_F(SerializeTest, SaysWhatIsWrong) {
@@ -186,6 +235,15 @@ TEST_F(SerializeTest, SaysWhatIsWrong) {
               "VersionMismatchException: The input stream has a wrong version for this serialize "
               "storage. We found version '2' but expected version '1' {FoundVersion=2} "
               "{ExpectedVersion=1}");
+    version.replace(1, 4, "\xFE\xFF\xFF\xFF");
+    EXPECT_NE(opening(version).find("{FoundVersion=4294967294} {ExpectedVersion=1}"),
+              std::string::npos);
+    std::string endless = good;
+    endless.replace(static_cast<unsigned char>(good[5]) +
+                        256U * static_cast<unsigned char>(good[6]),
+                    4, "\xFF\xFF\xFF\x0F");
+    EXPECT_EQ(opening(endless), "SerializeException: The stream is corrupted. A lookup table is "
+                                "longer than the stream");
     std::string unfinished = good;
     unfinished.replace(5, 8, 8, '\0');
     EXPECT_EQ(opening(unfinished),
@@ -206,6 +264,19 @@ TEST_F(SerializeTest, SaysWhatIsWrong) {
     EXPECT_EQ(raisedBy([&] { make(SMODE_INPUT, 1)->open({}); }),
               "ArgumentException: IO stream has to be readable for an input serialize stream "
               "{ArgumentName=stream}");
+    struct Unseekable : Callback::CallbackFileStream {
+        using CallbackFileStream::CallbackFileStream;
+        bool canSeek() override { return false; }
+    };
+    for (const int mode : {SMODE_INPUT, SMODE_OUTPUT}) {
+        auto* const stream = Memory::createManaged<Unseekable>(gObjectAllocator, mFileCallback);
+        const SharedPtr<IO::Stream> shared(stream);
+        stream->open("o", 3);
+        EXPECT_EQ(raisedBy([&] { make(mode, 1)->open(shared); }),
+                  std::string("ArgumentException: IO stream has to be seekable for an ") +
+                      (mode == SMODE_INPUT ? "input" : "output") +
+                      " serialize stream {ArgumentName=stream}");
+    }
     auto out = make(SMODE_OUTPUT, 1);
     out->open(open("o", 3));
     const std::string longName(2048, 'n');

@@ -1,12 +1,11 @@
 #include "common/callback/callbackfilestream.h"
 #include "common/memory/objectcreation.h"
-#include "common/parser/numbertext.h"
 #include "common/parser/xml/xmlparser.h"
+#include "common/parser/xml/xmltreereader.h"
 #include "tests/support/foundation.h"
 #include "tests/support/memoryfiles.h"
 
-#include <clocale>
-#include <cmath>
+#include <limits>
 #include <memory>
 
 namespace ZUNO::Tests {
@@ -109,6 +108,11 @@ TEST_F(XmlTest, SaysWhatIsWrongAndWhere) {
         {"<a><b>t<c/></b></a>", "XMLParser: Expected '/' but found 'c'", 1, 7},
         {"<a><b>t", end, 1, 6},
         {"<a><b></b>", end, 1, 8},
+        {"<a><></a>", "name has invalid first char '>' ", 1, 4},
+        // line feeds count once each: in front of a text, between tags, within them, at the place
+        {"<a><b>\n\nt</b></c>", "XMLParser: Name in starttag and endtag are not equal", 3, 8},
+        {"<a\n>\n<b>\n<c/></b></x>", "XMLParser: Name in starttag and endtag are not equal", 4, 11},
+        {"<a><b>t</b\n", end, 2, 0},
         {"<a>x</a>", "XMLParser: First tag must be a root node", 1, 0},
         {"<a><b/>x</a>", "XMLParser: Invalid tag found.", 1, 7},
         {"<a><b>t</b x></a>", "XMLParser: Invalid character 'x' in starttag.", 1, 11},
@@ -123,10 +127,17 @@ TEST_F(XmlTest, SaysWhatIsWrongAndWhere) {
         const std::string message = std::string("XMLParserException: ") + row.mMessage;
         EXPECT_EQ(raised.substr(0, message.size()), message);
         if (row.mLine >= 0) {
-            EXPECT_EQ(raised.substr(message.size()), " {Line=" + std::to_string(row.mLine) +
-                                                         "} {Row=" + std::to_string(row.mRow) +
-                                                         "}");
+            EXPECT_EQ(raised.substr(raised.find(" {Line")),
+                      " {Line=" + std::to_string(row.mLine) + "} {Row=" + std::to_string(row.mRow) +
+                          "}");
         }
+    }
+    // no length near 4 GB becomes a small block
+    for (const std::int64_t length : std::initializer_list<std::int64_t>{
+             -1, 0xFFFF0001, 0xFFFFFFEF, 0xFFFFFFFE, 0xFFFFFFFF, std::int64_t{1} << 32}) {
+        mFiles->mLength = length;
+        EXPECT_EQ(raisedBy([&] { parse(""); }),
+                  "IOException: XMLParser: Cannot read complete file from stream");
     }
     EXPECT_EQ(raisedBy([&] { mParser->parse(nullptr); }),
               "ArgumentNullException: XMLParser: Stream is a null pointer {ArgumentName=stream}");
@@ -148,8 +159,10 @@ TEST_F(XmlTest, NestsAsDeepAsItPromises) {
 
 TEST_F(XmlTest, ReadsChildrenInTheirOrder) {
     const XMLNodeElements* const root =
-        parse("<r i=\"12x\" t=\"TRUE\" u=\"yes\" f=\"falsehood\"><a>12abc</a><b/><c>1/2.5/-3</c>"
-              "<d>7/8</d><e>True or so</e><f><g/></f><h>18446744073709551615</h><k></k></r>");
+        parse("<r i=\"12x\" t=\"TRUE\" u=\"trueish\" n=\"-5\" "
+              "f=\"falsehood\"><a>12abc</a><b/><c>1/2.5/-3</c>"
+              "<d>7/8</d><e>True or so</e><f><g/></f><h>18446744073709551615</h><u>-5</u>"
+              "<u>4294967299</u><k></k><l>-9</l></r>");
     int number = 0;
     bool truth = false;
     EXPECT_TRUE(root->getAttribute(number, "i"));
@@ -157,6 +170,9 @@ TEST_F(XmlTest, ReadsChildrenInTheirOrder) {
     EXPECT_TRUE(root->getAttribute(truth, "t"));
     EXPECT_TRUE(truth);
     EXPECT_FALSE(root->getAttribute(truth, "u"));
+    unsigned int natural = 0;
+    EXPECT_TRUE(root->getAttribute(natural, "n"));
+    EXPECT_EQ(natural, 4294967291U);
     EXPECT_TRUE(root->getAttribute(truth, "f"));
     EXPECT_FALSE(truth);
     EXPECT_EQ(root->getChild("b"), nullptr) << "not its turn";
@@ -178,11 +194,52 @@ TEST_F(XmlTest, ReadsChildrenInTheirOrder) {
     std::uint64_t large = 0;
     EXPECT_TRUE(root->getChildValue(large, "h"));
     EXPECT_EQ(large, 18446744073709551615U);
+    for (const unsigned int expected : {4294967291U, 3U}) {
+        EXPECT_TRUE(root->getChildValue(natural, "u"));
+        EXPECT_EQ(natural, expected) << "cut to 32 bits";
+    }
     const char* text = nullptr;
     EXPECT_TRUE(root->getChildText(text, "k"));
     EXPECT_STREQ(text, "");
+    long long any = 0;
+    root->getNextElement()->getValue(any);
+    EXPECT_EQ(any, -9);
     EXPECT_EQ(root->getNextElement(), nullptr);
     EXPECT_EQ(root->getChildElements("a"), nullptr);
+}
+
+TEST_F(XmlTest, ReportsTheWholePathOfWhatIsMissing) {
+    std::string document;
+    std::string path;
+    for (char name = 'a'; name <= 't'; ++name) {
+        document += std::string("<") + name + ">";
+        path += std::string(path.empty() ? "'" : "->'") + name + "'";
+    }
+    for (char name = 't'; name >= 'a'; --name)
+        document += std::string("</") + name + ">";
+    const XMLNodeElements* node = parse(document);
+    while (!node->children().empty())
+        node = static_cast<const XMLNodeElements*>(node->children().back());
+    int number = 0;
+    EXPECT_FALSE(getRequiredValue(number, node, "z"));
+    EXPECT_EQ(Reports::take(), Texts{"|In " + path + " the tag 'z' is required !"});
+}
+
+TEST_F(XmlTest, RemovingAChildLeavesTheCursor) {
+    XMLTreeBuilder builder;
+    builder.begin("r", false);
+    for (const char* name : {"a", "b", "c"})
+        builder.addEmptyNode(name);
+    XMLNodeElements* const root = builder.getRoot();
+    EXPECT_STREQ(root->getNextElement()->mName, "a");
+    EXPECT_STREQ(root->removeLastElement()->mName, "c");
+    EXPECT_STREQ(root->getNextElement()->mName, "b");
+    EXPECT_EQ(root->getNextElement(), nullptr);
+    root->resetCursor();
+    root->getNextElement();
+    root->removeLastElement();
+    EXPECT_EQ(root->getNextElement(), nullptr) << "the next one was removed";
+    EXPECT_STREQ(root->getLastReadElement()->mName, "a");
 }
 
 TEST_F(XmlTest, BuildsTreesWithCopiedStrings) {
@@ -204,113 +261,38 @@ TEST_F(XmlTest, BuildsTreesWithCopiedStrings) {
     EXPECT_FALSE(builder.endElement("other"));
     EXPECT_TRUE(builder.endElement("list"));
     EXPECT_FALSE(builder.endElement()) << "the root stays open";
+    char text[] = "x";
+    builder.addTextNode("s", text);
+    builder.setName("long"); // in place of the former, which goes
+    builder.setText("y");
+    builder.addTextNode("l", -5LL);
     XMLTreeBuilder grafted;
     grafted.begin("more", true);
     builder.addTree(&grafted);
     EXPECT_EQ(grafted.getRoot(), nullptr);
-    EXPECT_EQ(describe(builder.getRoot()),
-              "root[v{a=0.500000}{b=1}'1/2.5/-3' list[n'-9000000000' t'false' ] more[] ]");
+    EXPECT_EQ(
+        describe(builder.getRoot()),
+        "root[v{a=0.500000}{b=1}'1/2.5/-3' list[n'-9000000000' t'false' ] long'y' l'-5' more[] ]");
     EXPECT_EQ(Reports::take(), Texts{});
 
     builder.setText("x");
     builder.beginNode(5);
+    grafted.beginNode(7); // without a root too
     builder.addTree(nullptr);
     grafted.begin("plain", false);
     builder.addTree(&grafted);
     grafted.addTextNode("n", 1.0);
     static_cast<void>(grafted.getRoot()->getLastElement());
+    grafted.getRoot()->mKind = 9;
+    grafted.begin(false);
     EXPECT_EQ(Reports::take(),
               (Texts{"|Cannot set text for node of type : 2", "|Unknown node type: 5",
-                     "tree|Tree cannot be a NULL pointer",
+                     "|Unknown node type: 7", "tree|Tree cannot be a NULL pointer",
                      "tree->copyStrings == copyStrings|We cannot add a tree with a different "
                      "copyStrings flag",
                      "copyStrings|Used without copyStrings enabled !",
-                     "!elements.empty()|Cannot get last element from an empty elements node"}));
-}
-
-TEST_F(XmlTest, ConvertsNumbersLikeTheCLibraryWithoutItsLocale) {
-    std::setlocale(LC_ALL, "de_DE.UTF-8"); // where it is installed, a comma country
-    for (const char* text :
-         {"1.5", "-0", " +2.25x", "1e-40", "1e39", "-1e400", "1e-400", "0x1p3", "inf", "", "abc",
-          "--3", "16777217", "1.40129846e-45", "3.4028236e38"}) {
-        float expected[3] = {};
-        const std::string copy = text;
-        std::setlocale(LC_ALL, "C");
-        std::sscanf(copy.c_str(), "%f/%f/%f", &expected[0], &expected[1], &expected[2]);
-        const double whole = std::strtod(copy.c_str(), nullptr);
-        std::setlocale(LC_ALL, "de_DE.UTF-8");
-        float numbers[3];
-        Parser::toNumbers(text, '/', numbers, 3);
-        EXPECT_EQ(numbers[0], expected[0]) << text;
-        EXPECT_EQ(Parser::toDouble(text), whole) << text;
-    }
-    std::setlocale(LC_ALL, "C");
-    for (const float number : {0.1F, 1e-7F, 123456789.0F, -2.5F, 1e20F, 3.4028235e38F}) {
-        char expected[64];
-        char text[Parser::numberTextSize];
-        std::snprintf(expected, sizeof(expected), "%g", static_cast<double>(number));
-        Parser::formatNumber(text, number);
-        EXPECT_STREQ(text, expected);
-        std::snprintf(expected, sizeof(expected), "%f", static_cast<double>(number));
-        Parser::formatFixed(text, number);
-        EXPECT_STREQ(text, expected);
-    }
-    EXPECT_EQ(Parser::toInt32("4294967296"), 2147483647);
-    EXPECT_EQ(Parser::toInt64(" -12z"), -12);
-}
-
-TEST_F(XmlTest, CallbackStreamsMapTheHostsAnswers) {
-    mFiles->mFiles["f"] = "0123456789";
-    Callback::CallbackFileStream stream(mFileCallback);
-    char buffer[4];
-    EXPECT_FALSE(stream.canRead() || stream.canWrite() || stream.canSeek());
-    stream.flush();
-    stream.close();
-    const std::string closed = "InvalidStateException: CallbackFileStream: ";
-    EXPECT_EQ(raisedBy([&] { stream.getLength(); }), closed + "Try to get length of closed stream");
-    EXPECT_EQ(raisedBy([&] { stream.getPosition(); }),
-              closed + "Try to get position of closed stream.");
-    EXPECT_EQ(raisedBy([&] { stream.getFilename(); }),
-              closed + "Try to get filename from a closed stream");
-    EXPECT_EQ(raisedBy([&] { stream.read(buffer, 1); }), closed + "Cannot read on closed streams.");
-    EXPECT_EQ(raisedBy([&] { stream.write(buffer, 1); }),
-              closed + "Cannot write on closed streams.");
-    EXPECT_EQ(raisedBy([&] { stream.seek(0, IO::ORIGIN_END); }),
-              closed + "Cannot seek on closed streams.");
-
-    stream.open("f", IO::FACCESS_READ);
-    EXPECT_STREQ(stream.getFilename().getConstCharPtr(), "f");
-    EXPECT_EQ(stream.read(buffer, 4), 4);
-    EXPECT_EQ(stream.getPosition(), 4);
-    EXPECT_EQ(raisedBy([&] { stream.read(nullptr, 1); }),
-              "ArgumentNullException: CallbackFileStream: The destination buffer in a read cannot "
-              "be NULL. {ArgumentName=dstBuffer}");
-    EXPECT_EQ(raisedBy([&] { stream.write(buffer, 1); }),
-              "NotSupportedException: CallbackFileStream: Cannot write to the file. Not opened "
-              "for writing.");
-    EXPECT_EQ(stream.seek(-2, IO::ORIGIN_END), 8);
-    EXPECT_EQ(raisedBy([&] { stream.seek(5, IO::ORIGIN_END); }),
-              "ArgumentOutOfRangeException: FileStream: Offset seeks out of file range. "
-              "{ArgumentName=offset}");
-    mFiles->mSeekResult = -9;
-    EXPECT_EQ(stream.seek(5, IO::ORIGIN_END), 0);
-    stream.open(stream.getFilename(), IO::FACCESS_WRITE); // by a name that closing clears
-    EXPECT_STREQ(stream.getFilename().getConstCharPtr(), "f");
-    EXPECT_EQ(mFiles->openCount(), 1U) << "the open one was closed";
-    EXPECT_TRUE(stream.canRead()) << "a stream opened for writing counts as readable";
-    stream.write(buffer, 4);
-    mFiles->mWriteResult = 3;
-    stream.write(buffer, 4);
-    mFiles->mWriteResult = -5;
-    EXPECT_EQ(raisedBy([&] { stream.write(buffer, 4); }),
-              "OutOfSpaceException: CallbackFileStream: Cannot write to file, disk full.");
-    EXPECT_EQ(Reports::take(),
-              (Texts{"|Unhandled error condition from seekFile callback.",
-                     "|Internal error: Unhandeled error condition during write."}));
-    Callback::CallbackFileStream without({});
-    EXPECT_EQ(Reports::take(), Texts{"mFileIO != NULL|File callback cannot be a NULL pointer"});
-    EXPECT_TRUE(without.isClosed());
-    EXPECT_EQ(raisedBy([&] { without.open("f", 1); }).substr(0, 21), "InvalidStateException");
+                     "!elements.empty()|Cannot get last element from an empty elements node",
+                     "|Undefined node type: 9"}));
 }
 
 } // namespace ZUNO::Tests

@@ -1,4 +1,5 @@
-#include "common/callback/fileiocallback.h"
+#include "common/callback/openstream.h"
+#include "common/parser/xml/xmlparser.h"
 #include "navmesh/astarnavmesh.h"
 #include "navmesh/meshdefects.h"
 #include "navmesh/resourceinterface.h"
@@ -195,6 +196,19 @@ TEST_F(NavMeshTest, ReadsElementsInTheirOrder) {
     EXPECT_EQ(mMesh->getCharactersForHeightClass(1).size(), 1U);
     EXPECT_EQ(mMesh->findSurfaceTypeByName("stone"), mMesh->findSurfaceTypeByID(7));
     EXPECT_EQ(mMesh->findSurfaceTypeByID(0xFFFF), nullptr);
+
+    for (int again = 0; again < 2; ++again) { // reading replaces what was there
+        const auto stream =
+            Callback::openStream(gObjectAllocator, mFileCallback, "m", IO::FACCESS_READ);
+        Parser::XML::XMLParser parser;
+        const auto* const top = parser.parse(stream.get());
+        EXPECT_TRUE(mMesh->readXML(*top->getChildElements("navmesh")));
+    }
+    EXPECT_EQ(mMesh->mHeights.size(), 2U);
+    EXPECT_EQ(mMesh->mVertices.size(), 2U);
+    EXPECT_EQ(mMesh->mNodes.size(), 2U);
+    EXPECT_EQ(mMesh->mCharacters.size(), 1U);
+    EXPECT_EQ(mMesh->mSurfaceTypes.size(), 1U);
 
     mMesh = load(whole(body + "<unknown/>" + tables));
     ASSERT_NE(mMesh.get(), nullptr);

@@ -7,8 +7,8 @@
 
 namespace ZUNO::Common::Parser {
 
-/// These return the number at the start of the text, after white space; 0 when there is none. What a
-/// type can't hold becomes the nearest number that it can (infinity for floating point).
+/// These return the number at the start of the text, after white space; 0 when there is none. What
+/// a type can't hold becomes the nearest number that it can (infinity for floating point).
 std::int32_t toInt32(const char* text);
 std::int64_t toInt64(const char* text);
 std::uint64_t toUInt64(const char* text);
@@ -21,7 +21,8 @@ double toDouble(const char* text);
 template <typename T>
 std::size_t toNumbers(const char* text, char separator, T* numbers, std::size_t count);
 
-/// These write a number, zero-terminated, and return its end: floating point as "%g" (`formatFixed`:
+/// These write a number, zero-terminated, and return its end: floating point as "%g"
+/// (`formatFixed`:
 /// "%f"), integers in decimal. The buffer must hold `numberTextSize` characters.
 inline constexpr std::size_t numberTextSize = 64;
 template <typename T>

@@ -6,16 +6,12 @@
 #include "common/memory/objectcreation.h"
 #include "common/serialize/serializeexceptions.h"
 
-#include <algorithm>
-#include <bit>
-#include <cstring>
 #include <limits>
 
 namespace ZUNO::Common::Serialize {
 
 namespace {
 
-constexpr std::size_t maxNameLength = 2047;
 constexpr std::size_t maxTextLength = std::numeric_limits<std::uint16_t>::max();
 
 constexpr const char* typeNames[] = {"bool",    "uint08",  "int08",   "uint16",      "int16",
@@ -42,18 +38,14 @@ void requireLength(std::size_t length, std::size_t limit, const char* argument,
 
 } // namespace
 
-int Endian::getSystemEncoding() {
-    return std::endian::native == std::endian::little ? little : big;
-}
-
 bool BinarySerializeStorage::BinaryPosition::operator==(const Position& other) const {
     return other.getStorageType() == STORAGE_BINARY &&
            static_cast<const BinaryPosition&>(other).mOffset == mOffset;
 }
 
 BinarySerializeStorage::BinarySerializeStorage(std::int32_t mode, int marker)
-    : SerializeStorage(mode, STORAGE_BINARY), mEndiness(marker), mInstanceNames(mAllocator),
-      mTypeNames(mAllocator), mBuffer(gStringAllocator) {}
+    : SerializeStorage(mode, STORAGE_BINARY), mEndiness(marker), mOut(marker),
+      mInstanceNames(mAllocator), mTypeNames(mAllocator) {}
 
 BinarySerializeStorage::~BinarySerializeStorage() {
     try {
@@ -61,31 +53,20 @@ BinarySerializeStorage::~BinarySerializeStorage() {
     } catch (const Exceptions::Exception* exception) {
         ZUNO_REPORT("", "The lookup tables could not be written: " << exception->getMessage());
         delete exception;
+    } catch (...) {
+        ZUNO_REPORT("", "The lookup tables could not be written: the stream raised what is no "
+                        "exception of this library");
     }
 }
 
 void BinarySerializeStorage::open(const SharedPtr<IO::Stream>& stream) {
     close();
-    const bool isOutput = getSerializeMode() == SMODE_OUTPUT;
-    const auto require = [](bool isSo, const char* message) {
-        if (!isSo)
-            throw new Exceptions::ArgumentException("stream", message);
-    };
-    if (isOutput) {
-        require(stream != nullptr && stream->canWrite(),
-                "IO stream has to be writable for an output serialize stream");
-        require(stream->canSeek(), "IO stream has to be seekable for an output serialize stream");
-    } else {
-        require(stream != nullptr && stream->canRead(),
-                "IO stream has to be readable for an input serialize stream");
-        require(stream->canSeek(), "IO stream has to be seekable for an input serialize stream");
-    }
+    requireFitFor(stream);
     mInstanceNames.clear();
     mTypeNames.clear();
-    mBufferPosition = mBufferEnd = 0;
     mStream = stream;
     try {
-        if (isOutput)
+        if (getSerializeMode() == SMODE_OUTPUT)
             openOutput();
         else
             openInput();
@@ -95,35 +76,53 @@ void BinarySerializeStorage::open(const SharedPtr<IO::Stream>& stream) {
     }
 }
 
+void BinarySerializeStorage::requireFitFor(const SharedPtr<IO::Stream>& stream) const {
+    const auto require = [](bool isSo, const char* message) {
+        if (!isSo)
+            throw new Exceptions::ArgumentException("stream", message);
+    };
+    if (getSerializeMode() == SMODE_OUTPUT) {
+        require(stream != nullptr && stream->canWrite(),
+                "IO stream has to be writable for an output serialize stream");
+        require(stream->canSeek(), "IO stream has to be seekable for an output serialize stream");
+    } else {
+        require(stream != nullptr && stream->canRead(),
+                "IO stream has to be readable for an input serialize stream");
+        require(stream->canSeek(), "IO stream has to be seekable for an input serialize stream");
+    }
+}
+
 void BinarySerializeStorage::openOutput() {
-    put(static_cast<std::uint8_t>(mEndiness));
-    put(formatVersion);
-    put(std::uint64_t{0});
+    mOut.open(*mStream);
+    mOut.put(static_cast<std::uint8_t>(mEndiness));
+    mOut.put(formatVersion);
+    mOut.put(std::uint64_t{0});
 }
 
 void BinarySerializeStorage::openInput() {
-    mBuffer.resize(bufferSize);
-    mEndiness = get<std::uint8_t>();
+    mIn.open(*mStream);
+    mEndiness = mIn.get<std::uint8_t>();
+    mIn.setByteOrder(mEndiness);
     ZUNO_CHECK_AS(mEndiness == Endian::getSystemEncoding(),
                   "this->mEndiness == Endian::getSystemEncoding()",
                   "Stream stored has not the same endiness as the current system. Performance "
                   "warning, can be ignored !");
-    const auto version = get<std::uint32_t>();
+    const auto version = mIn.get<std::uint32_t>();
     if (version != formatVersion)
         throw new VersionMismatchException(
             "The input stream has a wrong version for this serialize storage. We found version '" +
                 String(version) + "' but expected version '" + String(formatVersion) + "'",
-            static_cast<int>(version), static_cast<int>(formatVersion));
-    const auto tables = get<std::uint64_t>();
+            version, formatVersion);
+    const auto tables = mIn.get<std::uint64_t>();
     if (tables == 0)
         throw new SerializeException("Stream is corrupted, no lookup table stored in the stream");
-    const std::uint64_t firstItem = offset();
-    if (tables < firstItem || tables > offset() + remaining())
+    const std::uint64_t firstItem = mIn.offset();
+    if (tables < firstItem || tables > firstItem + mIn.remaining())
         throwCorrupted("The lookup tables lie outside the stream");
-    seekTo(tables);
-    readTable(mInstanceNames);
-    readTable(mTypeNames);
-    seekTo(firstItem);
+    mIn.seekTo(tables);
+    mInstanceNames.read(mIn);
+    mTypeNames.read(mIn);
+    mIn.seekTo(firstItem);
 }
 
 void BinarySerializeStorage::close() {
@@ -134,46 +133,27 @@ void BinarySerializeStorage::close() {
         SharedPtr<IO::Stream>& mStream;
         ~Release() { mStream = nullptr; }
     } const release{mStream};
-    if (getSerializeMode() != SMODE_OUTPUT)
-        return;
-    const std::int64_t tables = stream->getPosition();
-    writeTable(mInstanceNames);
-    writeTable(mTypeNames);
-    stream->seek(tableOffsetPlace, IO::ORIGIN_BEGIN);
-    put(static_cast<std::uint64_t>(tables));
-    stream->seek(0, IO::ORIGIN_END);
+    if (getSerializeMode() == SMODE_OUTPUT)
+        closeOutput();
+    else
+        mIn.close();
 }
 
-void BinarySerializeStorage::writeTable(const NameTable& table) {
-    put(static_cast<std::uint32_t>(table.names().size()));
-    std::uint32_t id = 0;
-    for (const String& name : table.names()) {
-        put(static_cast<std::uint16_t>(name.getLength()));
-        mStream->write(name.getConstCharPtr(), name.getLength());
-        put(id++);
-    }
-}
-
-void BinarySerializeStorage::readTable(NameTable& table) {
-    constexpr std::uint64_t smallestEntry = 6;
-    const auto count = get<std::uint32_t>();
-    if (count > remaining() / smallestEntry)
-        throwCorrupted("A lookup table is longer than the stream");
-    char name[maxNameLength + 1];
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const auto length = get<std::uint16_t>();
-        if (length > maxNameLength)
-            throwCorrupted("A name is longer than 2047 bytes");
-        getBytes(name, length);
-        name[length] = '\0';
-        table.append(name);
-        get<std::uint32_t>(); // ids follow the order
-    }
+void BinarySerializeStorage::closeOutput() {
+    const std::int64_t tables = mStream->getPosition();
+    mInstanceNames.write(mOut);
+    mTypeNames.write(mOut);
+    mStream->seek(tableOffsetPlace, IO::ORIGIN_BEGIN);
+    mOut.put(static_cast<std::uint64_t>(tables));
+    mStream->seek(0, IO::ORIGIN_END);
 }
 
 SharedPtr<SerializeStorage::Position> BinarySerializeStorage::getPosition() {
     requireOpen();
-    return SharedPtr<Position>(Memory::createManaged<BinaryPosition>(mAllocator, offset()));
+    const std::uint64_t offset = getSerializeMode() == SMODE_INPUT
+                                     ? mIn.offset()
+                                     : static_cast<std::uint64_t>(mStream->getPosition());
+    return SharedPtr<Position>(Memory::createManaged<BinaryPosition>(mAllocator, offset));
 }
 
 void BinarySerializeStorage::setPosition(const SharedPtr<Position>& position) {
@@ -181,7 +161,14 @@ void BinarySerializeStorage::setPosition(const SharedPtr<Position>& position) {
     const bool isBinary = position != nullptr && position->getStorageType() == STORAGE_BINARY;
     if (ZUNO_CHECK_AS(isBinary, "storagePos->getStorageType() == STORAGE_BINARY",
                       "Cannot use StoragePosition from wrong type"))
-        seekTo(static_cast<const BinaryPosition*>(position.get())->getOffset());
+        mIn.seekTo(static_cast<const BinaryPosition*>(position.get())->getOffset());
+}
+
+void BinarySerializeStorage::seekTo(std::uint64_t offset) {
+    if (getSerializeMode() == SMODE_INPUT)
+        mIn.seekTo(offset);
+    else
+        mStream->seek(static_cast<std::int64_t>(offset), IO::ORIGIN_BEGIN);
 }
 
 void BinarySerializeStorage::throwClosed() {
@@ -190,22 +177,12 @@ void BinarySerializeStorage::throwClosed() {
 
 // Items
 
-void BinarySerializeStorage::swapBytes(void* bytes, std::size_t size) {
-    auto* const first = static_cast<std::byte*>(bytes);
-    std::reverse(first, first + size);
-}
-
-void BinarySerializeStorage::putNumber(void* bytes, std::size_t size) {
-    if (mEndiness != Endian::little)
-        swapBytes(bytes, size);
-    mStream->write(bytes, size);
-}
-
 void BinarySerializeStorage::writeHead(ItemType type, const String& name) {
     requireOpen();
-    requireLength(name.getLength(), maxNameLength, "name", "A name may have 2047 bytes at most");
-    put(static_cast<std::uint8_t>(type));
-    put(mInstanceNames.idOf(name));
+    requireLength(name.getLength(), NameTable::maxNameLength, "name",
+                  "A name may have 2047 bytes at most");
+    mOut.put(static_cast<std::uint8_t>(type));
+    mOut.put(mInstanceNames.idOf(name));
 }
 
 void BinarySerializeStorage::throwUnexpected(int found, ItemType expected) {
@@ -226,7 +203,7 @@ void BinarySerializeStorage::readHead(ItemType expected, String& name) {
 }
 
 void BinarySerializeStorage::readTypeName(String& name) {
-    const String* const found = mTypeNames.find(get<std::uint32_t>());
+    const String* const found = mTypeNames.find(mIn.get<std::uint32_t>());
     if (found == nullptr)
         throwCorrupted("The type name lookup table is not valid");
     name = *found;
@@ -235,12 +212,12 @@ void BinarySerializeStorage::readTypeName(String& name) {
 void BinarySerializeStorage::writeClassEnter(const String& name, const String& typeName,
                                              const String& typeName2, std::uint32_t version) {
     for (const String* const type : {&typeName, &typeName2})
-        requireLength(type->getLength(), maxNameLength, "typeName",
+        requireLength(type->getLength(), NameTable::maxNameLength, "typeName",
                       "A name may have 2047 bytes at most");
     writeHead(ITEM_CLASS_ENTER, name);
-    put(mTypeNames.idOf(typeName));
-    put(mTypeNames.idOf(typeName2));
-    put(version);
+    mOut.put(mTypeNames.idOf(typeName));
+    mOut.put(mTypeNames.idOf(typeName2));
+    mOut.put(version);
 }
 
 void BinarySerializeStorage::readClassEnter(String& name, String& typeName, String& typeName2,
@@ -248,12 +225,12 @@ void BinarySerializeStorage::readClassEnter(String& name, String& typeName, Stri
     readHead(ITEM_CLASS_ENTER, name);
     readTypeName(typeName);
     readTypeName(typeName2);
-    version = get<std::uint32_t>();
+    version = mIn.get<std::uint32_t>();
 }
 
 void BinarySerializeStorage::writeClassExit() {
     requireOpen();
-    put(static_cast<std::uint8_t>(ITEM_CLASS_EXIT));
+    mOut.put(static_cast<std::uint8_t>(ITEM_CLASS_EXIT));
 }
 
 void BinarySerializeStorage::readClassExit() {
@@ -263,7 +240,7 @@ void BinarySerializeStorage::readClassExit() {
 void BinarySerializeStorage::writeBString(const String& name, const String& value) {
     requireLength(value.getLength(), maxTextLength, "value", "A text may have 65535 bytes at most");
     write(ITEM_BSTRING, name, static_cast<std::uint16_t>(value.getLength()));
-    mStream->write(value.getConstCharPtr(), value.getLength());
+    mOut.putBytes(value.getConstCharPtr(), value.getLength());
 }
 
 void BinarySerializeStorage::readBString(String& name, String& value) {
@@ -271,7 +248,7 @@ void BinarySerializeStorage::readBString(String& name, String& value) {
     read(ITEM_BSTRING, name, length);
     std::vector<char, Memory::STLAllocator<char>> text(std::size_t{length} + 1, '\0',
                                                        gStringAllocator);
-    getBytes(text.data(), length);
+    mIn.getBytes(text.data(), length);
     value = text.data();
 }
 
@@ -279,14 +256,14 @@ void BinarySerializeStorage::writeWString(const String& name, const WideText& va
     requireLength(value.size(), maxTextLength, "value", "A text may have 65535 units at most");
     write(ITEM_WSTRING, name, static_cast<std::uint16_t>(value.size()));
     if (!value.empty()) // of nothing there is no address
-        mStream->write(value.data(), value.size() * sizeof(char16_t)); // units are never swapped
+        mOut.putBytes(value.data(), value.size() * sizeof(char16_t)); // units are never swapped
 }
 
 void BinarySerializeStorage::readWString(String& name, WideText& value) {
     std::uint16_t length = 0;
     read(ITEM_WSTRING, name, length);
     value.resize(length);
-    getBytes(value.data(), length * sizeof(char16_t));
+    mIn.getBytes(value.data(), length * sizeof(char16_t));
 }
 
 void BinarySerializeStorage::readBool(String& name, bool& value) {
@@ -297,9 +274,7 @@ void BinarySerializeStorage::readBool(String& name, bool& value) {
 
 int BinarySerializeStorage::peekItemType() {
     requireOpen();
-    const int type = get<std::uint8_t>();
-    --mBufferPosition;
-    return type;
+    return mIn.peek();
 }
 
 void BinarySerializeStorage::skipItem(String& name, int& type) {
@@ -343,45 +318,10 @@ void BinarySerializeStorage::skipItem(String& name, int& type) {
             if (!isKnown(next))
                 throwCorrupted("An item has an unknown type");
             readHead(static_cast<ItemType>(next), itemName);
-            getBytes(value, sizes[next]);
+            mIn.getBytes(value, sizes[next]);
         }
         isFirst = false;
     } while (depth != 0);
-}
-
-// Bytes
-
-void BinarySerializeStorage::getBytes(void* bytes, std::size_t count) {
-    auto* destination = static_cast<std::byte*>(bytes);
-    while (count != 0) {
-        if (mBufferPosition == mBufferEnd) {
-            const std::int64_t length = mStream->read(mBuffer.data(), mBuffer.size());
-            if (length <= 0 || length > static_cast<std::int64_t>(mBuffer.size()))
-                throwCorrupted("It ends early");
-            mBufferPosition = 0;
-            mBufferEnd = static_cast<std::size_t>(length);
-        }
-        const std::size_t taken = std::min(count, mBufferEnd - mBufferPosition);
-        std::memcpy(destination, mBuffer.data() + mBufferPosition, taken);
-        mBufferPosition += taken;
-        destination += taken;
-        count -= taken;
-    }
-}
-
-std::uint64_t BinarySerializeStorage::offset() {
-    return static_cast<std::uint64_t>(mStream->getPosition()) - (mBufferEnd - mBufferPosition);
-}
-
-void BinarySerializeStorage::seekTo(std::uint64_t offset) {
-    mBufferPosition = mBufferEnd = 0;
-    mStream->seek(static_cast<std::int64_t>(offset), IO::ORIGIN_BEGIN);
-}
-
-std::uint64_t BinarySerializeStorage::remaining() {
-    const auto length = static_cast<std::uint64_t>(std::max<std::int64_t>(mStream->getLength(), 0));
-    const std::uint64_t here = offset();
-    return here < length ? length - here : 0;
 }
 
 } // namespace ZUNO::Common::Serialize

@@ -3,22 +3,13 @@
 #include "common/serialize/nametable.h"
 #include "common/serialize/serializestorage.h"
 
-#include <cstring>
-
 namespace ZUNO::Common::Serialize {
-
-/// Byte orders, as streams carry them.
-struct Endian {
-    static constexpr int little = 1;
-    static constexpr int big = 0;
-    /// The marker of this machine's byte order.
-    static int getSystemEncoding();
-};
 
 /// A storage in bytes: each item is a type code, the id of its name and the value; the names stand
 /// once each in two tables at the stream's end. The stream must be at its start and seekable.
-/// A stream that is cut or damaged raises a SerializeException ("The stream is corrupted. ...") or
-/// gives some value; it never makes the storage ask for more memory than its length accounts for.
+/// A stream that is cut or damaged gives some value, or a SerializeException ("The stream is
+/// corrupted. ..."); it never makes the storage ask for more memory than its length accounts for.
+/// Reading runs ahead of what was asked for; closing leaves the stream behind the last item read.
 class BinarySerializeStorage final : public SerializeStorage {
 public:
     class BinaryPosition : public Position {
@@ -33,13 +24,13 @@ public:
 
     /// `marker`: the byte order to write with; reading takes it from the stream.
     BinarySerializeStorage(std::int32_t mode, int marker);
-    /// Closes; a failure of that is reported. Call `close` to get its exception.
+    /// Closes. Reports a failure of that, whatever the stream throws; `close` hands it on.
     ~BinarySerializeStorage() override;
 
     SharedPtr<Position> getPosition() override;
     void setPosition(const SharedPtr<Position>& position) override;
-    /// Raises an ArgumentException for a stream that can't do what the mode needs, a
-    /// VersionMismatchException, or a SerializeException. Another byte order is reported.
+    /// Throws an ArgumentException for a stream that can't do what the mode needs, a
+    /// VersionMismatchException, or a SerializeException. Reports a foreign byte order.
     void open(const SharedPtr<IO::Stream>& stream) override;
     /// Writes the tables and lets the stream go. Does nothing on a closed storage.
     void close() override;
@@ -70,7 +61,8 @@ public:
     void readValue(std::uint32_t& value) { readItem(ITEM_UINT32, value); }
     void readValue(std::uint16_t& value) { readItem(ITEM_UINT16, value); }
 
-    /// Names above 2,047 bytes and texts above 65,535 units raise an ArgumentOutOfRangeException.
+    /// Throws an ArgumentOutOfRangeException for names above 2,047 bytes and texts above 65,535
+    /// units.
     void writeClassEnter(const String& name, const String& typeName, const String& typeName2,
                          std::uint32_t version) override;
     void writeClassExit() override;
@@ -111,54 +103,36 @@ public:
     }
 
 private:
-    static constexpr std::size_t bufferSize = 16384;
     static constexpr std::uint32_t formatVersion = 1;
     static constexpr std::int64_t tableOffsetPlace = 5;
 
     template <typename T>
-    void put(T value) {
-        putNumber(&value, sizeof(T));
-    }
-    template <typename T>
-    T get() {
-        T value;
-        if (mBufferEnd - mBufferPosition >= sizeof(T)) {
-            std::memcpy(&value, mBuffer.data() + mBufferPosition, sizeof(T));
-            mBufferPosition += sizeof(T);
-        } else {
-            getBytes(&value, sizeof(T));
-        }
-        if (mEndiness != Endian::little)
-            swapBytes(&value, sizeof(T));
-        return value;
-    }
-    template <typename T>
     void write(ItemType type, const String& name, T value) {
         writeHead(type, name);
-        put(value);
+        mOut.put(value);
     }
     template <typename T>
     void read(ItemType type, String& name, T& value) {
         readHead(type, name);
-        value = get<T>();
+        value = mIn.get<T>();
     }
     template <typename T>
     void readItem(ItemType type, T& value) {
         readType(type);
         readName();
-        value = get<T>();
+        value = mIn.get<T>();
     }
 
     void writeHead(ItemType type, const String& name);
     void readHead(ItemType expected, String& name);
     void readType(ItemType expected) {
         requireOpen();
-        const int found = get<std::uint8_t>();
+        const int found = mIn.get<std::uint8_t>();
         if (found != expected)
             throwUnexpected(found, expected);
     }
     const String& readName() {
-        const String* const name = mInstanceNames.find(get<std::uint32_t>());
+        const String* const name = mInstanceNames.find(mIn.get<std::uint32_t>());
         if (name == nullptr)
             throwUnknownName();
         return *name;
@@ -172,28 +146,18 @@ private:
     [[noreturn]] static void throwUnexpected(int found, ItemType expected);
     [[noreturn]] static void throwUnknownName();
 
+    void requireFitFor(const SharedPtr<IO::Stream>& stream) const;
     void openOutput();
     void openInput();
-    void writeTable(const NameTable& table);
-    void readTable(NameTable& table);
-
-    static void swapBytes(void* bytes, std::size_t size);
-    /// Swaps the bytes in place when the stream's byte order asks for it.
-    void putNumber(void* bytes, std::size_t size);
-    // reading goes through a buffer: an item is a handful of bytes
-    void getBytes(void* bytes, std::size_t count);
-    std::uint64_t offset();
+    void closeOutput();
     void seekTo(std::uint64_t offset);
-    /// Bytes from here to the stream's end.
-    std::uint64_t remaining();
 
     SharedPtr<IO::Stream> mStream;
     int mEndiness;
+    ByteReader mIn;
+    ByteWriter mOut;
     NameTable mInstanceNames;
     NameTable mTypeNames;
-    std::vector<std::byte, Memory::STLAllocator<std::byte>> mBuffer;
-    std::size_t mBufferPosition = 0;
-    std::size_t mBufferEnd = 0;
 };
 
 } // namespace ZUNO::Common::Serialize

@@ -1,16 +1,21 @@
 #pragma once
 
 #include "common/basicstring.h"
-#include "common/memory/stlallocator.h"
+#include "common/serialize/bytereader.h"
+#include "common/serialize/bytewriter.h"
 
 #include <map>
 #include <vector>
 
 namespace ZUNO::Common::Serialize {
 
-/// Names and their ids, which count from 0 in the order in which the names came.
+/// Names and their ids, which count from 0 in the order in which the names came. In a stream: their
+/// count, and of each its length, its bytes and its id.
 class NameTable {
 public:
+    /// In bytes.
+    static constexpr std::size_t maxNameLength = 2047;
+
     explicit NameTable(const SharedPtr<Memory::Allocator>& allocator)
         : mNames(allocator), mIds(allocator) {}
 
@@ -19,26 +24,19 @@ public:
         mIds.clear();
     }
 
-    /// The name's id; a new name gets the next.
-    std::uint32_t idOf(const String& name) {
-        const auto place = mIds.find(name);
-        if (place != mIds.end())
-            return place->second;
-        const auto id = static_cast<std::uint32_t>(mNames.size());
-        mNames.push_back(name);
-        mIds.emplace(name, id);
-        return id;
-    }
+    /// Returns the name's id; a new name gets the next one.
+    std::uint32_t idOf(const String& name);
 
-    /// Appends a name under the next id, whether it is there already or not.
-    void append(const String& name) { mNames.push_back(name); }
-
-    /// The name, or null when there is none of that id.
+    /// Returns the name, or null when there is none of that id.
     const String* find(std::uint32_t id) const {
         return id < mNames.size() ? &mNames[id] : nullptr;
     }
 
-    const std::vector<String, Memory::STLAllocator<String>>& names() const { return mNames; }
+    void write(ByteWriter& out) const;
+    /// Appends the names that the stream holds, in their order, whatever ids stand there. Throws a
+    /// SerializeException for a table that does not fit into the stream, or a name that is too
+    /// long.
+    void read(ByteReader& in);
 
 private:
     std::vector<String, Memory::STLAllocator<String>> mNames;

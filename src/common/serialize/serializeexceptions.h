@@ -2,6 +2,8 @@
 
 #include "common/exceptions/exception.h"
 
+#include <cstdint>
+
 namespace ZUNO::Common::Serialize {
 
 /// A stream does not hold what a storage can read.
@@ -14,7 +16,7 @@ public:
 /// The stream has another format version. Parameters "FoundVersion" and "ExpectedVersion".
 class VersionMismatchException : public SerializeException {
 public:
-    VersionMismatchException(const String& message, int found, int expected)
+    VersionMismatchException(const String& message, std::uint32_t found, std::uint32_t expected)
         : SerializeException(message), mFound(found), mExpected(expected) {}
 
     String getName() const override { return "VersionMismatchException"; }
@@ -25,8 +27,8 @@ public:
     }
 
 private:
-    int mFound;
-    int mExpected;
+    std::uint32_t mFound;
+    std::uint32_t mExpected;
 };
 
 /// The next item has another type. Parameters "FoundType" and "ExpectedType".

@@ -1,0 +1,73 @@
+// Numbers to and from text beside the C library's, while the process's locale has a decimal comma.
+#include "common/parser/numbertext.h"
+#include "tests/support/tempfolder.h"
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+namespace ZUNO::Tests {
+
+using namespace Common;
+
+class NumberTextTest : public testing::Test {
+protected:
+    /// Makes a locale of its own: none needs to be installed.
+    void SetUp() override {
+        const std::string source = (mFolder.path() / "comma.src").string();
+        std::ofstream(source) << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\n"
+                                 "grouping -1\nEND LC_NUMERIC\n";
+        const std::string command =
+            "localedef -c -i " + source + " " + (mFolder.path() / "comma").string();
+        std::system((command + " 2>/dev/null").c_str()); // its warnings count as failure
+        setenv("LOCPATH", mFolder.path().c_str(), 1);
+        ASSERT_NE(std::setlocale(LC_NUMERIC, "comma"), nullptr) << command;
+        ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+    }
+    void TearDown() override {
+        std::setlocale(LC_NUMERIC, "C");
+        unsetenv("LOCPATH");
+    }
+
+    TempFolder mFolder;
+};
+
+TEST_F(NumberTextTest, ReadsWhatTheCLibraryReads) {
+    for (const char* text :
+         {"1.5",          "-0",       " +2.25x",  "1e-40",  "1e39",    "-1e400",
+          "1e-400",       "0x1p3",    "inf",      "",       "abc",     "--3",
+          "16777217",     "2e/5/6",   "0x-4/5/6", "0x/5/6", "1e+/2/3", "-0x1fp/5/6",
+          "2e",           "inf/1/2",  "1/ 2/ -3", "1 /2/3", "5./.5/.", "1.40129846e-45",
+          "3.4028236e38", "0x.8/1/2", "infe/1/2"}) {
+        std::setlocale(LC_NUMERIC, "C");
+        float expected[3] = {};
+        std::sscanf(text, "%f/%f/%f", &expected[0], &expected[1], &expected[2]);
+        const double whole = std::strtod(text, nullptr);
+        std::setlocale(LC_NUMERIC, "comma");
+        float numbers[3];
+        Parser::toNumbers(text, '/', numbers, 3);
+        for (int i = 0; i < 3; ++i)
+            EXPECT_EQ(numbers[i], expected[i]) << text << " at " << i;
+        EXPECT_EQ(Parser::toDouble(text), whole) << text;
+    }
+    EXPECT_EQ(Parser::toInt32("4294967296"), 2147483647);
+    EXPECT_EQ(Parser::toInt64(" -12z"), -12);
+}
+
+TEST_F(NumberTextTest, WritesWhatTheCLibraryWrites) {
+    for (const float number : {0.1F, 1e-7F, 123456789.0F, -2.5F, 1e20F, 3.4028235e38F}) {
+        char expected[64];
+        char text[Parser::numberTextSize];
+        for (const bool isFixed : {false, true}) {
+            std::setlocale(LC_NUMERIC, "C");
+            std::snprintf(expected, sizeof(expected), isFixed ? "%f" : "%g",
+                          static_cast<double>(number));
+            std::setlocale(LC_NUMERIC, "comma");
+            isFixed ? Parser::formatFixed(text, number) : Parser::formatNumber(text, number);
+            EXPECT_STREQ(text, expected);
+        }
+    }
+}
+
+} // namespace ZUNO::Tests
