@@ -1,42 +1,18 @@
 #include "navmesh/meshdefects.h"
 
 #include "navmesh/astarnavmesh.h"
+#include "navmesh/meshexamination.h"
 #include "navmesh/planegrid.h"
 
-#include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace ZUNO::NavMesh {
 
-using Common::Debug::ReportText;
-
 namespace {
 
-/// What takes some ten seconds: eight times over the largest grid.
+/// Eight times over the largest grid: some ten seconds.
 constexpr double maxRasterSteps = 8.0 * (1U << 29U);
-
-/// One look over a mesh. Each check streams what it finds; once the listener has had enough,
-/// nothing is found any more.
-class Examination {
-protected:
-    Examination(const NavMeshContainer& mesh, DefectListener& listener)
-        : mMesh(mesh), mListener(listener) {}
-
-    template <typename... Pieces>
-    void found(const Pieces&... pieces) {
-        mIsClean = false;
-        if (!mGoesOn)
-            return;
-        ReportText text;
-        (text << ... << pieces);
-        mGoesOn = mListener.onDefect(text.text());
-    }
-
-    const NavMeshContainer& mMesh;
-    DefectListener& mListener;
-    bool mIsClean = true;
-    bool mGoesOn = true;
-};
 
 class DefectExamination : Examination {
 public:
@@ -123,99 +99,10 @@ private:
     }
 };
 
-class OddityExamination : Examination {
-public:
-    OddityExamination(const NavMeshContainer& mesh, DefectListener& listener)
-        : Examination(mesh, listener) {}
-
-    bool run() {
-        for (std::size_t id = 0; id < mMesh.mNodes.size() && mGoesOn; ++id) {
-            checkPolygon(id, mMesh.mNodes[id].mPolygon);
-            checkNeighbours(id, mMesh.mNodes[id]);
-            const std::uint16_t surface = mMesh.mNodes[id].mSurfaceTypeID;
-            if (surface != noSurfaceType && mMesh.findSurfaceTypeByID(surface) == nullptr)
-                found("node ", id, " has surface type ", surface, ", which does not exist");
-        }
-        for (std::size_t i = 0; i < mMesh.mCharacters.size() && mGoesOn; ++i)
-            if (mMesh.mCharacters[i].mMaxHeightClassID >= mMesh.mHeights.size())
-                found("character ", i, " may use height class ",
-                      mMesh.mCharacters[i].mMaxHeightClassID, " of ", mMesh.mHeights.size());
-        return mIsClean;
-    }
-
-private:
-    using Polygon = NavMeshContainer::Vector<std::uint32_t>;
-
-    void checkPolygon(std::size_t id, const Polygon& polygon) {
-        if (polygon.size() < 3) {
-            found("node ", id, " has ", polygon.size(), " corners");
-            return;
-        }
-        const auto corner = [&](std::size_t i) {
-            return mMesh.projectToPlane(mMesh.mVertices[polygon[i % polygon.size()]]);
-        };
-        float area = 0;
-        std::size_t leftTurns = 0;
-        std::size_t rightTurns = 0;
-        for (std::size_t i = 0; i < polygon.size(); ++i) {
-            area += signedArea(corner(0), corner(i), corner(i + 1));
-            const float turn = signedArea(corner(i), corner(i + 1), corner(i + 2));
-            leftTurns += turn > 0 ? 1 : 0;
-            rightTurns += turn < 0 ? 1 : 0;
-        }
-        if (area == 0)
-            found("node ", id, " has no area in the plane");
-        else if (area < 0)
-            found("node ", id, " runs clockwise: it holds no points");
-        else if (rightTurns != 0 && leftTurns != 0)
-            found("node ", id, " is not convex");
-    }
-
-    void checkNeighbours(std::size_t id, const NavMeshContainer::NavNode& node) {
-        if (node.mNeighbours.size() != node.mPolygon.size())
-            found("node ", id, " has ", node.mNeighbours.size(), " neighbours for ",
-                  node.mPolygon.size(), " corners");
-        for (std::size_t i = 0; i < node.mNeighbours.size(); ++i) {
-            const std::int32_t other = node.mNeighbours[i];
-            if (other < 0)
-                continue;
-            if (static_cast<std::size_t>(other) == id)
-                found("node ", id, ": border ", i, " leads to the node itself");
-            else if (!leadsTo(other, id))
-                found("node ", id, ": border ", i, " leads to node ", other,
-                      ", which does not lead back");
-            else if (i < node.mPolygon.size() && !sharesBorder(node.mPolygon, i, other))
-                found("node ", id, ": border ", i, " leads to node ", other,
-                      ", which does not have that border");
-        }
-    }
-
-    bool leadsTo(std::int32_t from, std::size_t to) const {
-        const auto& neighbours = mMesh.mNodes[static_cast<std::size_t>(from)].mNeighbours;
-        return std::find(neighbours.begin(), neighbours.end(), static_cast<std::int32_t>(to)) !=
-               neighbours.end();
-    }
-
-    /// Whether the other node holds both corners of the border.
-    bool sharesBorder(const Polygon& polygon, std::size_t border, std::int32_t other) const {
-        const Polygon& corners = mMesh.mNodes[static_cast<std::size_t>(other)].mPolygon;
-        const auto holds = [&](std::uint32_t corner) {
-            return std::any_of(corners.begin(), corners.end(), [&](std::uint32_t each) {
-                return mMesh.mVertices[each] == mMesh.mVertices[corner];
-            });
-        };
-        return holds(polygon[border]) && holds(polygon[(border + 1) % polygon.size()]);
-    }
-};
-
 } // namespace
 
 bool findDefects(const NavMeshContainer& mesh, DefectListener& listener) {
     return DefectExamination(mesh, listener).run();
-}
-
-bool findOddities(const NavMeshContainer& mesh, DefectListener& listener) {
-    return OddityExamination(mesh, listener).run();
 }
 
 } // namespace ZUNO::NavMesh

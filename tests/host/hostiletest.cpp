@@ -196,6 +196,12 @@ TEST(MeshCheck, NamesWhatIsWrongOrOdd) {
         {one, "<node_id>2</node_id>", "defect: node 0: border 1 leads to node 2 of 2"},
         {"<heightclass>0", "<heightclass>1", "defect: node 0 has height class 1 of 1"},
         {"<heightclass>0", "<heightclass>-1", "defect: node 0 has height class -1 of 1"},
+        {"0/1/0", "0/0/0", "odd: normal has the length 0 and not 1"},
+        {"0/1/0", "0/2/0", "odd: normal has the length 2 and not 1"},
+        {"<xaxis>1/0/0", "<xaxis>0.8/0/0.6", "odd: xaxis and yaxis are not at right angles"},
+        {"<yaxis>0/0", "<yaxis>0/1",
+         "odd: yaxis has the length 1.41421 and not 1\n"
+         "odd: yaxis and normal are not at right angles"},
         {ids, "<vert_id>0</vert_id><vert_id>1</vert_id></polygon><neighbour/><polygon>",
          "odd: node 0 has 2 corners\nodd: node 0 has 0 neighbours for 2 corners\n"
          "odd: node 1: border 3 leads to node 0, which does not lead back"},

@@ -26,7 +26,7 @@ CARRIERS = {
     "ZUNO_REPORT_AT": ("report", [1], ""),
     "ZUNO_CHECK": ("report", [1], ""),
     "ZUNO_CHECK_AS": ("report", [2], ""),
-    "found": ("finding", ALL, "src/navmesh/meshdefects"),
+    "found": ("finding", ALL, "src/navmesh/mesh"),
     "fail": ("XMLParserException", [0], "src/common/parser/xml/"),
     "failAtByte": ("XMLParserException", [0, "*", 1], "src/common/parser/xml/"),
     "throwCorrupted": ("SerializeException", ["The stream is corrupted. ", 0], "src/common/serialize/"),
