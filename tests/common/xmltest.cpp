@@ -134,7 +134,7 @@ TEST_F(XmlTest, SaysWhatIsWrongAndWhere) {
     }
     // no length near 4 GB becomes a small block
     for (const std::int64_t length : std::initializer_list<std::int64_t>{
-             -1, 0xFFFF0001, 0xFFFFFFEF, 0xFFFFFFFE, 0xFFFFFFFF, std::int64_t{1} << 32}) {
+             -1, 0xFFFFFFE0, 0xFFFFFFEF, 0xFFFFFFFE, 0xFFFFFFFF, std::int64_t{1} << 32}) {
         mFiles->mLength = length;
         EXPECT_EQ(raisedBy([&] { parse(""); }),
                   "IOException: XMLParser: Cannot read complete file from stream");
