@@ -142,7 +142,7 @@ TEST_F(ExceptionTest, ExceptionsCanBeMadeWithoutAnyMemoryOfTheHosts) {
 }
 
 TEST_F(ExceptionTest, ReportsHaveNoLimitOfLength) {
-    for (const std::size_t length : {1, 2046, 2047, 2048, 300000}) {
+    for (const std::size_t length : {1U, 2046U, 2047U, 2048U, 300000U}) {
         const std::string text(length, 'x');
         ZUNO_REPORT("", text.c_str() << 'y' << text.c_str());
         EXPECT_EQ(Reports::take(), Texts{"|" + text + 'y' + text});

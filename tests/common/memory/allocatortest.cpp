@@ -135,7 +135,7 @@ TEST_F(AllocatorTest, FreeListPassesOnThatThereIsNoMemory) {
                                      std::to_string(FreeListLayout::chunkSize(3))});
     allocator.free(nullptr);
     FreeListAllocator overHeap(processHeap());
-    for (const std::uint64_t size : {8, 300})
+    for (const std::uint64_t size : {8U, 300U})
         overHeap.free(overHeap.allocate(size));
     EXPECT_EQ(overHeap.compact(), FreeListLayout::chunkSize(3));
 }
