@@ -16,12 +16,14 @@ bool isLater(double a, double b) {
 } // namespace
 
 IntervalSearch::Result IntervalSearch::run(const End& start, const End& goal, double bound,
-                                           std::size_t budget, std::vector<std::uint32_t>& chain) {
+                                           double haste, std::size_t budget,
+                                           std::vector<std::uint32_t>& chain) {
     const auto later = [](const Waiting& a, const Waiting& b) {
         return isLater(a.mEstimate, b.mEstimate);
     };
     mGoal = goal;
     mBound = bound;
+    mHaste = haste;
     mStates.clear();
     mRoots.clear();
     mWaiting.clear();
@@ -135,7 +137,8 @@ void IntervalSearch::add(const State& state, const Interval& interval) {
     const double length = estimate(mRoots[state.mRoot], interval);
     if (!(length < mBound))
         return;
-    mWaiting.push_back({length, static_cast<std::uint32_t>(mStates.size())});
+    const double rest = length - mRoots[state.mRoot].mLength;
+    mWaiting.push_back({length + mHaste * rest, static_cast<std::uint32_t>(mStates.size())});
     std::push_heap(mWaiting.begin(), mWaiting.end(), [](const Waiting& a, const Waiting& b) {
         return isLater(a.mEstimate, b.mEstimate);
     });

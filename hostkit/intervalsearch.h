@@ -23,8 +23,10 @@ public:
         std::uint32_t mNode;
         PlanePoint mPoint;
     };
-    /// Writes the nodes of the shortest way, when it is shorter than `bound`.
-    Result run(const End& start, const End& goal, double bound, std::size_t budget,
+    /// Writes the nodes of a way that is shorter than `bound`. With a haste of 0 it is the shortest
+    /// one; otherwise the search prefers what is near the goal, sees much less, and the way is
+    /// longer by that part at most.
+    Result run(const End& start, const End& goal, double bound, double haste, std::size_t budget,
                std::vector<std::uint32_t>& chain);
 
     /// The intervals that the last run saw.
@@ -96,6 +98,7 @@ private:
     std::uint32_t mStartNode = NO_NODE;
     End mGoal{NO_NODE, {}};
     double mBound = 0;
+    double mHaste = 0;
     std::vector<State> mStates;
     std::vector<Root> mRoots;
     std::vector<Waiting> mWaiting;  ///< a heap, the least estimate first

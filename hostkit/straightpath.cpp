@@ -79,10 +79,12 @@ void PathStraightener::addCorner(const Position& position, std::uint32_t step,
 }
 
 void PathStraightener::improve(StraightPath& path) {
-    constexpr std::size_t wholeBudget = 1000;
-    constexpr std::size_t partBudget = 200;
+    constexpr std::size_t leastBudget = 50;
+    constexpr std::size_t budgetPerNode = 8;
+    constexpr std::size_t partBudget = 100;
     constexpr std::size_t partCorners = 4;
-    if (path.mCorners.size() <= 2 || improvePart(path, 0, path.mCorners.size() - 1, wholeBudget))
+    if (path.mCorners.size() <= 2 || improvePart(path, 0, path.mCorners.size() - 1,
+                                                 leastBudget + budgetPerNode * path.mChain.size()))
         return;
     for (std::size_t first = 0; first + 2 < path.mCorners.size(); first += partCorners / 2)
         improvePart(path, first, std::min(first + partCorners, path.mCorners.size() - 1),
@@ -102,10 +104,11 @@ bool PathStraightener::improvePart(StraightPath& path, std::size_t first, std::s
         length += distance(pointOf(i - 1), pointOf(i));
     const std::uint32_t from = path.mCorners[first].mStep;
     const std::uint32_t to = path.mCorners[last].mStep;
-    constexpr double worthwhile = 1 - 1e-6;
+    constexpr double worthwhile = 0.995;
+    constexpr double haste = 0.05;
     const IntervalSearch::Result result =
         mSearch.run({path.mChain[from], pointOf(first)}, {path.mChain[to], pointOf(last)},
-                    length * worthwhile, budget, mDetour);
+                    length * worthwhile, haste, budget, mDetour);
     if (result != IntervalSearch::Result::FOUND)
         return result == IntervalSearch::Result::NONE;
     mCandidate.mChain.assign(path.mChain.begin(), path.mChain.begin() + from);

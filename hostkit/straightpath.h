@@ -25,9 +25,9 @@ struct StraightPath {
     double mLength = 0;
 };
 
-/// Plain: the shortest way through the very nodes of the path that was found. Improved: the
-/// shortest way there is in the plane, found by a second search that looks no farther than the
-/// plain one is long; where the mesh is too intricate for its budget, piece by piece.
+/// Plain: the shortest way through the very nodes of the path that was found. Improved: a second
+/// search, no farther about than the plain path is long, passes obstacles on their shorter side;
+/// where the mesh is too intricate for its budget it goes piece by piece. Lengths: docs/walking.md.
 enum class StraightForm { PLAIN, IMPROVED };
 
 /// Straightens paths. Keeps its lists: once they have grown, no memory is taken any more (a path

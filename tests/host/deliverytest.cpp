@@ -94,6 +94,16 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
         {"path " + mesh + " --from 2,0,2 --to 100,1,75", 1, "no path"},
         {"path " + mesh + " --from 2,0 --to 1,1,1", 2, "zunopath: expected x,y,z instead of '2,0'"},
         {"path " + mesh + " --from 2,0,2 --to 1,1,nope", 2, "instead of '1,1,nope'"},
+        {"path " + mesh + " --from 2,0,2 --to 50,5,25 --straight", 0, "straight: length 96.1"},
+        {"path " + mesh + " --from 2,0,2 --to 50,5,25 --straight=plain --json", 0,
+         "\"straight\":[[2.0,0.0,2.0],["},
+        {"nearest " + mesh + " --at -2,0,2", 0, "0 0 2 on node 0, 2 away"},
+        {"nearest " + mesh + " --at -2,0,2 --within 1 --json", 1, "\"nearest\":null"},
+        {"explain " + mesh + " --from -2,0,2 --to 50,5,25", 1, "The nearest place is (0, 0, 2)"},
+        {"explain " + mesh + " --from 2,0,2 --to 100,1,75 --json", 1,
+         "\"answer\":\"other island\""},
+        {"height " + mesh + " --at 20,5,20", 0, "5 on node "},
+        {"height " + mesh + " --at 20,1,20 --json", 0, "\"height\":0.0,\"node\":"},
         {"ray " + mesh + " --from 2,2 --to 90,2 --json", 0, "{\"query\":\"ray\",\"hit\":false}"},
         {"ray " + mesh + " --from 2,0,2 --to 2,0,90", 0, "hit at 45.5"},
         {"blocked " + mesh + " --at 2,2", 0, "free"},
@@ -126,11 +136,11 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
                                                                     << run.mOutput;
     }
     const std::string scriptFile = folder + "/script";
-    std::ofstream(scriptFile) << "bounds # all\n\nblocked 2,2\nray 1,1 2\n";
+    std::ofstream(scriptFile) << "bounds # all\n\nblocked 2,2\nstraight plain\nray 1,1 2\n";
     const Outcome script = runCommand(tools + "/zunopath run " + mesh + " <" + scriptFile);
     EXPECT_EQ(script.mStatus, 2);
     EXPECT_NE(script.mOutput.find("0 0 to 105 80\nfree\n"), std::string::npos) << script.mOutput;
-    EXPECT_NE(script.mOutput.find("standard input:4: expected x,y or x,y,z instead of '2'"),
+    EXPECT_NE(script.mOutput.find("standard input:5: expected x,y or x,y,z instead of '2'"),
               std::string::npos);
 }
 

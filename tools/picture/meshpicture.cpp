@@ -160,6 +160,16 @@ void MeshPicture::writeBlocked(std::ostream& out) const {
     out << "\"/>\n";
 }
 
+void MeshPicture::writeLine(std::ostream& out, const char* kind, const char* colour,
+                            const std::vector<Common::Math::Vec3<float>>& points) const {
+    out << "<polyline class=\"" << kind << "\" stroke=\"" << colour << "\" points=\"";
+    for (const Common::Math::Vec3<float>& point : points) {
+        const Point p = onPaper(point);
+        out << p.mX << ',' << p.mY << ' ';
+    }
+    out << "\"/>\n";
+}
+
 void MeshPicture::writePaths(std::ostream& out) const {
     for (std::size_t i = 0; i < mPaths.size(); ++i) {
         const DrawnPath& path = mPaths[i];
@@ -167,13 +177,12 @@ void MeshPicture::writePaths(std::ostream& out) const {
         const Point start = onPaper(path.mStart);
         const Point goal = onPaper(path.mGoal);
         if (path.mIsFound) {
-            out << "<polyline class=\"path\" stroke=\"" << colour << "\" points=\"" << start.mX
-                << ',' << start.mY << ' ';
-            for (const auto& waypoint : path.mWaypoints) {
-                const Point p = onPaper(waypoint);
-                out << p.mX << ',' << p.mY << ' ';
-            }
-            out << goal.mX << ',' << goal.mY << "\"/>\n";
+            std::vector<Common::Math::Vec3<float>> line{path.mStart};
+            line.insert(line.end(), path.mWaypoints.begin(), path.mWaypoints.end());
+            line.push_back(path.mGoal);
+            writeLine(out, path.mCorners.empty() ? "path" : "path faint", colour, line);
+            if (!path.mCorners.empty())
+                writeLine(out, "path", colour, path.mCorners);
         } else {
             out << "<path class=\"lost\" d=\"M" << start.mX << ' ' << start.mY << 'L' << goal.mX
                 << ' ' << goal.mY << "\"/>\n";
@@ -214,6 +223,8 @@ void MeshPicture::writeLegend(std::ostream& out) const {
     entry("<circle cx=\"16\" r=\"4\" fill=\"#fff\" stroke=\"#333\" stroke-width=\"2\"/>", "start");
     entry("<path d=\"M16 -6l6 6l-6 6l-6 -6z\" fill=\"#333\"/>", "goal");
     entry("<path class=\"path\" stroke=\"#1565c0\" d=\"M0 0h32\"/>", "path found");
+    if (std::ranges::any_of(mPaths, [](const DrawnPath& path) { return !path.mCorners.empty(); }))
+        entry("<path class=\"path faint\" stroke=\"#1565c0\" d=\"M0 0h32\"/>", "its waypoints");
     if (std::ranges::any_of(mPaths, [](const DrawnPath& path) { return !path.mIsFound; }))
         entry("<path class=\"lost\" d=\"M0 0h32\"/>", "no path");
 }
@@ -230,6 +241,7 @@ void MeshPicture::write(std::ostream& out) const {
            ".wall{stroke:#4e4a42;stroke-width:2;stroke-linecap:round}"
            ".blocked{fill:url(#hatch);stroke:none}"
            ".path{fill:none;stroke-width:2.2;stroke-opacity:.75;stroke-linejoin:round}"
+           ".faint{stroke-width:1;stroke-opacity:.4}"
            ".lost{stroke:#555;stroke-width:1.2;stroke-dasharray:5 5}</style>\n"
            "<defs><pattern id=\"hatch\" width=\"8\" height=\"8\" patternUnits=\"userSpaceOnUse\">"
            "<rect width=\"8\" height=\"8\" fill=\"#c9dde8\"/>"

@@ -14,6 +14,7 @@ struct DrawnPath {
     Common::Math::Vec3<float> mStart;
     Common::Math::Vec3<float> mGoal;
     std::vector<Common::Math::Vec3<float>> mWaypoints;
+    std::vector<Common::Math::Vec3<float>> mCorners; ///< of the straight path; none: not asked for
     bool mIsFound = false;
 };
 
@@ -46,6 +47,8 @@ private:
     void writeNode(std::ostream& out, std::size_t id) const;
     void writeBlocked(std::ostream& out) const;
     void writePaths(std::ostream& out) const;
+    void writeLine(std::ostream& out, const char* kind, const char* colour,
+                   const std::vector<Common::Math::Vec3<float>>& points) const;
     void writeLegend(std::ostream& out) const;
 
     const NavMesh::NavMeshContainer& mMesh;

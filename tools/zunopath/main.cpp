@@ -4,7 +4,7 @@
 #include "tools/picture/loadedmesh.h"
 #include "tools/picture/memoryfilecallback.h"
 #include "tools/picture/meshfigures.h"
-#include "tools/zunopath/query.h"
+#include "tools/zunopath/surfacequery.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -23,6 +23,8 @@ struct Options {
     std::string mTo;
     std::string mAt;
     unsigned int mBudget = 0;
+    std::string mStraight = "off";
+    std::vector<std::string> mReach;
     std::string mScript = "-";
     std::string mPicture;
     std::vector<std::string> mPaths;
@@ -55,9 +57,11 @@ ExitStatus show(const Answer& answer, bool isJson) {
 }
 
 ExitStatus runQuery(const Options& options, const std::vector<std::string>& words) {
-    const Query query = parseQuery(words);
+    const AnyQuery query = parseAnyQuery(words);
     const World world(options.mMesh);
-    return show(ask(query), options.mIsJson);
+    Questioner questioner(world.mesh());
+    questioner.ask(parseAnyQuery({"straight", options.mStraight}));
+    return show(*questioner.ask(query), options.mIsJson);
 }
 
 ExitStatus runScript(const Options& options) {
@@ -69,6 +73,7 @@ ExitStatus runScript(const Options& options) {
             throw std::runtime_error(options.mScript + ": cannot be opened; expected a script");
     }
     const World world(options.mMesh);
+    Questioner questioner(world.mesh());
     std::istream& in = isStandardInput ? std::cin : file;
     ExitStatus status = STATUS_OK;
     std::string line;
@@ -77,7 +82,8 @@ ExitStatus runScript(const Options& options) {
         if (words.empty())
             continue;
         try {
-            if (show(ask(parseQuery(words)), options.mIsJson) == STATUS_NOTHING)
+            const std::optional<Answer> answer = questioner.ask(parseAnyQuery(words));
+            if (answer.has_value() && show(*answer, options.mIsJson) == STATUS_NOTHING)
                 status = STATUS_NOTHING;
         } catch (const std::invalid_argument& error) {
             throw std::runtime_error((isStandardInput ? "standard input" : options.mScript) + ":" +
@@ -100,8 +106,10 @@ ExitStatus draw(const Options& options) {
         });
     }
     ExitStatus status = STATUS_OK;
+    Questioner questioner(world.mesh());
+    questioner.ask(StraightChoice{HostKit::StraightForm::IMPROVED});
     for (const Query& query : queries) {
-        const Answer answer = ask(query);
+        const Answer answer = *questioner.ask(query);
         status = std::max(status, answer.mStatus);
         picture.addPath(answer.mPath);
     }
@@ -234,6 +242,28 @@ int run(int argc, char** argv) {
     path->add_option("--to", options.mTo, "the goal: x,y,z")->required();
     path->add_option("--budget", options.mBudget, "expansions per call (default: no limit)")
         ->check(CLI::PositiveNumber);
+    path->add_flag("--straight{improved}", options.mStraight,
+                   "straighten it too: improved, or --straight=plain through its own nodes")
+        ->check(CLI::IsMember({"improved", "plain", "off"}));
+
+    CLI::App* const nearest =
+        withJson(command("nearest", "Tell the place on the mesh nearest to a point", [&] {
+            std::vector<std::string> words{"nearest", options.mAt};
+            words.insert(words.end(), options.mReach.begin(), options.mReach.end());
+            return runQuery(options, words);
+        }));
+    nearest->add_option("--at", options.mAt, "the point: x,y,z")->required();
+    nearest
+        ->add_option("--within", options.mReach,
+                     "how far in the plane, and then how far up or down (default: no limit)")
+        ->expected(1, 2);
+
+    CLI::App* const explanation =
+        withJson(command("explain", "Tell why there is a path between two points, or none", [&] {
+            return runQuery(options, {"explain", options.mFrom, options.mTo});
+        }));
+    explanation->add_option("--from", options.mFrom, "the start: x,y,z")->required();
+    explanation->add_option("--to", options.mTo, "the goal: x,y,z")->required();
 
     CLI::App* const ray = withJson(command("ray", "Trace a ray against the blocking map", [&] {
         return runQuery(options, {"ray", options.mFrom, options.mTo});
@@ -251,7 +281,10 @@ int run(int argc, char** argv) {
     CLI::App* const height = withJson(command("height", "Tell the height of the ground", [&] {
         return runQuery(options, {"height", options.mAt});
     }));
-    height->add_option("--at", options.mAt, "the position without up: x,y")->required();
+    height
+        ->add_option("--at", options.mAt,
+                     "the position without up: x,y (the blocking map), or x,y,z (the surface)")
+        ->required();
 
     withJson(command("bounds", "Tell the world's bounding rectangle",
                      [&] { return runQuery(options, {"bounds"}); }));
@@ -261,7 +294,9 @@ int run(int argc, char** argv) {
     script->add_option("script", options.mScript, "the script; - is standard input")
         ->capture_default_str();
     script->footer("Queries: path X,Y,Z X,Y,Z [BUDGET]; ray X,Y X,Y; ray X,Y,Z X,Y,Z;\n"
-                   "blocked X,Y; height X,Y; bounds. What follows a # is a comment.");
+                   "blocked X,Y; height X,Y; height X,Y,Z; nearest X,Y,Z [RADIUS [HEIGHT]];\n"
+                   "explain X,Y,Z X,Y,Z; bounds. 'straight improved', 'straight plain' and\n"
+                   "'straight off' hold for the paths that follow. What follows a # is a comment.");
 
     CLI::App* const drawing =
         command("draw", "Draw a mesh as an SVG picture", [&] { return draw(options); });
