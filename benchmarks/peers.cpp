@@ -52,6 +52,8 @@ int main(int argc, char** argv) {
         compareGrowth();
         compareLoading();
         compareManySearches();
+        measureDoomedSearches();
+        measureFrameTails();
     } catch (const std::exception& error) {
         std::fprintf(stderr, "zunopeers: %s\n", error.what());
         return 2;

@@ -17,7 +17,11 @@ void showMemory(const Sample& sample);
 void compareGrowth();
 /// Loading a world beside pugixml's parse of the same bytes.
 void compareLoading();
-/// A thousand searches side by side against one alone.
+/// A thousand searches side by side, opened afresh and again, against one alone.
 void compareManySearches();
+/// A search whose goal can't be reached.
+void measureDoomedSearches();
+/// How long slices of a search take, up to the longest of a thousand.
+void measureFrameTails();
 
 } // namespace ZUNO::Benchmarks

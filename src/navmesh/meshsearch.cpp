@@ -70,7 +70,9 @@ void MeshSearch::prepare(std::uint32_t node) {
     for (const MeshGraph::Edge& edge : edges) {
         SearchRecord& end = mRecords.makeRoom(edge.end());
         *step = {&end, costOf(node, edge)};
-        mayPassSaving |= end.state() == SearchRecord::CLOSED && step->mCost + g < end.mG;
+        const bool isClosed = end.state() == SearchRecord::CLOSED;
+        const bool isCheaper = step->mCost + g < end.mG;
+        mayPassSaving = mayPassSaving | (isClosed & isCheaper); // no branch that can't be foretold
         ++step;
     }
     if (mayPassSaving)

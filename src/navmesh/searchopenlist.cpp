@@ -10,8 +10,8 @@ void SearchOpenList::grow(std::size_t records) {
     mOverflow.reserve(std::max(mOverflow.capacity(), 2 * (mOverflow.size() + records)));
 }
 
-// Seen from the best, before the first one that is dearer: a record whose cost was lowered in its
-// place may stand where the order does not put it.
+// Behind all records of the same cost. The walk begins at the best, because savings that were
+// passed on may have lowered records in their places: the list need not be sorted.
 void SearchOpenList::insert(SearchRecord& record) {
     record.setState(SearchRecord::SORTED);
     const Entry entry{record.mF, record.node()};
@@ -102,7 +102,7 @@ private:
     static constexpr float none = std::numeric_limits<float>::infinity();
     static constexpr std::size_t capacity = (refillLimit + 3) / 4 * 4;
 
-    /// A cost beyond the range of `float`, lowered, is no number any more: it counts as infinite.
+    /// `mF` with NaN read as infinity, so that it can be ordered. NaN arises when costs overflow.
     static float costOf(const SearchRecord& record) {
         return record.mF == record.mF ? record.mF : none;
     }

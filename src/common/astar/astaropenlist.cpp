@@ -7,8 +7,7 @@ namespace ZUNO::Common::Astar {
 
 namespace {
 
-/// What a record costs as a number that orders: a cost beyond the range of `float`, lowered, is no
-/// number any more.
+/// `mF` with NaN read as infinity, so that it can be ordered. NaN arises when costs overflow.
 float orderOf(const AStarNode* record) {
     return record->mF == record->mF ? record->mF : std::numeric_limits<float>::infinity();
 }
@@ -30,8 +29,8 @@ void AStarOpenList::place(RecordList& cell) {
         mOverflow.splice(mOverflow.end(), cell);
         return;
     }
-    // Seen from the best: a record whose cost was lowered in its place may stand where the order
-    // does not put it, and the first dearer one counts.
+    // Behind all records of the same cost. The walk begins at the best, because savings that were
+    // passed on may have lowered records in their places: the list need not be sorted.
     const auto dearer = std::find_if(mSorted.begin(), mSorted.end(),
                                      [&](const AStarNode* other) { return cost < other->mF; });
     mSorted.splice(dearer, cell);

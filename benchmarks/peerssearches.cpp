@@ -1,0 +1,183 @@
+// What searches cost by themselves: many side by side, without a path, and slice by slice.
+#include "benchmarks/peers.h"
+#include "hostkit/session.h"
+#include "worlds/meshmodel.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace ZUNO::Benchmarks {
+
+using Pathfinder::Interface;
+
+namespace {
+
+std::vector<Journey> pickJourneys(const Sample& sample, std::size_t count, unsigned int seed) {
+    std::mt19937 random(seed);
+    std::vector<Journey> journeys;
+    while (journeys.size() < count)
+        journeys.push_back({sample.pick(random), sample.pick(random)});
+    return journeys;
+}
+
+/// Seconds of a search for its opening, and for each of its first expansions.
+struct Cost {
+    double mOpening = 0;
+    double mExpansion = 0;
+};
+
+constexpr unsigned int firstExpansions = 50;
+
+/// Runs searches side by side, or one after the other. Returns what each cost.
+Cost runFirstExpansions(
+    const std::vector<Journey>& journeys, bool isSideBySide,
+    const std::function<void()>& whileOpen = [] {}) {
+    Cost cost;
+    std::vector<int> ids;
+    const auto open = [&](const Journey& journey) {
+        ids.push_back(Interface::initPathSearch(journey.mFrom, journey.mTo));
+    };
+    const auto expand = [&] {
+        for (const int id : ids)
+            Interface::runPathSearch(id, firstExpansions);
+    };
+    const auto close = [&] {
+        for (const int id : ids)
+            Interface::closePathSearch(id);
+        ids.clear();
+    };
+    if (isSideBySide) {
+        cost.mOpening = secondsOf([&] {
+            for (const Journey& journey : journeys)
+                open(journey);
+        });
+        cost.mExpansion = secondsOf(expand);
+        whileOpen();
+        close();
+    } else {
+        for (const Journey& journey : journeys) {
+            cost.mOpening += secondsOf([&] { open(journey); });
+            cost.mExpansion += secondsOf(expand);
+            close();
+        }
+    }
+    const auto count = static_cast<double>(journeys.size());
+    return {cost.mOpening / count, cost.mExpansion / count / firstExpansions};
+}
+
+/// A floor and, high above it, a small one that no way leads to.
+std::string makeTwoFloors(unsigned int nodes) {
+    Worlds::MeshModel mesh = Worlds::makeFloor(nodes, 1);
+    const Worlds::MeshModel upper = Worlds::makeFloor(60, 2);
+    const auto firstCorner = static_cast<std::uint32_t>(mesh.mVertices.size());
+    const auto firstNode = static_cast<std::int32_t>(mesh.mNodes.size());
+    for (auto corner : upper.mVertices) {
+        corner.mY += 400;
+        mesh.mVertices.push_back(corner);
+    }
+    for (auto node : upper.mNodes) {
+        for (auto& corner : node.mPolygon)
+            corner += firstCorner;
+        for (auto& neighbour : node.mNeighbours)
+            neighbour += neighbour >= 0 ? firstNode : 0;
+        mesh.mNodes.push_back(node);
+    }
+    const std::string file =
+        (std::filesystem::temp_directory_path() / "zunopeers.twofloors.xml").string();
+    std::ofstream(file, std::ios::binary) << mesh.toXML("benchmark");
+    return file;
+}
+
+} // namespace
+
+void compareManySearches() {
+    const Sample sample(100000);
+    const std::vector<Journey> journeys = pickJourneys(sample, 1000, 4);
+    double bytes = 0;
+    Cost afresh;
+    Cost again;
+    Cost alone;
+    const auto keepLeast = [](Cost& least, const Cost& cost) {
+        const auto lower = [](double a, double b) { return a == 0 || b < a ? b : a; };
+        least = {lower(least.mOpening, cost.mOpening), lower(least.mExpansion, cost.mExpansion)};
+    };
+    for (int world = 0; world < 4; ++world) {
+        HostKit::Session session(sample.file());
+        const std::uint64_t before = session.memory().mBytes;
+        keepLeast(afresh, runFirstExpansions(journeys, true, [&] {
+                      bytes = static_cast<double>(session.memory().mBytes - before) / 1000;
+                  }));
+        for (int round = 0; round < 4; ++round) {
+            keepLeast(again, runFirstExpansions(journeys, true));
+            keepLeast(alone, runFirstExpansions(journeys, false));
+        }
+    }
+    const std::string of = "1,000 searches on 100,000 nodes: ";
+    print(of + "expansion, opened afresh", {afresh.mExpansion, alone.mExpansion}, 1.5);
+    print(of + "expansion, again", {again.mExpansion, alone.mExpansion}, 1.3);
+    printFigure(of + "us to open afresh", afresh.mOpening * 1e6, 3);
+    printFigure(of + "us to open again", again.mOpening * 1e6, 3);
+    printFigure(of + "KB of the host's", bytes / 1024, 10);
+}
+
+void measureDoomedSearches() {
+    const std::string file = makeTwoFloors(21000);
+    {
+        const Sample sample(file, "");
+        const HostKit::Session session(file);
+        const auto goal =
+            sample.mesh().getNodeCenter(static_cast<std::int32_t>(sample.nodes() - 1));
+        for (const unsigned int budget : {1U, 7U, 50U, 1000000000U}) {
+            std::vector<double> seconds;
+            unsigned int slices = 0;
+            for (int round = 0; round < 25; ++round) {
+                double running = 0;
+                slices = 0;
+                const double whole = secondsOf([&] {
+                    const int id = Interface::initPathSearch(sample.mesh().getNodeCenter(0), goal);
+                    running = secondsOf([&] {
+                        while (Interface::runPathSearch(id, budget) == 1)
+                            ++slices;
+                    });
+                    Interface::closePathSearch(id);
+                });
+                seconds.push_back(whole - running + running / (slices + 1)); // of one call each
+            }
+            printFigure("search without a path on 21,000 nodes, " + std::to_string(slices + 1) +
+                            " slices: us",
+                        medianOf(seconds) * 1e6, 2);
+        }
+    }
+    std::filesystem::remove(file);
+}
+
+void measureFrameTails() {
+    const Sample sample(21000);
+    const HostKit::Session session(sample.file());
+    const std::vector<Journey> journeys = pickJourneys(sample, 60, 8);
+    std::vector<double> slices; // the least of several rounds: what the machine adds is left out
+    for (int round = 0; round < 7; ++round) {
+        std::size_t next = 0;
+        for (const Journey& journey : journeys) {
+            const int id = Interface::initPathSearch(journey.mFrom, journey.mTo);
+            for (int state = 1; state == 1; ++next) {
+                const double seconds = secondsOf([&] { state = Interface::runPathSearch(id, 20); });
+                if (round == 0)
+                    slices.push_back(seconds);
+                else
+                    slices[next] = std::min(slices[next], seconds);
+            }
+            Interface::closePathSearch(id);
+        }
+    }
+    std::ranges::sort(slices);
+    const auto at = [&](double part) {
+        return slices[static_cast<std::size_t>(part * static_cast<double>(slices.size() - 1))];
+    };
+    std::printf("    slices of 20 expansions on 21,000 nodes, us: median %.2f, 90 %% %.2f, 99 %% "
+                "%.2f, 99.9 %% %.2f, longest %.2f\n",
+                at(0.5) * 1e6, at(0.9) * 1e6, at(0.99) * 1e6, at(0.999) * 1e6, at(1) * 1e6);
+    print("slice of 20 expansions, 99.9th percentile against median", {at(0.999), at(0.5)}, 4);
+}
+
+} // namespace ZUNO::Benchmarks
