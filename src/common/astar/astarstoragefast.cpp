@@ -42,8 +42,7 @@ AStarNode* AStarStorageFast::popBest() {
 
 void AStarStorageFast::addOpen(std::uint32_t edge, std::uint32_t node, float g, float h) {
     AStarNode& record = mRecords[node];
-    const bool hasOtherPath = edge != record.mParentEdge || g < record.mG || record.mG < g;
-    if (&record == mPopped && !hasOtherPath) {
+    if (&record == mPopped && edge == record.mParentEdge && !(g < record.mG || record.mG < g)) {
         mOpenList.putBack();
         mPopped = nullptr;
         return;
