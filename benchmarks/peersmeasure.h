@@ -32,49 +32,49 @@ struct Pair {
     double mTheirs = 0;
 };
 
-/// Returns the medians of rounds. `round` measures both sides once; there are 25 rounds, or as many
-/// as begin within 8 seconds, and 5 at least.
-template <typename Round>
-Pair mediansOf(Round&& round) {
-    constexpr std::size_t most = 25;
-    constexpr std::size_t fewest = 5;
-    std::vector<double> ours;
-    std::vector<double> theirs;
-    double seconds = 0;
-    while (ours.size() < fewest || (ours.size() < most && seconds < 8)) {
-        const Pair once = round();
-        ours.push_back(once.mOurs);
-        theirs.push_back(once.mTheirs);
-        seconds += once.mOurs + once.mTheirs;
-    }
-    return {medianOf(ours), medianOf(theirs)};
-}
-
-/// Returns the medians of two actions that take turns.
+/// Returns the medians of 25 turns of two actions.
 inline Pair compare(const std::function<void()>& ours, const std::function<void()>& theirs) {
-    return mediansOf([&] { return Pair{secondsOf(ours), secondsOf(theirs)}; });
+    std::vector<double> our;
+    std::vector<double> their;
+    for (int i = 0; i < 25; ++i) {
+        our.push_back(secondsOf(ours));
+        their.push_back(secondsOf(theirs));
+    }
+    return {medianOf(our), medianOf(their)};
 }
 
-/// Returns the medians over a list of questions, for one question. The sides take turns after
-/// `chunk` of them: with long chunks each keeps its data in the caches, with one they evict each
-/// other's.
+/// Returns the times of a list of questions, for one of them: the sum of each chunk's median over
+/// the rounds, so that what interrupts a chunk now and then does not count. The sides take turns
+/// after `chunk` questions: with long chunks each keeps its data in the caches, with one they evict
+/// each other's.
 template <typename Questions, typename Ours, typename Theirs>
 Pair compareEach(const Questions& questions, std::size_t chunk, Ours&& ours, Theirs&& theirs) {
-    const Pair whole = mediansOf([&] {
-        Pair round;
-        for (std::size_t first = 0; first < questions.size(); first += chunk) {
-            const std::size_t end = std::min(first + chunk, questions.size());
+    constexpr std::size_t most = 25;
+    constexpr std::size_t fewest = 5;
+    const std::size_t chunks = (questions.size() + chunk - 1) / chunk;
+    std::vector<std::vector<double>> times(2 * chunks);
+    const auto begin = std::chrono::steady_clock::now();
+    const auto goesOn = [&](std::size_t round) {
+        return round < fewest ||
+               (round < most && std::chrono::steady_clock::now() - begin < std::chrono::seconds(8));
+    };
+    for (std::size_t round = 0; goesOn(round); ++round)
+        for (std::size_t i = 0; i < chunks; ++i) {
             const auto ask = [&](auto& side) {
-                for (std::size_t i = first; i < end; ++i)
-                    side(questions[i]);
+                const std::size_t end = std::min((i + 1) * chunk, questions.size());
+                for (std::size_t k = i * chunk; k < end; ++k)
+                    side(questions[k]);
             };
-            round.mOurs += secondsOf([&] { ask(ours); });
-            round.mTheirs += secondsOf([&] { ask(theirs); });
+            times[2 * i].push_back(secondsOf([&] { ask(ours); }));
+            times[2 * i + 1].push_back(secondsOf([&] { ask(theirs); }));
         }
-        return round;
-    });
+    Pair sum;
+    for (std::size_t i = 0; i < chunks; ++i) {
+        sum.mOurs += medianOf(times[2 * i]);
+        sum.mTheirs += medianOf(times[2 * i + 1]);
+    }
     const auto count = static_cast<double>(questions.size());
-    return {whole.mOurs / count, whole.mTheirs / count};
+    return {sum.mOurs / count, sum.mTheirs / count};
 }
 
 inline void printHead() {

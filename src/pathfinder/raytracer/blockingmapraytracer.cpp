@@ -134,7 +134,7 @@ bool BlockingMapRayTracer::advance(BitWalk& walk, std::uint32_t steps) const {
         const std::uint32_t free =
             std::min(mDistances.stepsFrom(mBits.cellOf(walk.place())), steps);
         if (free < small.mSteps) {
-            const std::uint32_t stretch = std::min(steps, 3 * small.mSteps);
+            const std::uint32_t stretch = std::min(steps, 2 * small.mSteps);
             if (walk.advance(stretch))
                 return true;
             steps -= stretch;
