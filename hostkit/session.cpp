@@ -1,42 +1,88 @@
 #include "hostkit/session.h"
 
+#include "hostkit/recorder.h"
+
 #include <stdexcept>
 
 namespace ZUNO::HostKit {
 
 using namespace Common;
 
-Session::Session(const std::string& meshFile, const std::string& baseFolder)
-    : Session(meshFile,
-              SharedPtr<Callback::FileIOCallback>(
-                  baseFolder.empty() ? new StdioFileCallback : new StdioFileCallback(baseFolder))) {
+namespace {
+
+bool theSessionRuns = false;
+
+Exports::Files filesOf(const SessionSettings& settings) {
+    if (settings.mFiles != nullptr)
+        return settings.mFiles;
+    return Exports::Files(settings.mBaseFolder.empty()
+                              ? new StdioFileCallback
+                              : new StdioFileCallback(settings.mBaseFolder));
 }
 
-Session::Session(const std::string& meshFile, const SharedPtr<Callback::FileIOCallback>& fileIO) {
+std::unique_ptr<Exports> exportsOf(const SessionSettings& settings) {
+    return settings.mRecording.empty() ? std::make_unique<Exports>()
+                                       : std::make_unique<Recorder>(settings.mRecording);
+}
+
+} // namespace
+
+Session::Session(const std::string& meshFile, const SessionSettings& settings) {
+    if (theSessionRuns)
+        throw std::logic_error(meshFile + ": a session is running already, and a process has one "
+                                          "world: close it first, or reload it");
+    mExports = exportsOf(settings);
     auto* const heap = new HeapMemoryCallback;
     mHeap = heap;
     mMemory = SharedPtr<Callback::MemoryCallback>(heap);
-    mIsOpen = true;
+    auto* const meshFiles = new MeshFileCallback(filesOf(settings));
+    mMeshFiles = meshFiles;
+    mFiles = Exports::Files(meshFiles);
+    theSessionRuns = mIsOpen = true;
     try {
-        start(meshFile, fileIO);
-    } catch (Exceptions::Exception* exception) {
-        const std::string message = takeMessage(exception);
-        close();
-        throw std::runtime_error(message);
+        start(meshFile);
     } catch (...) {
         close();
         throw;
     }
 }
 
-void Session::start(const std::string& meshFile,
-                    const SharedPtr<Callback::FileIOCallback>& fileIO) {
-    if (!Pathfinder::Interface::initWorldRepresentation(meshFile.c_str(), mMemory, fileIO, ""))
-        throw std::runtime_error(meshFile + ": no usable navigation mesh");
+void Session::start(const std::string& meshFile) {
+    try {
+        if (!mExports->initWorldRepresentation(meshFile.c_str(), mMemory, mFiles, ""))
+            throw std::runtime_error(meshFile + ": no usable navigation mesh");
+    } catch (Exceptions::Exception* exception) {
+        const std::string message = takeMessage(exception);
+        throw std::runtime_error(mMeshFiles->failure().empty() ? message : mMeshFiles->failure());
+    }
+    mMeshFile = meshFile;
 }
 
 Session::~Session() {
     close();
+}
+
+void Session::reload(const std::string& meshFile, Scheduler* scheduler) {
+    if (!mIsOpen)
+        throw std::logic_error(meshFile + ": the session is closed");
+    readMesh(meshFile, mFiles); // throws while nothing has changed yet
+    mExports->close();
+    if (scheduler != nullptr)
+        scheduler->restart();
+    try {
+        start(meshFile);
+        return;
+    } catch (const std::runtime_error& error) {
+        mExports->close();
+        try {
+            start(mMeshFile);
+        } catch (const std::runtime_error& second) {
+            close();
+            throw std::runtime_error(std::string(error.what()) +
+                                     "; and the old mesh is gone: " + second.what());
+        }
+        throw;
+    }
 }
 
 const MemoryFigures& Session::memory() const {
@@ -46,31 +92,12 @@ const MemoryFigures& Session::memory() const {
 MemoryFigures Session::close() {
     if (!mIsOpen)
         return mLastFigures;
-    mIsOpen = false;
-    Pathfinder::Interface::close();
+    theSessionRuns = mIsOpen = false;
+    mExports->close();
     mLastFigures = mHeap->figures();
     mMemory = nullptr;
+    mFiles = nullptr;
     return mLastFigures;
-}
-
-std::string takeMessage(Exceptions::Exception* exception) {
-    std::string text = exception->getMessage().getConstCharPtr();
-    {
-        Exceptions::ParameterList parameters;
-        exception->getParameters(parameters);
-        const char* separator = " (";
-        for (const Exceptions::Parameter& parameter : parameters) {
-            text += separator;
-            text += parameter.mFirst.getConstCharPtr();
-            text += ": ";
-            text += parameter.mSecond.getConstCharPtr();
-            separator = ", ";
-        }
-        if (!parameters.empty())
-            text += ")";
-    }
-    delete exception;
-    return text;
 }
 
 } // namespace ZUNO::HostKit

@@ -1,29 +1,57 @@
 #pragma once
 
-#include "common/exceptions/exception.h"
+#include "hostkit/exceptiontext.h"
+#include "hostkit/exports.h"
 #include "hostkit/foundation.h"
 #include "hostkit/heapmemorycallback.h"
+#include "hostkit/meshfilecallback.h"
+#include "hostkit/scheduler.h"
 #include "hostkit/stdiofilecallback.h"
-#include "pathfinder/interface.h"
 
+#include <memory>
 #include <string>
 
 namespace ZUNO::HostKit {
 
+/// What a session may be told when it starts.
+struct SessionSettings {
+    /// The folder that file names can't leave, when it is not empty and there are no files of the
+    /// host's own.
+    std::string mBaseFolder = {};
+    /// The host's own files; null: the C library's.
+    Exports::Files mFiles = {};
+    /// The file that every call through `Session::exports` is recorded in; empty: none.
+    std::string mRecording = {};
+};
+
 /// A running library: starts the host's copy of the foundation and the world, and closes both in
-/// the right order. One at a time in a process.
+/// the right order. A mesh may have either form. One at a time in a process.
+/// Thread: that of the exports.
 class Session {
 public:
-    /// Loads the mesh. `baseFolder`, when not empty, is the folder that file names can't leave.
-    /// On any failure nothing runs and a std::runtime_error says why: an exception's report, or
-    /// that the file holds no usable mesh (what is wrong with it was reported before).
-    explicit Session(const std::string& meshFile, const std::string& baseFolder = {});
-    /// The same with the host's own files.
-    Session(const std::string& meshFile,
-            const Common::SharedPtr<Common::Callback::FileIOCallback>& fileIO);
+    /// Loads the mesh.
+    /// Throws a std::logic_error while another session runs, which goes on as it was. On any other
+    /// failure nothing runs and a std::runtime_error says why: an exception's report, or that the
+    /// file holds no usable mesh (what is wrong with it was reported before).
+    Session(const std::string& meshFile, const SessionSettings& settings);
+    explicit Session(const std::string& meshFile, const std::string& baseFolder = {})
+        : Session(meshFile, SessionSettings{.mBaseFolder = baseFolder}) {}
+    Session(const std::string& meshFile, const Exports::Files& fileIO)
+        : Session(meshFile, SessionSettings{.mFiles = fileIO}) {}
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
+
+    /// The library's exports; recorded, when the session was told so. Lifetime: the session's.
+    Exports& exports() { return *mExports; }
+
+    /// Runs a new mesh in the old one's place. The new one is read and looked over first: when it
+    /// can't be run, a std::runtime_error says why, and the old world and its searches go on as
+    /// they were. Else the old world is closed with all its searches; those of the scheduler, when
+    /// there is one, are asked anew by their points.
+    /// When memory ends in the middle, the old file is loaded again; when that fails too, the
+    /// session is closed. Either way a std::runtime_error says so.
+    void reload(const std::string& meshFile, Scheduler* scheduler = nullptr);
 
     /// The library's memory so far.
     const MemoryFigures& memory() const;
@@ -33,17 +61,17 @@ public:
     MemoryFigures close();
 
 private:
-    void start(const std::string& meshFile,
-               const Common::SharedPtr<Common::Callback::FileIOCallback>& fileIO);
+    void start(const std::string& meshFile);
 
     Foundation mFoundation; ///< outlives all that is made of strings and pointers here
+    std::unique_ptr<Exports> mExports;
+    std::string mMeshFile;
     Common::SharedPtr<Common::Callback::MemoryCallback> mMemory;
     const HeapMemoryCallback* mHeap = nullptr;
+    Exports::Files mFiles;
+    const MeshFileCallback* mMeshFiles = nullptr;
     MemoryFigures mLastFigures;
     bool mIsOpen = false;
 };
-
-/// The message and the named parameters of an exception in one line; deletes it.
-std::string takeMessage(Common::Exceptions::Exception* exception);
 
 } // namespace ZUNO::HostKit

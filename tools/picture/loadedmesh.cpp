@@ -1,15 +1,13 @@
 #include "tools/picture/loadedmesh.h"
 
-#include "common/callback/callbackfilestream.h"
 #include "common/memory/objectcreation.h"
-#include "common/parser/xml/xmltreebuilder.h"
-#include "common/parser/xml/xmlwriter.h"
-#include "hostkit/session.h"
+#include "hostkit/exceptiontext.h"
+#include "hostkit/heapmemorycallback.h"
+#include "hostkit/meshfile.h"
+#include "hostkit/stdiofilecallback.h"
 #include "navmesh/interface.h"
 #include "navmesh/meshdefects.h"
 #include "navmesh/navmeshfiles.h"
-
-#include "tools/picture/memoryfilecallback.h"
 
 #include <cstring>
 #include <fstream>
@@ -104,17 +102,7 @@ void LoadedMesh::save(const std::string& fileName) const {
 }
 
 std::string LoadedMesh::toXML() const {
-    auto* const file = new MemoryFileCallback;
-    const SharedPtr<Callback::FileIOCallback> files(file);
-    Callback::CallbackFileStream stream(files);
-    stream.open("", IO::FACCESS_WRITE);
-    Parser::XML::XMLTreeBuilder builder;
-    builder.begin("ZUNO", true);
-    mMesh->writeXML(builder);
-    Parser::XML::XMLWriter writer;
-    writer.writeHeader(stream);
-    writer.write(stream, builder.getRoot());
-    return file->content();
+    return HostKit::textOf(*mMesh);
 }
 
 MeshForm formOf(const std::string& fileName) {

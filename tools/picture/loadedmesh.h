@@ -36,7 +36,7 @@ public:
     /// std::runtime_error.
     void save(const std::string& fileName) const;
 
-    /// Returns the text of its XML form.
+    /// Returns the text of what a world reads of it, with every bit of its numbers.
     std::string toXML() const;
 
 private:

@@ -2,8 +2,8 @@
 #include "hostkit/session.h"
 #include "navmesh/meshdefects.h"
 #include "tools/picture/loadedmesh.h"
-#include "tools/picture/memoryfilecallback.h"
 #include "tools/picture/meshfigures.h"
+#include "tools/zunopath/replay.h"
 #include "tools/zunopath/surfacequery.h"
 
 #include <CLI/CLI.hpp>
@@ -29,24 +29,20 @@ struct Options {
     std::string mPicture;
     std::vector<std::string> mPaths;
     bool mShowsBlocked = false;
+    std::string mRecording;
+    std::vector<std::string> mMeshes;
+    bool mIsScript = false;
     std::string mOutput;
 };
 
 /// The mesh, looked over for errors that deserve one clear line, and then the world over it.
 class World {
 public:
-    explicit World(const std::string& file) : mMesh(file), mSession(file, filesOf(mMesh)) {}
+    explicit World(const std::string& file) : mMesh(file), mSession(file) {}
     const NavMesh::NavMeshContainer& mesh() const { return *mMesh; }
     const HostKit::Session& session() const { return mSession; }
 
 private:
-    /// A world loads the XML form alone: a binary mesh is converted in memory.
-    static Common::SharedPtr<Common::Callback::FileIOCallback> filesOf(const LoadedMesh& mesh) {
-        using Files = Common::SharedPtr<Common::Callback::FileIOCallback>;
-        return mesh.isBinary() ? Files(new MemoryFileCallback(mesh.toXML()))
-                               : Files(new HostKit::StdioFileCallback);
-    }
-
     LoadedMesh mMesh;
     HostKit::Session mSession;
 };
@@ -317,6 +313,19 @@ int run(int argc, char** argv) {
     command("check", "List everything that is wrong or odd about a mesh", [&] {
         return check(options);
     })->footer("Exit status: 0 nothing found, 1 something found, 2 no mesh at all.");
+
+    CLI::App* const replaying = app.add_subcommand(
+        "replay", "Make the calls of a recording again, and compare the answers");
+    replaying->add_option("recording", options.mRecording, "the file that a host recorded")
+        ->required();
+    replaying->add_option("--mesh", options.mMeshes,
+                          "where the recorded mesh is to be found (default: where it was)");
+    replaying->add_flag("--script", options.mIsScript, "print its queries for 'run' instead");
+    replaying->footer("Exit status: 0 every answer as recorded, 1 a difference, 2 error.");
+    replaying->callback([&] {
+        status = options.mIsScript ? printScript(options.mRecording)
+                                   : replayRecording(options.mRecording, options.mMeshes);
+    });
 
     try {
         app.parse(argc, argv);

@@ -32,6 +32,11 @@ char* floatToChars(char* begin, char* end, T number, FloatFormat format) {
         .ptr;
 }
 
+/// Writes a number so that reading it gives every bit again, as `floatToChars` does otherwise.
+inline char* exactFloatToChars(char* begin, char* end, float number) {
+    return std::to_chars(begin, end, number).ptr;
+}
+
 #else
 
 template <typename T>
@@ -49,6 +54,11 @@ template <typename T>
 char* floatToChars(char* begin, char* end, T number, FloatFormat format) {
     const char* const pattern = format == FloatFormat::FIXED ? "%f" : "%g";
     return begin + std::snprintf(begin, static_cast<std::size_t>(end - begin), pattern,
+                                 static_cast<double>(number));
+}
+
+inline char* exactFloatToChars(char* begin, char* end, float number) {
+    return begin + std::snprintf(begin, static_cast<std::size_t>(end - begin), "%.9g",
                                  static_cast<double>(number));
 }
 

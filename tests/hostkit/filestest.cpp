@@ -1,12 +1,12 @@
 #include "common/interface.h"
-#include "hostkit/session.h"
+#include "hostkit/foundation.h"
+#include "hostkit/stdiofilecallback.h"
 #include "tests/support/tempfolder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
 
 namespace ZUNO::Tests {
 
@@ -85,35 +85,6 @@ TEST_F(HostKitTest, FilesAreReadWrittenAndSought) {
     EXPECT_EQ(files.readFile(buffer, 1, handle), -1);
     EXPECT_EQ(files.getFileLength(handle), -1);
     EXPECT_EQ(files.bytesRead(), 6U);
-}
-
-TEST_F(HostKitTest, SessionsSayWhyTheyDidNotStart) {
-    write(mFolder / "mesh", "<a>\n<b></a>");
-    const auto reason = [&](const std::string& file) -> std::string {
-        try {
-            const HostKit::Session session(file, mFolder.string());
-        } catch (const std::runtime_error& error) {
-            return error.what();
-        }
-        return "";
-    };
-    EXPECT_EQ(reason("mesh").substr(0, 40), "XMLParser: Name in starttag and endtag a");
-    EXPECT_EQ(reason("../etc/passwd").substr(0, 42), "CallbackFileStream: File or path not found");
-    write(mFolder / "mesh", "<a><b/></a>");
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(reason("mesh"), "mesh: no usable navigation mesh");
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("'navmesh' is required"),
-              std::string::npos);
-}
-
-TEST_F(HostKitTest, SessionsAreClosedOnce) {
-    const char* const mesh = ZUNO_SOURCE_FOLDER "/worlds/harbour.xml";
-    HostKit::Session first(mesh);
-    const HostKit::MemoryFigures figures = first.close();
-    EXPECT_GT(figures.mPeakBytes, 0U);
-    const HostKit::Session second(mesh);
-    EXPECT_EQ(first.close().mPeakBytes, figures.mPeakBytes);
-    EXPECT_EQ(Pathfinder::Interface::getGroundHeight({20, 20}), 5) << "the second one runs on";
 }
 
 TEST(HostKitFoundationTest, LeavesAFoundationOfTheHostsRunning) {

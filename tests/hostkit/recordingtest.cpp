@@ -1,0 +1,281 @@
+#include "hostkit/recorder.h"
+#include "hostkit/replay.h"
+#include "tests/host/hosttest.h"
+#include "tests/platform/process.h"
+#include "tests/support/tempfolder.h"
+
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+namespace ZUNO::Tests {
+
+using namespace HostKit;
+
+namespace {
+
+std::string bytesOf(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return content.str();
+}
+
+/// Swallows the reports that failing calls come with.
+class Quiet {
+public:
+    Quiet() { testing::internal::CaptureStderr(); }
+    ~Quiet() { testing::internal::GetCapturedStderr(); }
+};
+
+/// Exports whose n-th answer of a kind has another bit in it.
+class FaultyExports : public Exports {
+public:
+    explicit FaultyExports(CallKind kind = CallKind::CLOSE, unsigned int countdown = 0)
+        : mKind(kind), mCountdown(countdown) {}
+    int runPathSearch(int id, unsigned int budget) override {
+        const int result = Exports::runPathSearch(id, budget);
+        return isNow(CallKind::RUN_SEARCH) ? result ^ 1 : result;
+    }
+    bool getNextWaypoint(int id, Vec3& waypoint) override {
+        const bool isThere = Exports::getNextWaypoint(id, waypoint);
+        if (isThere && isNow(CallKind::NEXT_WAYPOINT))
+            waypoint.mY = std::nextafter(waypoint.mY, 99.0F);
+        return isThere;
+    }
+    float getPathCost(int id) override {
+        const float cost = Exports::getPathCost(id);
+        return isNow(CallKind::PATH_COST) ? std::nextafter(cost, 0.0F) : cost;
+    }
+    bool isBlocked(const Vec2& p) override {
+        return Exports::isBlocked(p) != isNow(CallKind::IS_BLOCKED);
+    }
+
+private:
+    bool isNow(CallKind kind) { return kind == mKind && mCountdown != 0 && --mCountdown == 0; }
+
+    CallKind mKind;
+    unsigned int mCountdown;
+};
+
+} // namespace
+
+class RecordingTest : public HostTest {
+protected:
+    RecordingTest() { mFiles->mFiles["harbour"] = Worlds::makeHarbour().toXML("harbour"); }
+
+    bool start(Exports& exports, const char* mesh = "harbour") {
+        return exports.initWorldRepresentation(mesh, mMemoryCallback, mFileCallback, "");
+    }
+
+    /// Asks everything there is to ask, what fails included, in about so many calls.
+    void ask(Exports& exports, unsigned int calls) {
+        Vec2<float> low;
+        Vec2<float> high;
+        ASSERT_TRUE(start(exports));
+        exports.getBoundingRectangle(low, high);
+        std::mt19937 random(17);
+        const auto between = [&](float from, float to) {
+            return from + (to - from) * (static_cast<float>(random() >> 8U) / 16777216.0F);
+        };
+        const auto place = [&] {
+            const float x = between(low.mX, high.mX);
+            return Vec2<float>(x, between(low.mY, high.mY));
+        };
+        for (unsigned int made = 0; made < calls;) {
+            const Vec2<float> from = place();
+            const Vec2<float> to = place();
+            const Vec3<float> start3(from.mX, exports.getGroundHeight(from), from.mY);
+            const Vec3<float> goal3(to.mX, exports.getGroundHeight(to), to.mY);
+            exports.isBlocked(to);
+            Common::Geom::Ray2D<float, float> flat(from, to);
+            exports.traceRay(flat);
+            Common::Geom::Ray3D<float, float> deep(start3, goal3);
+            exports.traceRay(deep);
+            const int search = exports.initPathSearch(start3, goal3);
+            made += 6;
+            for (int state = search < 0 ? 2 : 1; state == 1; ++made)
+                state = exports.runPathSearch(search, static_cast<unsigned int>(random() % 9));
+            for (Vec3<float> p; search >= 0 && exports.getNextWaypoint(search, p); ++made)
+                continue;
+            if (search >= 0)
+                exports.getPathCost(search);
+            if (random() % 8 != 0) // some stay open
+                exports.closePathSearch(search);
+        }
+        const Quiet quiet;
+        EXPECT_NE(raisedBy([&] { exports.runPathSearch(-1, 1); }), "");
+        EXPECT_NE(raisedBy([&] { exports.saveBlockingMap("x"); }), "");
+        exports.close();
+        EXPECT_NE(raisedBy([&] { start(exports, "missing"); }), "");
+        exports.close();
+    }
+
+    /// Records what `ask` asks, and gives the file's content.
+    std::string record(unsigned int calls) {
+        {
+            Recorder recorder(mFile.string());
+            ask(recorder, calls);
+        }
+        return bytesOf(mFile);
+    }
+
+    ReplayOutcome replayed(std::string_view recording, FaultyExports exports = FaultyExports()) {
+        const Quiet quiet;
+        return replay(recording, exports, {.mFiles = mFileCallback});
+    }
+
+    TempFolder mFolder;
+    std::filesystem::path mFile = mFolder.path() / "recording";
+};
+
+TEST_F(RecordingTest, ReplaysToTheBit) {
+    const std::string recording = record(100000);
+    const ReplayOutcome outcome = replayed(recording);
+    EXPECT_FALSE(outcome.mDifference) << describe(*outcome.mDifference);
+    EXPECT_TRUE(outcome.mIsWhole);
+    EXPECT_GE(outcome.mCalls, 100000U);
+    EXPECT_LT(recording.size(), outcome.mCalls * 40);
+    // a system that replays what another recorded would have recorded the same bytes
+    std::uint64_t digest = 0xCBF29CE484222325U;
+    for (const char c : recording)
+        digest = (digest ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
+    EXPECT_EQ(digest, 10289416114536424947U)
+        << recording.size() << " bytes for " << outcome.mCalls << " calls";
+}
+
+TEST_F(RecordingTest, NamesTheFirstCallThatDiffers) {
+    const std::string recording = record(3000);
+    struct Case {
+        CallKind mKind;
+        unsigned int mCount; ///< of such a call that has the fault
+        std::vector<std::string> mSays;
+    };
+    const Case cases[] = {
+        {CallKind::RUN_SEARCH, 100, {": runPathSearch(", "recorded: ", "now:      ", " runs of "}},
+        {CallKind::NEXT_WAYPOINT, 77, {": getNextWaypoint(", "recorded: 1, ", " found after "}},
+        {CallKind::PATH_COST,
+         9,
+         {": getPathCost(", " (0x", "  search ", ": from ", "waypoints read"}},
+        {CallKind::IS_BLOCKED, 20, {": isBlocked("}},
+    };
+    for (const Case& row : cases) {
+        RecordingReader reader(recording);
+        RecordedCall call;
+        std::uint64_t number = 0;
+        for (unsigned int left = row.mCount; left != 0 && reader.next(call); ++number) {
+            const bool isLastOfAPath =
+                call.mKind == CallKind::NEXT_WAYPOINT && call.mAnswer.mNumber == 0;
+            left -= call.mKind == row.mKind && !isLastOfAPath ? 1 : 0;
+        }
+        const ReplayOutcome outcome = replayed(recording, FaultyExports(row.mKind, row.mCount));
+        ASSERT_TRUE(outcome.mDifference) << row.mSays[0];
+        EXPECT_EQ(outcome.mDifference->mNumber, number) << row.mSays[0];
+        const std::string text = describe(*outcome.mDifference);
+        for (const std::string& part : row.mSays)
+            EXPECT_NE(text.find(part), std::string::npos) << part << " in " << text;
+    }
+}
+
+TEST_F(RecordingTest, IsWholeWhateverMomentTheHostEndsIn) {
+    /// Looks at the recording while the library is in the middle of a start.
+    class Witness : public MemoryFiles {
+    public:
+        std::int32_t openFile(Handle* handle, const Common::String& name,
+                              std::int32_t mode) override {
+            mSeen = bytesOf(mRecording);
+            return MemoryFiles::openFile(handle, name, mode);
+        }
+        std::filesystem::path mRecording;
+        std::string mSeen;
+    };
+    auto* const witness = new Witness;
+    witness->mRecording = mFile;
+    witness->mFiles = mFiles->mFiles;
+    mFileCallback = SharedPtr<Common::Callback::FileIOCallback>(mFiles = witness);
+    Recorder recorder(mFile.string());
+    ASSERT_TRUE(start(recorder, "floor"));
+    for (int i = 0; i < 50000; ++i) // more than a window
+        recorder.isBlocked({static_cast<float>(i), 0});
+    const std::string now = bytesOf(mFile);
+    recorder.close();
+
+    std::uint64_t unanswered = 0;
+    FaultyExports exports;
+    const auto outcomeOf = [&](std::string_view recording) {
+        return replay(recording, exports,
+                      {.mFiles = mFileCallback,
+                       .mOnUnanswered = [&](std::uint64_t number, const RecordedCall& call) {
+                           unanswered = number;
+                           EXPECT_EQ(describe(call), "initWorldRepresentation(\"floor\", \"\")");
+                       }});
+    };
+    const std::string inTheStart = witness->mSeen;
+    EXPECT_EQ(outcomeOf(now).mCalls, 50001U);
+    EXPECT_EQ(unanswered, 0U);
+    const ReplayOutcome outcome = outcomeOf(inTheStart);
+    EXPECT_EQ(outcome.mCalls, 1U);
+    EXPECT_EQ(unanswered, 1U);
+    EXPECT_FALSE(outcome.mDifference || outcome.mIsWhole);
+}
+
+TEST_F(RecordingTest, SaysWhatIsWrongWithAFile) {
+    const std::string head(recordingMagic);
+    const struct {
+        std::string mBytes;
+        const char* mError;
+    } cases[] = {
+        {"", "recording, byte 0: this is no recording"},
+        {"ZUNOREX\1", "recording, byte 0: this is no recording"},
+        {"ZUNOREC\7", "recording, byte 7: expected version 1 instead of 7"},
+        {head + '\x0E', "recording, byte 8: no call has the kind 14"},
+        {head + "\x04\xFF\xFF\xFF\xFF\xFF", "recording, byte 9: a number of more than 32 bits"},
+        {head + "\x04\x80\x80\x80\x80\x10", "recording, byte 9: a number of more than 32 bits"},
+        {head + "\x0D\xFF\xFF\1", "recording, byte 9: a text of 32767 bytes"},
+        {head + "\x02\x03", "recording, byte 9: no answer has the kind 3"},
+        {head + "\xFF\1", "recording, byte 9: something follows the recording's end"},
+        {head + "\x01\5floor" + std::string(12, '\1'),
+         "the recording was made with the mesh floor, digest 0101010101010101; floor has "},
+        {head + "\x01\4none" + std::string(12, '\1'),
+         "the recording was made with the mesh none, digest 0101010101010101; none can't be read"},
+    };
+    for (const auto& row : cases) {
+        std::string error;
+        try {
+            replayed(row.mBytes);
+        } catch (const std::runtime_error& e) {
+            error = e.what();
+        }
+        EXPECT_EQ(error.substr(0, std::strlen(row.mError)), row.mError);
+    }
+    // cut off anywhere, what is there is read
+    const std::string recording = record(60);
+    std::size_t calls = 0;
+    for (std::size_t length = head.size(); length < recording.size(); ++length) {
+        RecordingReader reader(std::string_view(recording).substr(0, length));
+        std::size_t read = 0;
+        for (RecordedCall call; reader.next(call);)
+            ++read;
+        ASSERT_TRUE(!reader.isWhole() && read >= calls && read <= calls + 1) << length << " bytes";
+        calls = read;
+    }
+    const ReplayOutcome outcome = replayed(recording.substr(0, recording.size() / 2));
+    EXPECT_FALSE(outcome.mIsWhole || outcome.mDifference);
+}
+
+TEST_F(RecordingTest, IsReplayedByTheCommand) {
+    const std::string command = std::string(ZUNO_TOOL_FOLDER) + "/zunopath replay " +
+                                ZUNO_SOURCE_FOLDER "/fuzz/corpus/replay/harbour";
+    const std::string mesh = " --mesh " ZUNO_SOURCE_FOLDER "/worlds/harbour.xml";
+    const Outcome whole = runCommand(command + mesh);
+    EXPECT_EQ(whole.mStatus, 0) << whole.mOutput;
+    EXPECT_NE(whole.mOutput.find(" calls, "), std::string::npos) << whole.mOutput;
+    const Outcome script = runCommand(command + " --script");
+    EXPECT_EQ(script.mStatus, 0);
+    EXPECT_NE(script.mOutput.find("\npath "), std::string::npos) << script.mOutput;
+    EXPECT_EQ(runCommand(command).mStatus, 2) << "the mesh is not where it was";
+}
+
+} // namespace ZUNO::Tests
