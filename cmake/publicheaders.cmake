@@ -35,6 +35,7 @@ set(public_headers
   common/parser/parserexception.h
   common/parser/xml/xmlparserexception.h
   common/platform/export.h
+  common/platform/mappedfile.h
   common/platform/mutex.h
   common/referencecounted.h
   common/report/indexerror.h

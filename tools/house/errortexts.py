@@ -33,13 +33,14 @@ CARRIERS = {
     "requireOpen": ("InvalidStateException", [0], "src/common/"),
     "requireLength": ("ArgumentOutOfRangeException", [3], "src/common/serialize/"),
     "require": ("ArgumentException", [1], "src/common/serialize/"),
+    "failAt": ("RecordingError", ["recording, byte *: ", 1], "hostkit/recording"),
     "log->log": ("log", [1], "src/pathfinder/"),
 }
 # What the sources of carriers that put words before a text look like.
 WITH_HOLES = {(kind, layout[0] + "*") for kind, layout, _ in CARRIERS.values()
               if layout is not ALL and isinstance(layout[0], str)}
 # Functions that hand on a text which a carrier has put together.
-RELAYS = {"onDefect", "Session"}
+RELAYS = {"onDefect", "Session", "start"}
 # The text of what was found or caught before; it is listed where it was made.
 HANDED_ON = re.compile(r"\w+\.(?:mText|what\(\))")
 STRING = r'"(?:[^"\\\n]|\\.)*"'
