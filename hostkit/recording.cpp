@@ -41,9 +41,8 @@ RecordingReader::RecordingReader(std::string_view bytes) : mBytes(bytes) {
     if (bytes.size() <= name || bytes.substr(0, name) != recordingMagic.substr(0, name))
         failAt(0, "this is no recording");
     if (bytes[name] != recordingMagic[name])
-        failAt(name, "expected version " + std::to_string(recordingMagic[name]) +
-                                       " instead of " +
-                                       std::to_string(static_cast<unsigned char>(bytes[name])));
+        failAt(name, "expected version " + std::to_string(recordingMagic[name]) + " instead of " +
+                         std::to_string(static_cast<unsigned char>(bytes[name])));
     mPosition = recordingMagic.size();
 }
 

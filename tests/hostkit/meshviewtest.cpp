@@ -63,7 +63,7 @@ TEST(MeshView, SaysWhatIsWrongWithAFile) {
     model.mNodes[2].mPolygon[1] = 99;
     write("defect.xml", model.toXML(""));
     for (const auto& [name, text] : {std::pair("missing.xml", "missing.xml"),
-                                     {"none.xml", "no navigation mesh"},
+                                     {"none.xml", "no usable navigation mesh"},
                                      {"no.xml", "no.xml: "},
                                      {"cut.bin", "cut.bin: "},
                                      {"defect.xml", "node 2: corner 1 refers to vertex 99 of"}}) {
