@@ -23,10 +23,6 @@ public:
             refill();
         return mSorted.back().mNode;
     }
-    /// The node that follows when the best is removed, if that is known already; else the best.
-    std::uint32_t secondBest() const {
-        return mSorted.size() > 1 ? (&mSorted.back() - 1)->mNode : mSorted.back().mNode;
-    }
     /// Removes what `best` returned.
     void removeBest() { mSorted.pop_back(); }
 
