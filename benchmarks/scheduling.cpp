@@ -1,4 +1,4 @@
-// Many characters' searches: alone, one after the other, and scheduled over frames.
+// Many characters' searches: alone, one after the other, recorded, and scheduled over frames.
 #include "hostkit/scheduler.h"
 #include "hostkit/session.h"
 #include "worlds/meshmodel.h"
@@ -18,11 +18,12 @@ using std::chrono::microseconds;
 /// A world over a floor of 3,800 nodes, and the paths that characters ask for.
 class Crowd {
 public:
-    explicit Crowd(std::size_t requests) {
+    explicit Crowd(std::size_t requests, const std::string& recording = {}) {
         const auto mesh = ZUNO::Worlds::makeFloor(3800, 1);
         const auto file = std::filesystem::temp_directory_path() / "zunobench-crowd.xml";
         std::ofstream(file, std::ios::binary) << mesh.toXML("benchmark");
-        mSession = std::make_unique<Session>(file.string());
+        mSession =
+            std::make_unique<Session>(file.string(), SessionSettings{.mRecording = recording});
         const auto places = ZUNO::Worlds::placesOn(mesh);
         std::mt19937 random(1);
         const auto pick = [&] {
@@ -36,30 +37,38 @@ public:
 
     std::unique_ptr<Session> mSession;
     std::vector<PathRequest> mRequests;
-    Exports mExports;
+    Exports& exports() { return mSession->exports(); }
 };
 
+/// Searches as a host makes them by itself. The arguments: expansions a call, and 1 for recording.
 void searchAlone(benchmark::State& state) {
-    Crowd crowd(1000);
+    const auto file = std::filesystem::temp_directory_path() / "zunobench-recording";
+    Crowd crowd(1000, state.range(1) != 0 ? file.string() : "");
+    const auto budget = static_cast<unsigned int>(state.range(0));
     std::vector<ZUNO::Common::Math::Vec3<float>> waypoints;
     for (auto _ : state) {
         for (const PathRequest& request : crowd.mRequests) {
-            const int search = crowd.mExports.initPathSearch(request.mStart, request.mGoal);
-            crowd.mExports.runPathSearch(search, 1000000);
+            const int search = crowd.exports().initPathSearch(request.mStart, request.mGoal);
+            while (crowd.exports().runPathSearch(search, budget) == 1)
+                continue;
             waypoints.clear();
-            for (ZUNO::Common::Math::Vec3<float> p; crowd.mExports.getNextWaypoint(search, p);)
+            for (ZUNO::Common::Math::Vec3<float> p; crowd.exports().getNextWaypoint(search, p);)
                 waypoints.push_back(p);
-            crowd.mExports.closePathSearch(search);
+            crowd.exports().closePathSearch(search);
         }
     }
     state.SetItemsProcessed(state.iterations() * 1000);
 }
-BENCHMARK(searchAlone)->Unit(benchmark::kMillisecond);
+BENCHMARK(searchAlone)
+    ->Args({1000000, 0})
+    ->Args({32, 0})
+    ->Args({32, 1})
+    ->Unit(benchmark::kMillisecond);
 
 /// The argument is the slice. All requests are added at once.
 void searchScheduled(benchmark::State& state) {
     Crowd crowd(1000);
-    Scheduler scheduler(crowd.mExports, {.mSlice = static_cast<std::uint32_t>(state.range(0))});
+    Scheduler scheduler(crowd.exports(), {.mSlice = static_cast<std::uint32_t>(state.range(0))});
     std::vector<RequestId> ids;
     PathAnswer answer;
     for (auto _ : state) {
@@ -83,7 +92,7 @@ std::chrono::nanoseconds processorTime() {
 /// 1,000 agents that ask anew whenever they are answered, over 10,000 frames of 500 us.
 void frames(benchmark::State& state) {
     Crowd crowd(10000);
-    Scheduler scheduler(crowd.mExports, {.mClock = processorTime});
+    Scheduler scheduler(crowd.exports(), {.mClock = processorTime});
     for (auto _ : state) {
         std::size_t next = 0;
         std::vector<RequestId> ids(1000);

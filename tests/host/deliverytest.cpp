@@ -50,6 +50,24 @@ TEST(Delivery, ShowsTheSmallestHostInTheReadme) {
         << run.mOutput;
 }
 
+TEST(Delivery, WalksAsTheDocumentSays) {
+    const Outcome run = runCommand(tools + "/walkingcrowd " + sources + "/worlds/harbour.xml");
+    EXPECT_EQ(run.mStatus, 0);
+    EXPECT_GT(std::atoi(run.mOutput.c_str()), 30)
+        << run.mOutput << "goals of 50 walkers in a minute";
+    const std::string listing = contentOf(sources + "/examples/walkingcrowd.cpp");
+    const std::string page = contentOf(sources + "/docs/walking.md");
+    std::size_t blocks = 0;
+    for (std::size_t begin = page.find("```cpp\n"); begin != std::string::npos; ++blocks) {
+        begin += 7;
+        const std::size_t end = page.find("```", begin);
+        EXPECT_NE(listing.find(page.substr(begin, end - begin)), std::string::npos)
+            << page.substr(begin, end - begin);
+        begin = page.find("```cpp\n", end);
+    }
+    EXPECT_GE(blocks, 8U);
+}
+
 TEST(Delivery, CommitsTheHarbourThatItsGeneratorMakes) {
     const TempFolder temporary;
     const std::string made = temporary.path().string() + "/harbour.xml";
@@ -60,9 +78,15 @@ TEST(Delivery, CommitsTheHarbourThatItsGeneratorMakes) {
 TEST(Delivery, DemonstratesWithoutLeaks) {
     const TempFolder temporary;
     const std::string picture = temporary.path().string() + "/demo.svg";
+    const std::string recording = temporary.path().string() + "/recording";
     const Outcome run =
-        runCommand(tools + "/zunodemo " + sources + "/worlds/harbour.xml --picture " + picture);
-    EXPECT_EQ(run.mStatus, 0);
+        runCommand(tools + "/zunodemo " + sources + "/worlds/harbour.xml --picture " + picture +
+                   " --animation " + picture + "2 --record " + recording);
+    EXPECT_EQ(run.mStatus, 0) << run.mOutput;
+    const Outcome replay = runCommand(tools + "/zunopath replay " + recording);
+    EXPECT_NE(replay.mOutput.find("every answer as recorded\n"), std::string::npos)
+        << replay.mOutput;
+    EXPECT_NE(contentOf(picture + "2").find("<animateMotion"), std::string::npos);
     EXPECT_NE(run.mOutput.find("memory left behind     0 blocks, 0 bytes"), std::string::npos);
     EXPECT_TRUE(contentOf(picture).ends_with("</svg>\n"));
 }

@@ -1,189 +1,180 @@
-// The runtime at work: a host whose characters share a budget of expansions frame by frame.
+// The runtime at work: a host whose characters walk, and share a budget of expansions for each
+// frame.
 #include "common/platform/terminal.h"
+#include "hostkit/meshloading.h"
 #include "hostkit/session.h"
+#include "tools/demo/crowd.h"
 #include "tools/picture/loadedmesh.h"
-#include "tools/picture/meshfigures.h"
 #include "tools/picture/meshpicture.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
-#include <random>
-
-using ZUNO::Common::Math::Vec2;
-using ZUNO::Common::Math::Vec3;
-using ZUNO::Pathfinder::Interface;
 
 namespace {
+
+using namespace ZUNO;
+using std::chrono::nanoseconds;
 
 struct Options {
     std::string mMesh;
     std::string mPicture;
-    unsigned int mCharacters = 200;
-    unsigned int mBudget = 200; ///< expansions per frame, for all characters together
-    unsigned int mSlice = 10;   ///< expansions per call
-    unsigned int mSeed = 7;
+    std::string mAnimation;
+    std::string mRecording;
+    unsigned int mSeconds = 60;
+    std::uint64_t mBudget = 200; ///< expansions per frame, for all characters together
+    Tools::CrowdSettings mCrowd;
 };
 
-struct Character {
-    ZUNO::Tools::DrawnPath mPath;
-    int mSearch = -1;
-    int mResult = 1;
-    unsigned int mFrames = 0;
-    float mCost = 0;
+constexpr std::size_t shownPaths = 24; // more than that is a tangle
+constexpr std::size_t shownWalks = 100;
+constexpr unsigned int picturesPerSecond = 2;
+constexpr float quickening = 3; // of the animation
+
+/// What a run shows of itself afterwards.
+struct Run {
+    std::vector<double> mSearchTimes; ///< of each frame, in microseconds
+    std::vector<double> mWalkTimes;
+    std::vector<Tools::DrawnWalk> mWalks;
 };
 
-/// Points on random nodes; now and then one on an island apart, or on no node at all.
-class PointPicker {
-public:
-    PointPicker(const ZUNO::NavMesh::NavMeshContainer& mesh, unsigned int seed)
-        : mMesh(mesh), mRandom(seed) {
-        const std::vector<unsigned int> islands = ZUNO::Tools::findIslands(mesh);
-        for (std::size_t id = 0; id < islands.size(); ++id)
-            if (islands[id] != 0)
-                mRemote.push_back(static_cast<std::int32_t>(id));
-    }
-
-    Vec3<float> pick() {
-        auto id = static_cast<std::int32_t>(mRandom() % mMesh.mNodes.size());
-        if (!mRemote.empty() && mRandom() % 40 == 0)
-            id = mRemote[mRandom() % mRemote.size()];
-        Vec3<float> point = mMesh.getNodeCenter(id);
-        if (mRandom() % 60 == 0)
-            point = point + Vec3<float>(0, 1000, 0);
-        return point;
-    }
-
-private:
-    const ZUNO::NavMesh::NavMeshContainer& mMesh;
-    std::mt19937 mRandom;
-    std::vector<std::int32_t> mRemote; ///< nodes apart from the largest island
-};
-
-std::vector<Character> openSearches(PointPicker& points, unsigned int count) {
-    std::vector<Character> characters(count);
-    for (Character& character : characters) {
-        character.mPath.mStart = points.pick();
-        character.mPath.mGoal = points.pick();
-        character.mSearch =
-            Interface::initPathSearch(character.mPath.mStart, character.mPath.mGoal);
-    }
-    return characters;
+double microsecondsSince(std::chrono::steady_clock::time_point begin) {
+    return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - begin)
+        .count();
 }
 
-void showProgress(unsigned int frame, std::size_t open, bool isLast) {
-    // a terminal sees each frame, a log only some
-    if (ZUNO::Common::Platform::isTerminal(stdout))
-        std::printf("\rframe %u: %zu searches running ", frame, open);
-    else if (isLast || frame % 25 == 1)
-        std::printf("frame %u: %zu searches running\n", frame, open);
-    if (isLast && ZUNO::Common::Platform::isTerminal(stdout))
-        std::putchar('\n');
+void showProgress(unsigned int frame, unsigned int frames, std::size_t open) {
+    const bool isTerminal = Common::Platform::isTerminal(stdout);
+    if (isTerminal && (frame % 10 == 0 || frame == frames))
+        std::printf("\rframe %u of %u: %zu searches open  %s", frame, frames, open,
+                    frame == frames ? "\n" : "");
+    else if (!isTerminal && frame % 300 == 0)
+        std::printf("frame %u of %u: %zu searches open\n", frame, frames, open);
     std::fflush(stdout);
 }
 
-/// Advances the searches round robin, a slice each, until the frame's budget is used up.
-unsigned int runFrames(std::vector<Character>& characters, const Options& options) {
-    std::vector<Character*> running;
-    for (Character& character : characters)
-        if (character.mSearch >= 0)
-            running.push_back(&character);
-    unsigned int frame = 0;
-    std::size_t next = 0;
-    while (!running.empty()) {
-        ++frame;
-        for (unsigned int left = options.mBudget; left != 0 && !running.empty();) {
-            next %= running.size();
-            Character& character = *running[next];
-            const unsigned int slice = std::min(left, options.mSlice);
-            left -= slice;
-            character.mResult = Interface::runPathSearch(character.mSearch, slice);
-            character.mFrames = frame;
-            if (character.mResult == 1)
-                ++next;
-            else
-                running.erase(running.begin() + static_cast<std::ptrdiff_t>(next));
-        }
-        showProgress(frame, running.size(), running.empty());
+Run runFrames(Tools::Crowd& crowd, HostKit::Scheduler& scheduler, const Options& options) {
+    Run run;
+    run.mWalks.resize(std::min(crowd.size(), shownWalks));
+    const unsigned int frames = options.mSeconds * options.mCrowd.mFramesPerSecond;
+    const unsigned int picture = options.mCrowd.mFramesPerSecond / picturesPerSecond;
+    for (unsigned int frame = 1; frame <= frames; ++frame) {
+        auto begin = std::chrono::steady_clock::now();
+        scheduler.advance(HostKit::FrameBudget::expansions(options.mBudget));
+        run.mSearchTimes.push_back(microsecondsSince(begin));
+        begin = std::chrono::steady_clock::now();
+        crowd.walk();
+        run.mWalkTimes.push_back(microsecondsSince(begin));
+        for (std::size_t i = 0; frame % picture == 1 && i < run.mWalks.size(); ++i)
+            run.mWalks[i].mPositions.push_back(crowd.placeOf(i).mPosition);
+        showProgress(frame, frames, scheduler.queueLength());
     }
-    return frame;
+    return run;
 }
 
-void readPaths(std::vector<Character>& characters) {
-    for (Character& character : characters) {
-        if (character.mSearch < 0)
-            continue;
-        Vec3<float> waypoint;
-        while (Interface::getNextWaypoint(character.mSearch, waypoint))
-            character.mPath.mWaypoints.push_back(waypoint);
-        character.mCost = Interface::getPathCost(character.mSearch);
-        character.mPath.mIsFound = character.mResult == 0;
-        Interface::closePathSearch(character.mSearch);
-    }
-}
-
-template <typename Value>
-void printRow(const char* name, const std::vector<Character>& characters, Value valueOf) {
-    std::vector<float> values;
-    for (const Character& character : characters)
-        if (character.mPath.mIsFound)
-            values.push_back(static_cast<float>(valueOf(character)));
+void printRow(const char* name, std::vector<double> values) {
     if (values.empty())
         return;
     std::ranges::sort(values);
-    std::printf("%-22s %10.1f %10.1f %10.1f\n", name, static_cast<double>(values.front()),
-                static_cast<double>(values[values.size() / 2]), static_cast<double>(values.back()));
+    std::printf("%-26s %10.1f %10.1f %10.1f %10.1f\n", name, values.front(),
+                values[values.size() / 2], values[values.size() * 99 / 100], values.back());
 }
 
-void printTable(const std::vector<Character>& characters) {
-    const auto count = [&](auto matches) {
-        return static_cast<int>(std::ranges::count_if(characters, matches));
-    };
-    std::printf("\ncharacters  %4zu\n  found     %4d\n  no path   %4d\n  off mesh  %4d\n\n",
-                characters.size(), count([](const Character& c) { return c.mPath.mIsFound; }),
-                count([](const Character& c) { return c.mResult == 2; }),
-                count([](const Character& c) { return c.mSearch < 0; }));
-    std::printf("%-22s %10s %10s %10s\n", "of the found", "minimum", "median", "maximum");
-    printRow("waypoints", characters,
-             [](const Character& c) { return static_cast<float>(c.mPath.mWaypoints.size()); });
-    printRow("cost", characters, [](const Character& c) { return c.mCost; });
-    printRow("frames until found", characters,
-             [](const Character& c) { return static_cast<float>(c.mFrames); });
+template <typename Value>
+void printRow(const char* name, const std::vector<Tools::Journey>& journeys, Value valueOf) {
+    std::vector<double> values;
+    for (const Tools::Journey& journey : journeys)
+        values.push_back(static_cast<double>(valueOf(journey)));
+    printRow(name, std::move(values));
 }
 
-void draw(const ZUNO::NavMesh::NavMeshContainer& mesh, const std::vector<Character>& characters,
-          const Options& options) {
-    ZUNO::Tools::MeshPicture picture(mesh, options.mMesh + ": " +
-                                               std::to_string(mesh.mNodes.size()) +
-                                               " nodes, some of the characters' paths");
-    picture.addBlockedCells([](const Vec2<float>& p) { return Interface::isBlocked(p); });
-    constexpr std::size_t shown = 24; // more than that is a tangle
-    for (std::size_t i = 0; i < characters.size() && i < shown; ++i)
-        if (characters[i].mSearch >= 0)
-            picture.addPath(characters[i].mPath);
-    std::ofstream out(options.mPicture, std::ios::binary);
+void printTable(const Tools::Crowd& crowd, const HostKit::SchedulerFigures& figures,
+                const Run& run) {
+    using Tools::Journey;
+    const std::vector<Journey>& journeys = crowd.journeys();
+    double centres = 0;
+    double straight = 0;
+    for (const Journey& journey : journeys) {
+        centres += journey.mCentresLength;
+        straight += journey.mStraightLength;
+    }
+    std::printf(
+        "\npaths asked for      %6llu\n  found              %6llu\n  no path            "
+        "%6llu\n  off the mesh       %6llu\ngoals reached        %6zu\nwalked               "
+        "%6.0f, in all\nstraight / centres   %6.3f, of all lengths\n\n",
+        static_cast<unsigned long long>(figures.mAdded),
+        static_cast<unsigned long long>(figures.mFound),
+        static_cast<unsigned long long>(figures.mNoPath),
+        static_cast<unsigned long long>(figures.mOffMesh), crowd.goalsReached(),
+        crowd.distanceWalked(), centres > 0 ? straight / centres : 0);
+    std::printf("%-26s %10s %10s %10s %10s\n", "", "minimum", "median", "99 %", "maximum");
+    printRow("waypoints", journeys, [](const Journey& j) { return j.mCentres.size(); });
+    printRow("corners", journeys, [](const Journey& j) { return j.mCorners.size(); });
+    printRow("length by the centres", journeys, [](const Journey& j) { return j.mCentresLength; });
+    printRow("length, straightened", journeys, [](const Journey& j) { return j.mStraightLength; });
+    printRow("expansions", journeys, [](const Journey& j) { return j.mExpansions; });
+    printRow("frames waited", journeys, [](const Journey& j) { return j.mFramesWaited; });
+    printRow("frame: searching, us", run.mSearchTimes);
+    printRow("frame: walking, us", run.mWalkTimes);
+}
+
+void save(const Tools::MeshPicture& picture, const std::string& file, const char* name) {
+    std::ofstream out(file, std::ios::binary);
     picture.write(out);
     if (!out.flush())
-        throw std::runtime_error(options.mPicture + ": cannot be written");
-    std::printf("picture                %s\n", options.mPicture.c_str());
+        throw std::runtime_error(file + ": cannot be written");
+    std::printf("%-21s  %s\n", name, file.c_str());
+}
+
+void draw(const Tools::Crowd& crowd, const Run& run, const Options& options) {
+    const Tools::LoadedMesh mesh(options.mMesh);
+    const auto isBlocked = [](const Common::Math::Vec2<float>& p) {
+        return Pathfinder::Interface::isBlocked(p);
+    };
+    const std::string title =
+        options.mMesh + ": " + std::to_string(mesh->mNodes.size()) + " nodes, ";
+    if (!options.mPicture.empty()) {
+        Tools::MeshPicture picture(*mesh, title + "some of the characters' paths");
+        picture.addBlockedCells(isBlocked);
+        for (std::size_t i = 0; i < crowd.journeys().size() && i < shownPaths; ++i) {
+            const Tools::Journey& journey = crowd.journeys()[i];
+            picture.addPath({.mStart = journey.mStart,
+                             .mGoal = journey.mGoal,
+                             .mWaypoints = journey.mCentres,
+                             .mCorners = journey.mCorners,
+                             .mIsFound = true});
+        }
+        save(picture, options.mPicture, "picture");
+    }
+    if (!options.mAnimation.empty()) {
+        Tools::MeshPicture picture(*mesh, title + std::to_string(run.mWalks.size()) +
+                                              " of the characters on their ways");
+        picture.addBlockedCells(isBlocked);
+        picture.addWalks(run.mWalks, static_cast<float>(options.mSeconds) / quickening);
+        save(picture, options.mAnimation, "animation");
+    }
 }
 
 int run(const Options& options) {
-    const ZUNO::Tools::LoadedMesh mesh(options.mMesh);
-    ZUNO::HostKit::Session session(options.mMesh);
-    std::printf("%s: %zu nodes; %u characters, %u expansions a frame\n", options.mMesh.c_str(),
-                mesh->mNodes.size(), options.mCharacters, options.mBudget);
-    PointPicker points(*mesh, options.mSeed);
-    std::vector<Character> characters = openSearches(points, options.mCharacters);
-    const unsigned int frames = runFrames(characters, options);
-    readPaths(characters);
-    printTable(characters);
-    std::printf("\nframes                 %u\n", frames);
-    if (!options.mPicture.empty())
-        draw(*mesh, characters, options);
-    const ZUNO::HostKit::MemoryFigures left = session.close();
+    HostKit::Session session(options.mMesh,
+                             HostKit::SessionSettings{.mRecording = options.mRecording});
+    {
+        const HostKit::MeshView view = HostKit::loadMeshView(options.mMesh);
+        std::printf("%s: %u nodes; %u characters, %llu expansions a frame, %u s of %u frames\n",
+                    options.mMesh.c_str(), view.nodeCount(), options.mCrowd.mCharacters,
+                    static_cast<unsigned long long>(options.mBudget), options.mSeconds,
+                    options.mCrowd.mFramesPerSecond);
+        HostKit::Scheduler scheduler(session.exports());
+        Tools::Crowd crowd(view, scheduler, options.mCrowd);
+        const Run run = runFrames(crowd, scheduler, options);
+        printTable(crowd, scheduler.figures(), run);
+        std::printf("\n");
+        draw(crowd, run, options);
+    }
+    const HostKit::MemoryFigures left = session.close();
     std::printf("memory, peak           %.1f KiB in %llu allocations\n",
                 static_cast<double>(left.mPeakBytes) / 1024,
                 static_cast<unsigned long long>(left.mAllocations));
@@ -197,18 +188,23 @@ int run(const Options& options) {
 
 int main(int argc, char** argv) {
     Options options;
-    CLI::App app{"Lets many characters of a host search their paths, frame by frame."};
+    CLI::App app{"Lets many characters of a host walk, and search their paths frame by frame."};
     app.allow_windows_style_options(false); // a path may begin with a slash
     app.add_option("mesh", options.mMesh, "the mesh file")->required();
-    app.add_option("--picture", options.mPicture, "an SVG file to draw");
-    app.add_option("--characters", options.mCharacters, "how many")->capture_default_str();
+    app.add_option("--picture", options.mPicture, "an SVG file for some of the paths");
+    app.add_option("--animation", options.mAnimation, "an SVG file that shows them walking");
+    app.add_option("--record", options.mRecording, "a file for 'zunopath replay'");
+    app.add_option("--characters", options.mCrowd.mCharacters, "how many")
+        ->capture_default_str()
+        ->check(CLI::PositiveNumber);
+    app.add_option("--seconds", options.mSeconds, "of simulated time")
+        ->capture_default_str()
+        ->check(CLI::PositiveNumber);
     app.add_option("--budget", options.mBudget, "expansions per frame, all together")
         ->capture_default_str()
         ->check(CLI::PositiveNumber);
-    app.add_option("--slice", options.mSlice, "expansions per call")
-        ->capture_default_str()
-        ->check(CLI::PositiveNumber);
-    app.add_option("--seed", options.mSeed, "chooses the starts and goals")->capture_default_str();
+    app.add_option("--seed", options.mCrowd.mSeed, "chooses the starts and goals")
+        ->capture_default_str();
     CLI11_PARSE(app, argc, argv);
     try {
         return run(options);

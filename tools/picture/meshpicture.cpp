@@ -194,6 +194,21 @@ void MeshPicture::writePaths(std::ostream& out) const {
     }
 }
 
+void MeshPicture::writeWalks(std::ostream& out) const {
+    for (std::size_t i = 0; i < mWalks.size(); ++i) {
+        out << "<circle r=\"5\" stroke=\"#fff\" fill=\"" << pathColours[i % std::size(pathColours)]
+            << "\"><animateMotion calcMode=\"linear\" repeatCount=\"indefinite\" dur=\""
+            << mWalkSeconds << "s\" values=\"";
+        const char* separator = "";
+        for (const Common::Math::Vec3<float>& position : mWalks[i].mPositions) {
+            const Point p = onPaper(position);
+            out << separator << p.mX << ',' << p.mY;
+            separator = ";";
+        }
+        out << "\"/></circle>\n";
+    }
+}
+
 void MeshPicture::writeLegend(std::ostream& out) const {
     const float x = margin + mWidth + 30;
     float y = header + 14;
@@ -218,6 +233,8 @@ void MeshPicture::writeLegend(std::ostream& out) const {
     entry("<path class=\"wall\" d=\"M0 0h32\"/>", "border without");
     if (!mBlocked.empty())
         entry(box("url(#hatch)"), "blocked for rays");
+    if (!mWalks.empty())
+        entry("<circle cx=\"16\" r=\"5\" fill=\"#1565c0\" stroke=\"#fff\"/>", "character");
     if (mPaths.empty())
         return;
     entry("<circle cx=\"16\" r=\"4\" fill=\"#fff\" stroke=\"#333\" stroke-width=\"2\"/>", "start");
@@ -251,6 +268,7 @@ void MeshPicture::write(std::ostream& out) const {
     writeBlocked(out);
     writeNodes(out);
     writePaths(out);
+    writeWalks(out);
     writeLegend(out);
     out << "</svg>\n";
 }

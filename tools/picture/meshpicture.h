@@ -18,6 +18,11 @@ struct DrawnPath {
     bool mIsFound = false;
 };
 
+/// Where somebody was, at equal steps of time.
+struct DrawnWalk {
+    std::vector<Common::Math::Vec3<float>> mPositions;
+};
+
 /// A mesh seen from above, as an SVG picture: nodes by height and island, borders with and without
 /// neighbour, and whatever is added: blocked cells, paths. A legend explains what is there.
 class MeshPicture {
@@ -28,6 +33,12 @@ public:
     /// coordinates of the mesh's plane). Coarser squares are taken where there would be too many.
     void addBlockedCells(const std::function<bool(const Common::Math::Vec2<float>&)>& isBlocked);
     void addPath(const DrawnPath& path) { mPaths.push_back(path); }
+
+    /// Shows characters that walk, again and again, in so many seconds.
+    void addWalks(const std::vector<DrawnWalk>& walks, float seconds) {
+        mWalks = walks;
+        mWalkSeconds = seconds;
+    }
 
     void write(std::ostream& out) const;
 
@@ -49,6 +60,7 @@ private:
     void writePaths(std::ostream& out) const;
     void writeLine(std::ostream& out, const char* kind, const char* colour,
                    const std::vector<Common::Math::Vec3<float>>& points) const;
+    void writeWalks(std::ostream& out) const;
     void writeLegend(std::ostream& out) const;
 
     const NavMesh::NavMeshContainer& mMesh;
@@ -56,6 +68,8 @@ private:
     std::vector<unsigned int> mIslands;
     std::vector<Square> mBlocked; ///< runs of blocked squares, on paper
     std::vector<DrawnPath> mPaths;
+    std::vector<DrawnWalk> mWalks;
+    float mWalkSeconds = 0;
     Point mMin{0, 0};
     float mScale = 1; ///< paper units per unit of the plane
     float mWidth = 0;
