@@ -12,12 +12,10 @@ using namespace ZUNO::Tools;
 
 namespace {
 
-struct Refusal : NavMesh::DefectListener {
-    bool onDefect(const char* text) override {
-        Fuzz::require(false, text);
-        return false;
-    }
-};
+bool refuse(const char* text) {
+    Fuzz::require(false, text);
+    return false;
+}
 
 BakeSettings settings() {
     BakeSettings coarse;
@@ -40,9 +38,8 @@ void bake(std::istream& file, std::size_t size) {
         return;
     LoadedMesh mesh;
     baked.fill(*mesh.shared(), baker.grid(), scene, options.mUp);
-    Refusal refusal;
-    findDefects(*mesh, refusal);
-    findOddities(*mesh, refusal);
+    findDefects(*mesh, refuse);
+    findOddities(*mesh, refuse);
 }
 
 } // namespace

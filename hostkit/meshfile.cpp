@@ -4,12 +4,10 @@
 #include "common/exceptions/exception.h"
 #include "common/interface.h"
 #include "common/memory/objectcreation.h"
-#include "common/parser/xml/xmlparser.h"
-#include "common/parser/xml/xmltreereader.h"
 #include "hostkit/exceptiontext.h"
 #include "navmesh/meshdefects.h"
+#include "navmesh/meshforms.h"
 
-#include <memory>
 #include <stdexcept>
 
 namespace ZUNO::HostKit {
@@ -24,28 +22,16 @@ SharedPtr<IO::Stream> openFile(const std::string& fileName, const MeshFiles& fil
     return Callback::openStream(Common::getAllocator(), files, fileName.c_str(), IO::FACCESS_READ);
 }
 
-/// The binary form begins with its byte order, 0 or 1, which no document does.
 bool beginsAsBinary(IO::Stream& stream) {
     unsigned char first = 0;
-    return stream.read(&first, 1) == 1 && first <= 1;
+    return stream.read(&first, 1) == 1 && NavMesh::beginsBinaryForm(first);
 }
 
-bool readDocument(NavMesh::NavMeshContainer& mesh, IO::Stream& stream) {
-    const std::unique_ptr<Parser::XML::XMLParser> parser(
-        Memory::createManaged<Parser::XML::XMLParser>(Common::getAllocator()));
-    const Parser::XML::XMLNodeElements* element = nullptr;
-    return Parser::XML::getRequiredElements(element, parser->parse(&stream), "navmesh") &&
-           mesh.readXML(*element);
+/// Null, after a report, when something is missing.
+Mesh readBinary(const SharedPtr<IO::Stream>& stream) {
+    Mesh mesh(Memory::createManaged<NavMesh::NavMeshContainer>(Common::getAllocator()));
+    return mesh->readBinary(stream) ? mesh : Mesh();
 }
-
-class FirstDefect : public NavMesh::DefectListener {
-public:
-    bool onDefect(const char* text) override {
-        mText = text;
-        return false;
-    }
-    std::string mText;
-};
 
 /// Runs an action; what it raises becomes a std::runtime_error with the file's name.
 template <typename Action>
@@ -66,13 +52,14 @@ bool isBinaryMesh(const std::string& fileName, const MeshFiles& files) {
 SharedPtr<NavMesh::NavMeshContainer> readMesh(const std::string& fileName, const MeshFiles& files) {
     const bool isBinary = isBinaryMesh(fileName, files);
     return withName(fileName, [&] {
-        Mesh mesh(Memory::createManaged<NavMesh::NavMeshContainer>(Common::getAllocator()));
         const SharedPtr<IO::Stream> stream = openFile(fileName, files);
-        if (!(isBinary ? mesh->readBinary(stream) : readDocument(*mesh, *stream)))
+        const Mesh mesh = isBinary ? readBinary(stream)
+                                   : NavMesh::readMeshDocument(*stream, Common::getAllocator());
+        if (mesh == nullptr)
             throw std::runtime_error(fileName + ": no usable navigation mesh");
-        FirstDefect defect;
-        if (!findDefects(*mesh, defect))
-            throw std::runtime_error(fileName + ": " + defect.mText);
+        findDefects(*mesh, [&](const char* text) -> bool {
+            throw std::runtime_error(fileName + ": " + text);
+        });
         return mesh;
     });
 }

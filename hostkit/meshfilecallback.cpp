@@ -1,6 +1,7 @@
 #include "hostkit/meshfilecallback.h"
 
 #include "common/io/stream.h"
+#include "navmesh/meshforms.h"
 
 #include <algorithm>
 #include <cstring>
@@ -29,7 +30,7 @@ bool MeshFileCallback::isBinary(const String& filename) {
     unsigned char first = 0xFF;
     const bool isRead = mFiles->readFile(&first, 1, handle) == 1;
     mFiles->closeFile(handle);
-    return isRead && first <= 1;
+    return isRead && NavMesh::beginsBinaryForm(first);
 }
 
 std::int32_t MeshFileCallback::openFile(Handle* handle, const String& filename, std::int32_t mode) {

@@ -1,17 +1,12 @@
 #include "hostkit/meshview.h"
 
+#include "common/math/floatrange.h"
 #include "hostkit/meshviewbuilder.h"
 
 namespace ZUNO::HostKit {
 
+using Common::Math::largestCoordinate;
 using Common::Math::Vec2;
-
-namespace {
-
-/// Beyond these coordinates rounding has no bounds, and the world's test may find a point anywhere.
-constexpr float largest = 1e15F;
-
-} // namespace
 
 MeshView::MeshView(const NavMesh::NavMeshContainer& mesh) {
     MeshViewBuilder(mesh, *this).build();
@@ -80,7 +75,8 @@ std::uint32_t MeshView::findNode(const Position& point) const {
             lowest = node;
     };
     const Vec2<float> rounded(dot(point, mXAxis), dot(point, mYAxis));
-    if (std::abs(rounded.mX) < largest && std::abs(rounded.mY) < largest) {
+    // beyond the largest coordinate the world's test may find a point anywhere
+    if (std::abs(rounded.mX) < largestCoordinate && std::abs(rounded.mY) < largestCoordinate) {
         mBoxes.visitAt({double{rounded.mX}, double{rounded.mY}}, consider);
         for (const std::uint32_t node : mEverywhere)
             consider(node);

@@ -9,19 +9,6 @@
 
 namespace ZUNO::HostKit {
 
-namespace {
-
-class FirstDefect : public NavMesh::DefectListener {
-public:
-    bool onDefect(const char* text) override {
-        mText = text;
-        return false;
-    }
-    std::string mText;
-};
-
-} // namespace
-
 void MeshViewBuilder::build() {
     requireSoundness();
     copyMesh();
@@ -37,9 +24,8 @@ void MeshViewBuilder::build() {
 }
 
 void MeshViewBuilder::requireSoundness() const {
-    FirstDefect defect;
-    if (!NavMesh::findDefects(mMesh, defect))
-        throw std::invalid_argument(defect.mText);
+    NavMesh::findDefects(mMesh,
+                         [](const char* text) -> bool { throw std::invalid_argument(text); });
 }
 
 void MeshViewBuilder::copyMesh() {

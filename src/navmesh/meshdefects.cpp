@@ -16,7 +16,7 @@ constexpr double maxRasterSteps = 8.0 * (1U << 29U);
 
 class DefectExamination : Examination {
 public:
-    DefectExamination(const NavMeshContainer& mesh, DefectListener& listener)
+    DefectExamination(const NavMeshContainer& mesh, const DefectListener& listener)
         : Examination(mesh, listener) {}
 
     bool run() {
@@ -101,7 +101,7 @@ private:
 
 } // namespace
 
-bool findDefects(const NavMeshContainer& mesh, DefectListener& listener) {
+bool findDefects(const NavMeshContainer& mesh, const DefectListener& listener) {
     return DefectExamination(mesh, listener).run();
 }
 

@@ -1,14 +1,16 @@
 #pragma once
 
+#include "common/report/reporttext.h"
 #include "navmesh/meshdefects.h"
 
 namespace ZUNO::NavMesh {
 
-/// One look over a mesh. Each check streams what it finds; once the listener has had enough,
-/// nothing is found any more.
+/// One look over a mesh. Each check hands what it finds to `found`, piece by piece; once the
+/// listener has heard enough, it is told nothing more.
+/// Lifetime: mesh and listener must outlive this object.
 class Examination {
 protected:
-    Examination(const NavMeshContainer& mesh, DefectListener& listener)
+    Examination(const NavMeshContainer& mesh, const DefectListener& listener)
         : mMesh(mesh), mListener(listener) {}
 
     template <typename... Pieces>
@@ -18,11 +20,11 @@ protected:
             return;
         Common::Debug::ReportText text;
         (text << ... << pieces);
-        mGoesOn = mListener.onDefect(text.text());
+        mGoesOn = mListener(text.text());
     }
 
     const NavMeshContainer& mMesh;
-    DefectListener& mListener;
+    const DefectListener& mListener;
     bool mIsClean = true;
     bool mGoesOn = true;
 };

@@ -10,7 +10,7 @@ namespace {
 
 class OddityExamination : Examination {
 public:
-    OddityExamination(const NavMeshContainer& mesh, DefectListener& listener)
+    OddityExamination(const NavMeshContainer& mesh, const DefectListener& listener)
         : Examination(mesh, listener) {}
 
     bool run() {
@@ -118,7 +118,7 @@ private:
 
 } // namespace
 
-bool findOddities(const NavMeshContainer& mesh, DefectListener& listener) {
+bool findOddities(const NavMeshContainer& mesh, const DefectListener& listener) {
     return OddityExamination(mesh, listener).run();
 }
 

@@ -1,7 +1,7 @@
 // The mesh's binary form.
 #include "common/memory/objectcreation.h"
 #include "common/serialize/binaryserializestorage.h"
-#include "navmesh/navmeshcontainer.h"
+#include "navmesh/meshforms.h"
 
 #include <algorithm>
 #include <memory>
@@ -98,15 +98,8 @@ private:
 };
 
 void reportNeighboursLeftOut(const NavMeshContainer& mesh) {
-    const auto isLost = [](const NavMeshContainer::NavNode& node) {
-        const auto corners = static_cast<std::ptrdiff_t>(node.mPolygon.size());
-        return std::ssize(node.mNeighbours) > corners &&
-               std::any_of(node.mNeighbours.begin() + corners, node.mNeighbours.end(),
-                           [](std::int32_t neighbour) { return neighbour >= 0; });
-    };
-    const auto first = std::find_if(mesh.mNodes.begin(), mesh.mNodes.end(), isLost);
-    if (first != mesh.mNodes.end())
-        ZUNO_REPORT("", "node " << first - mesh.mNodes.begin()
+    if (const std::int32_t node = findNodeUnfitForBinary(mesh); node >= 0)
+        ZUNO_REPORT("", "node " << node
                                 << " has neighbours behind its last corner: the binary form leaves "
                                    "them out, and paths over them will not be found");
 }

@@ -1,12 +1,8 @@
 #include "navmesh/navmeshfiles.h"
 
 #include "common/memory/objectcreation.h"
-#include "common/parser/xml/xmlparser.h"
-#include "common/parser/xml/xmltreereader.h"
-#include "common/parser/xml/xmlwriter.h"
+#include "navmesh/meshforms.h"
 #include "navmesh/resourceinterface.h"
-
-#include <memory>
 
 namespace ZUNO::NavMesh {
 
@@ -34,18 +30,8 @@ SharedPtr<NavMeshContainer> loadNavMeshXML(const String& fileName) {
     ResourceInterface* const resources = findResources();
     if (resources == nullptr)
         return {};
-    const SharedPtr<Memory::Allocator>& allocator = resources->getAllocator();
     const SharedPtr<IO::Stream> stream = resources->openReadStream(fileName);
-    const std::unique_ptr<Parser::XML::XMLParser> parser(
-        Memory::createManaged<Parser::XML::XMLParser>(allocator));
-    const Parser::XML::XMLNodeElements* const top = parser->parse(stream.get());
-    const Parser::XML::XMLNodeElements* element = nullptr;
-    SharedPtr<NavMeshContainer> mesh;
-    if (Parser::XML::getRequiredElements(element, top, "navmesh")) {
-        mesh = Memory::createManaged<NavMeshContainer>(allocator);
-        if (!mesh->readXML(*element))
-            mesh = nullptr;
-    }
+    SharedPtr<NavMeshContainer> mesh = readMeshDocument(*stream, resources->getAllocator());
     stream->close();
     return mesh;
 }
@@ -55,13 +41,7 @@ void saveNavMeshXML(const String& fileName, const SharedPtr<NavMeshContainer>& m
     if (resources == nullptr)
         return;
     const SharedPtr<IO::Stream> stream = resources->openWriteStream(fileName);
-    const std::unique_ptr<Parser::XML::XMLTreeBuilder> builder(
-        Memory::createManaged<Parser::XML::XMLTreeBuilder>(resources->getAllocator()));
-    builder->begin("ZUNO", true);
-    mesh->writeXML(*builder);
-    Parser::XML::XMLWriter writer;
-    writer.writeHeader(*stream);
-    writer.write(*stream, builder->getRoot());
+    writeMeshDocument(*mesh, *stream, resources->getAllocator());
     stream->close();
 }
 

@@ -1,18 +1,18 @@
 #include "navmesh/nodelocator.h"
 
+#include "common/math/floatrange.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace ZUNO::NavMesh {
 
+using Common::Math::largestCoordinate;
+using Common::Math::smallestLength;
 using Common::Math::Vec2;
 using Common::Math::Vec3;
 
 namespace {
-
-/// Beyond these, products of coordinates leave the range in which rounding is relative.
-constexpr double largest = 1e15;
-constexpr double smallest = 1e-15;
 
 constexpr std::uint32_t noNode = 0xFFFFFFFF;
 
@@ -86,7 +86,7 @@ private:
         };
         mLargestX = largestOf(0);
         mLargest = std::max(mLargestX, largestOf(1));
-        return mLargest < largest && mBounds.largerExtent() > smallest;
+        return mLargest < largestCoordinate && mBounds.largerExtent() > smallestLength;
     }
 
     /// Whether every border runs counter-clockwise around the mean of the corners, once around
@@ -208,7 +208,7 @@ NodeLocator::Part NodeLocator::partOf(const Rect& rect, std::uint32_t column,
 
 std::int32_t NodeLocator::findNode(const Vec3<float>& point) const {
     const Vec2<float> projected = mNavMesh->projectToPlane(point);
-    if (!(std::abs(projected.mX) < largest && std::abs(projected.mY) < largest))
+    if (!(std::abs(projected.mX) < largestCoordinate && std::abs(projected.mY) < largestCoordinate))
         return mNavMesh->findNode(point); // where rounding knows no bounds
     // A point in a node's reach is in the node's part of the cell, too: positions and parts grow
     // with coordinates. A point outside the grid is looked for in its outermost cells, in vain.

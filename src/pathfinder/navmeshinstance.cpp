@@ -19,18 +19,12 @@ using Raytracer::BlockingMapRayTracer;
 
 namespace {
 
-/// Reports the first defect and has then heard enough.
-class FirstDefectReport : public NavMesh::DefectListener {
-public:
-    bool onDefect(const char* text) override {
+/// Reports the first defect.
+bool isFitForWorld(const NavMeshContainer& mesh) {
+    return findDefects(mesh, [](const char* text) {
         ZUNO_REPORT("", text);
         return false;
-    }
-};
-
-bool isFitForWorld(const NavMeshContainer& mesh) {
-    FirstDefectReport report;
-    return findDefects(mesh, report);
+    });
 }
 
 void warnOfSingularPlane() {

@@ -85,18 +85,14 @@ protected:
     std::optional<HostKit::Session> mSession;
 };
 
-class NoDefects : public NavMesh::DefectListener {
-    bool onDefect(const char* text) override {
-        ADD_FAILURE() << text;
-        return false;
-    }
-};
-
 TEST_P(SceneTest, MeshIsSoundAndLeadsWhereTheSceneSays) {
     const NavMesh::NavMeshContainer& mesh = **mMesh;
-    NoDefects defects;
-    findDefects(mesh, defects);
-    findOddities(mesh, defects);
+    const auto fail = [](const char* text) {
+        ADD_FAILURE() << text;
+        return false;
+    };
+    findDefects(mesh, fail);
+    findOddities(mesh, fail);
     for (const auto& [name, from, to, isPossible] : mModel.mJourneys) {
         const float cost = costOf(pointOf(from), pointOf(to));
         EXPECT_EQ(cost >= 0, isPossible) << name << ": " << cost;

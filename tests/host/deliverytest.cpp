@@ -103,6 +103,10 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
     defects.replace(defects.find("<node_id>2</node_id>"), 20, "<node_id>9999</node_id>");
     defects.replace(defects.find("<pos>2.5/0/0</pos>"), 18, "<pos>2.5/inf/0</pos>");
     std::ofstream(defective) << defects;
+    const std::string crowded = folder + "/crowded.xml";
+    std::string neighbours = contentOf(mesh);
+    neighbours.insert(neighbours.find("</neighbour>"), "<node_id>5</node_id>");
+    std::ofstream(crowded) << neighbours;
     struct Case {
         std::string mArguments;
         int mStatus;
@@ -139,6 +143,11 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
         {"convert " + mesh + " " + binary, 0, "harbour.bin: 873 nodes, 1096 vertices"},
         {"path " + binary + " --from 2,0,2 --to 50,5,25", 0, "found: cost 109.593971"},
         {"convert " + binary + " " + folder + "/back.xml", 0, "873 nodes"},
+        {"convert " + crowded + " " + folder + "/c.xml 2>&1 1>/dev/null | wc -c", 0, "0\n"},
+        {"convert " + crowded + " " + folder + "/c.bin 2>&1 1>/dev/null | head -c 10", 0,
+         "zunopath: "},
+        {"convert " + crowded + " " + folder + "/c.bin", 0,
+         "/c.bin: node 0 has more neighbours than corners"},
         {"convert " + mesh + " /tmp/x.txt", 2, "expected a name that ends in .xml or .bin"},
         {"convert " + mesh + " /nowhere/x.bin", 2, "/nowhere/x.bin: CallbackFileStream: File or"},
         {"check " + mesh, 0, "873 nodes, 0 defects, 0 oddities"},

@@ -40,7 +40,7 @@ CARRIERS = {
 WITH_HOLES = {(kind, layout[0] + "*") for kind, layout, _ in CARRIERS.values()
               if layout is not ALL and isinstance(layout[0], str)}
 # Functions that hand on a text which a carrier has put together.
-RELAYS = {"onDefect", "Session", "start"}
+RELAYS = {"findDefects", "Session", "start"}
 # The text of what was found or caught before; it is listed where it was made.
 HANDED_ON = re.compile(r"\w+\.(?:mText|what\(\))")
 STRING = r'"(?:[^"\\\n]|\\.)*"'

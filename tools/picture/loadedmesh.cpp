@@ -7,6 +7,7 @@
 #include "hostkit/stdiofilecallback.h"
 #include "navmesh/interface.h"
 #include "navmesh/meshdefects.h"
+#include "navmesh/meshforms.h"
 #include "navmesh/navmeshfiles.h"
 
 #include <cstring>
@@ -31,39 +32,37 @@ void keepReport(const char* text, const char*, unsigned int) {
     lastReport() = message != nullptr ? message + std::strlen(mark) : text;
 }
 
-/// The binary form begins with its byte order, 0 or 1, which no document does.
+/// While it lives, reports are kept instead of shown: tools say in their own words what is wrong.
+class ReportKeeper {
+public:
+    ReportKeeper() : mFormer(Debug::setReportHandler(keepReport)) { lastReport().clear(); }
+    ~ReportKeeper() { Debug::setReportHandler(mFormer); }
+    ReportKeeper(const ReportKeeper&) = delete;
+    ReportKeeper& operator=(const ReportKeeper&) = delete;
+
+private:
+    Debug::ReportHandler mFormer;
+};
+
 bool isBinaryFile(const std::string& fileName) {
     std::ifstream file(fileName, std::ios::binary);
-    const int first = file.get();
-    return first == 0 || first == 1;
+    return NavMesh::beginsBinaryForm(file.get());
 }
-
-class FirstDefect : public NavMesh::DefectListener {
-public:
-    bool onDefect(const char* text) override {
-        mText = text;
-        return false;
-    }
-    std::string mText;
-};
 
 } // namespace
 
 LoadedMesh::LoadedMesh(const std::string& fileName, Defects defects) {
-    const Debug::ReportHandler former = Debug::setReportHandler(keepReport);
+    const ReportKeeper keeper;
     try {
         load(fileName, defects);
     } catch (Exceptions::Exception* exception) {
         const std::string message = fileName + ": " + HostKit::takeMessage(exception);
         close();
-        Debug::setReportHandler(former);
         throw std::runtime_error(message);
     } catch (...) {
         close();
-        Debug::setReportHandler(former);
         throw;
     }
-    Debug::setReportHandler(former);
 }
 
 LoadedMesh::LoadedMesh() {
@@ -77,20 +76,21 @@ void LoadedMesh::startLibrary() {
 }
 
 void LoadedMesh::load(const std::string& fileName, Defects defects) {
-    lastReport().clear();
     startLibrary();
     mIsBinary = isBinaryFile(fileName);
     mMesh = mIsBinary ? NavMesh::loadNavMeshBinary(fileName.c_str())
                       : NavMesh::loadNavMeshXML(fileName.c_str());
     if (mMesh == nullptr)
         throw std::runtime_error(fileName + ": " + lastReport());
-    FirstDefect defect;
-    if (defects == Defects::REFUSED && !findDefects(*mMesh, defect))
-        throw std::runtime_error(fileName + ": " + defect.mText);
+    if (defects == Defects::REFUSED)
+        findDefects(*mMesh, [&](const char* text) -> bool {
+            throw std::runtime_error(fileName + ": " + text);
+        });
 }
 
 void LoadedMesh::save(const std::string& fileName) const {
     const MeshForm form = formOf(fileName);
+    const ReportKeeper keeper;
     try {
         if (form == MeshForm::BINARY)
             NavMesh::saveNavMeshBinary(fileName.c_str(), mMesh);

@@ -116,10 +116,13 @@ void addOptions(CLI::App& app, Options& options) {
 }
 
 /// What the written file holds, and whether something about it is odd.
-class Summary : NavMesh::DefectListener {
+class Summary {
 public:
     explicit Summary(const LoadedMesh& mesh) : mMesh(*mesh), mCounts(countMesh(*mesh)) {
-        findOddities(mMesh, *this);
+        findOddities(mMesh, [this](const char*) {
+            ++mOddities;
+            return true;
+        });
     }
 
     void print(const std::string& file, const Scene& scene, std::size_t islandsLeftOut) const {
@@ -150,11 +153,6 @@ public:
     }
 
 private:
-    bool onDefect(const char*) override {
-        ++mOddities;
-        return true;
-    }
-
     const NavMesh::NavMeshContainer& mMesh;
     MeshCounts mCounts;
     std::size_t mOddities = 0;

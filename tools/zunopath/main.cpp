@@ -1,6 +1,7 @@
 // The command for people: asks a mesh what a host would ask, through the same exports.
 #include "hostkit/session.h"
 #include "navmesh/meshdefects.h"
+#include "navmesh/meshforms.h"
 #include "tools/picture/loadedmesh.h"
 #include "tools/picture/meshfigures.h"
 #include "tools/zunopath/replay.h"
@@ -116,32 +117,30 @@ ExitStatus draw(const Options& options) {
     return status;
 }
 
-/// Prints each thing that is wrong, with the mesh's name before it.
-class DefectPrinter : public NavMesh::DefectListener {
-public:
-    DefectPrinter(const std::string& mesh, const char* kind) : mMesh(mesh), mKind(kind) {}
-    bool onDefect(const char* text) override {
-        std::cout << mMesh << ": " << mKind << ": " << text << '\n';
-        ++mCount;
-        return true;
-    }
-    unsigned int count() const { return mCount; }
-
-private:
-    std::string mMesh;
-    const char* mKind;
-    unsigned int mCount = 0;
-};
-
 ExitStatus check(const Options& options) {
     const LoadedMesh mesh(options.mMesh, LoadedMesh::Defects::ACCEPTED);
-    DefectPrinter defects(options.mMesh, "defect");
-    DefectPrinter oddities(options.mMesh, "odd");
-    if (findDefects(*mesh, defects))
-        findOddities(*mesh, oddities);
-    std::cout << options.mMesh << ": " << mesh->mNodes.size() << " nodes, " << defects.count()
-              << " defects, " << oddities.count() << " oddities\n";
-    return defects.count() + oddities.count() == 0 ? STATUS_OK : STATUS_NOTHING;
+    const auto printAs = [&](const char* kind, std::size_t& count) {
+        return [&, kind](const char* text) {
+            std::cout << options.mMesh << ": " << kind << ": " << text << '\n';
+            ++count;
+            return true;
+        };
+    };
+    std::size_t defects = 0;
+    std::size_t oddities = 0;
+    if (findDefects(*mesh, printAs("defect", defects)))
+        findOddities(*mesh, printAs("odd", oddities));
+    std::cout << options.mMesh << ": " << mesh->mNodes.size() << " nodes, " << defects
+              << " defects, " << oddities << " oddities\n";
+    return defects + oddities == 0 ? STATUS_OK : STATUS_NOTHING;
+}
+
+/// Says what the binary form can't hold of a mesh.
+void warnOfLoss(const NavMesh::NavMeshContainer& mesh, const std::string& output) {
+    if (const std::int32_t node = NavMesh::findNodeUnfitForBinary(mesh); node >= 0)
+        std::cerr << "zunopath: " << output << ": node " << node
+                  << " has more neighbours than corners, and the binary form holds one for each "
+                     "corner: paths over the others are lost\n";
 }
 
 /// Tells what goes on with files that take their time.
@@ -154,10 +153,12 @@ void showStage(const std::string& stage, const std::string& file) {
 }
 
 ExitStatus convert(const Options& options) {
-    formOf(options.mOutput); // before anything takes its time
+    const MeshForm form = formOf(options.mOutput); // before anything takes its time
     showStage("reading", options.mMesh);
     const LoadedMesh mesh(options.mMesh, LoadedMesh::Defects::ACCEPTED);
     mesh.save(options.mOutput);
+    if (form == MeshForm::BINARY)
+        warnOfLoss(*mesh, options.mOutput);
     showStage("written", options.mOutput);
     std::cout << options.mOutput << ": " << mesh->mNodes.size() << " nodes, "
               << mesh->mVertices.size() << " vertices\n";

@@ -10,25 +10,17 @@ using NavMesh::NavMeshContainer;
 
 namespace {
 
-/// Lists what is wrong, with its kind.
-class DefectList : public NavMesh::DefectListener {
-public:
-    DefectList(val& list, const char* kind) : mList(list), mKind(kind) {}
-
-private:
-    bool onDefect(const char* text) override {
+/// Returns what lists everything that is wrong with its kind, up to a thousand things.
+NavMesh::DefectListener listIn(val& list, const char* kind) {
+    return [&list, kind, count = 0U](const char* text) mutable {
         constexpr unsigned int most = 1000;
         val entry = val::object();
-        entry.set("kind", mKind);
+        entry.set("kind", std::string(kind));
         entry.set("text", std::string(text));
-        mList.call<void>("push", entry);
-        return ++mCount < most;
-    }
-
-    val& mList;
-    std::string mKind;
-    unsigned int mCount = 0;
-};
+        list.call<void>("push", entry);
+        return ++count < most;
+    };
+}
 
 val describeTables(const NavMeshContainer& mesh) {
     val tables = val::object();
@@ -120,11 +112,9 @@ val toArray(const Common::Math::Vec3<float>& vector) {
 val describe(const Tools::LoadedMesh& loaded) {
     const NavMeshContainer& mesh = *loaded;
     val defects = val::array();
-    DefectList found(defects, "defect");
-    DefectList odd(defects, "odd");
-    const bool isFit = findDefects(mesh, found);
+    const bool isFit = findDefects(mesh, listIn(defects, "defect"));
     if (isFit)
-        findOddities(mesh, odd);
+        findOddities(mesh, listIn(defects, "odd"));
 
     val out = val::object();
     out.set("defects", defects);

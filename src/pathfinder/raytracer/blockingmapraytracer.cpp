@@ -2,6 +2,7 @@
 
 #include "common/debug/trace.h"
 #include "common/exceptions/stateexceptions.h"
+#include "common/math/floatrange.h"
 #include "navmesh/planegrid.h"
 #include "pathfinder/raytracer/rasteriser.h"
 
@@ -149,12 +150,11 @@ bool BlockingMapRayTracer::advance(BitWalk& walk, std::uint32_t steps) const {
 
 std::uint32_t BlockingMapRayTracer::stepsWithinLength(const Ray& ray, const BlockingMap::Cell& end,
                                                       std::uint32_t stepCount) const {
-    constexpr float longest = 1e18F; // beyond these, squares leave the range of `float`
-    constexpr float shortest = 1e-15F;
     constexpr std::uint32_t fewest = 10;
     const std::uint32_t last = mLastSteps + stepCount / (1U << 16U);
     if (stepCount < fewest || stepCount <= last || mLastSteps == allSteps ||
-        !(shortest < ray.mLength && ray.mLength < longest))
+        !(Common::Math::smallestLength < ray.mLength &&
+          ray.mLength < Common::Math::largestCoordinate))
         return 0;
     constexpr int farAway = 1 << 30; // there the end's cell may be one that ints can hold
     const auto isFar = [](int coordinate) { return coordinate > farAway || coordinate < -farAway; };
@@ -164,13 +164,12 @@ std::uint32_t BlockingMapRayTracer::stepsWithinLength(const Ray& ray, const Bloc
 }
 
 std::uint32_t BlockingMapRayTracer::countLastSteps() const {
-    constexpr double largestCoordinate = 1e15; // squares of distances are in the range of `float`
     const Vec2<float> size = mBlockingMap.cellSize();
     const Rect& bounds = mBlockingMap.bounds();
     const double largest = std::max({std::abs(bounds.mMin.mX), std::abs(bounds.mMin.mY),
                                      std::abs(bounds.mMax.mX), std::abs(bounds.mMax.mY)});
     const double smaller = std::min(size.mX, size.mY);
-    if (smaller == 0 || largest > largestCoordinate)
+    if (smaller == 0 || largest > Common::Math::largestCoordinate)
         return allSteps;
     // How near the ray's length can a cell's lower corner be in the step before the last m of n?
     // It is at most 2 cells per axis from the point (n - m) / n of the way: 1 for truncating start
