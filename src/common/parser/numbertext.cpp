@@ -140,22 +140,21 @@ double toDouble(const char* text) {
 }
 
 template <typename T>
-std::size_t toNumbers(const char* text, char separator, T* numbers, std::size_t count) {
+void toNumbers(const char* text, char separator, T* numbers, std::size_t count) {
     std::fill(numbers, numbers + count, T{});
     for (std::size_t i = 0; i < count; ++i) {
         const char* const end = parse(text, numbers[i]);
         if (end == nullptr)
-            return i;
+            return;
         text = behindEmptyExponent<T>(text, end);
-        if (i + 1 < count && *text++ != separator)
-            return i + 1;
+        if (*text++ != separator)
+            return;
     }
-    return count;
 }
 
-template std::size_t toNumbers(const char*, char, float*, std::size_t);
-template std::size_t toNumbers(const char*, char, std::int32_t*, std::size_t);
-template std::size_t toNumbers(const char*, char, std::uint32_t*, std::size_t);
+template void toNumbers(const char*, char, float*, std::size_t);
+template void toNumbers(const char*, char, std::int32_t*, std::size_t);
+template void toNumbers(const char*, char, std::uint32_t*, std::size_t);
 
 template <typename T>
 char* formatNumber(char* buffer, T number) {

@@ -17,13 +17,12 @@ float toFloat(const char* text);
 double toDouble(const char* text);
 
 /// Reads numbers that are separated by one character each, as "%f/%f/%f" does: white space may
-/// precede each number, not the separator. Returns how many were there; the others become 0.
+/// precede each number, not the separator. Numbers that are not there become 0.
 template <typename T>
-std::size_t toNumbers(const char* text, char separator, T* numbers, std::size_t count);
+void toNumbers(const char* text, char separator, T* numbers, std::size_t count);
 
-/// These write a number, zero-terminated, and return its end: floating point as "%g"
-/// (`formatFixed`:
-/// "%f"), integers in decimal. The buffer must hold `numberTextSize` characters.
+/// These write a number, zero-terminated, and return its end: integers in decimal, floating point
+/// as "%g" or, by `formatFixed`, as "%f". The buffer must hold `numberTextSize` characters.
 inline constexpr std::size_t numberTextSize = 64;
 template <typename T>
 char* formatNumber(char* buffer, T number);

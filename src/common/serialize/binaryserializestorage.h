@@ -7,8 +7,9 @@ namespace ZUNO::Common::Serialize {
 
 /// A storage in bytes: each item is a type code, the id of its name and the value; the names stand
 /// once each in two tables at the stream's end. The stream must be at its start and seekable.
-/// A stream that is cut or damaged gives some value, or a SerializeException ("The stream is
-/// corrupted. ..."); it never makes the storage ask for more memory than its length accounts for.
+/// Throws a SerializeException ("The stream is corrupted. ...") where a stream that is cut or
+/// damaged makes no sense; damage within a value gives another value. Neither makes the storage ask
+/// for more memory than the stream's length accounts for.
 /// Reading runs ahead of what was asked for; closing leaves the stream behind the last item read.
 class BinarySerializeStorage final : public SerializeStorage {
 public:
@@ -143,6 +144,7 @@ private:
             throwClosed();
     }
     [[noreturn]] static void throwClosed();
+    [[noreturn]] static void throwCorrupted(const char* what);
     [[noreturn]] static void throwUnexpected(int found, ItemType expected);
     [[noreturn]] static void throwUnknownName();
 

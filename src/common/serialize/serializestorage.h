@@ -10,7 +10,7 @@ enum SerializeMode : std::int32_t { SMODE_INPUT = 0, SMODE_OUTPUT = 1 };
 
 enum StorageType : std::int32_t { STORAGE_BINARY = 0 };
 
-/// The type codes of items.
+/// The type codes of items, as they stand in streams.
 enum ItemType : int {
     ITEM_BOOL = 1,
     ITEM_UINT8 = 2,
@@ -32,12 +32,15 @@ enum ItemType : int {
 /// A text of 16-bit units, without a terminator.
 using WideText = std::vector<char16_t, Memory::STLAllocator<char16_t>>;
 
-/// Writes named, typed values and nested class records, and reads them back in the same order.
-/// A read returns the name under which its item was written, and raises a TypeMismatchException
-/// when the next item has another type.
+/// Writes named, typed values and nested class records to a stream, or reads them back in the same
+/// order: a storage does one of the two for its whole life.
+/// Each read operation sets `name` to what its item was written under, and `value` to its value.
+/// Throws a TypeMismatchException when the next item has another type, an InvalidStateException
+/// while no stream is open, and what the stream throws.
+/// Thread: one at a time.
 class SerializeStorage : public Memory::MemoryManaged {
 public:
-    /// A place in a storage.
+    /// A place between two items of a storage. Lifetime: of use while the same stream is open.
     class Position : public Memory::MemoryManaged {
     public:
         explicit Position(StorageType type) : mType(type) {}
@@ -53,13 +56,19 @@ public:
     std::int32_t getSerializeMode() const { return mMode; }
     StorageType getStorageType() const { return mType; }
 
+    /// Returns where the next item is read or written.
     virtual SharedPtr<Position> getPosition() = 0;
+    /// Goes on reading at a place that `getPosition` returned. Reports a place of another kind of
+    /// storage, and stays where it is.
     virtual void setPosition(const SharedPtr<Position>& position) = 0;
+    /// Closes what is open and begins with a stream, which it shares until it is closed.
     virtual void open(const SharedPtr<IO::Stream>& stream) = 0;
+    /// Finishes what was written and lets the stream go, which stays open.
     virtual void close() = 0;
-    /// Reads the next item, a class with all that is in it, and tells its name and type.
+    /// Passes over the next item (over a class with all that is in it) and sets its name and type.
+    /// Reports when the storage writes, and does nothing then.
     virtual void skipItem(String& name, int& type) = 0;
-    /// The type code of the next item, which stays the next.
+    /// Returns the type code of the next item, which stays the next.
     virtual int peekItemType() = 0;
 
     virtual void readClassEnter(String& name, String& typeName, String& typeName2,

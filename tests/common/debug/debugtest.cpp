@@ -78,6 +78,10 @@ TEST_F(DebugTest, LogMasksFilterAndBreak) {
     EXPECT_EQ(all.mTexts.size(), 6U);
     log.removeReporter(reporter);
     EXPECT_EQ(log.getReporter("game"), nullptr);
+    Debug::LogReporter stranger("stranger", &log);
+    log.removeReporter(&stranger);
+    log.removeReporter(nullptr);
+    EXPECT_NE(getLogReporter(), nullptr) << "nobody was removed";
     log.removeReporter(getLogReporter());
     EXPECT_EQ(getLogReporter(), nullptr);
 }

@@ -31,12 +31,12 @@ XMLWriter::XMLWriter() : mTabs() {
 }
 
 void XMLWriter::writeHeader(IO::Stream& stream) {
-    put(stream, "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>");
-    put(stream, "\n");
+    put(stream, "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\" ?>\n");
 }
 
 void XMLWriter::write(IO::Stream& stream, const XMLNode* root) {
-    // the elements that are open, instead of a recursion as deep as the tree
+    // The elements that are open, from the root inwards: a recursion would take as much stack as
+    // the tree is deep.
     std::vector<OpenElement, Memory::STLAllocator<OpenElement>> open(gObjectAllocator);
     if (writeStart(stream, root, 0))
         open.emplace_back(root);

@@ -5,24 +5,27 @@
 
 namespace ZUNO::Common::Parser::XML {
 
-/// Writes a document: one element a line, indented by tabs, lines ended by a line feed.
-/// Names, values and texts are written as they are: nothing is escaped, so that a quote, an angle
-/// bracket or an ampersand in them gives a document that is not read back unchanged.
-/// What the stream raises leaves these functions.
+/// Writes documents: each element on a line of its own, indented by one tab for each element around
+/// it (1,024 at most), with a line feed at the end.
+/// Nothing is escaped: names, values and texts are written as they are. A quote in a value or an
+/// opening angle bracket in a text gives a document that can't be read back.
+/// Throws what the stream throws.
 class XMLWriter {
 public:
     XMLWriter();
     virtual ~XMLWriter() = default;
 
-    /// Writes the line of the XML declaration.
+    /// Writes the XML declaration, a line that stands before the root.
     virtual void writeHeader(IO::Stream& stream);
-    /// Writes the tree. Raises an ArgumentNullException for a null node.
+    /// Writes a node and all that is below it. Throws an ArgumentNullException for a null node.
+    /// Cost: one call of the stream for each piece of text; memory only for the depth of the tree.
     virtual void write(IO::Stream& stream, const XMLNode* root);
 
 private:
     static constexpr std::size_t maxIndentation = 1024;
 
-    /// Writes what stands before a node's children and returns whether they come now.
+    /// Writes what stands before a node's children, or the whole node when it can have none.
+    /// Returns whether children and the closing tag are still to be written.
     bool writeStart(IO::Stream& stream, const XMLNode* node, std::size_t depth);
     void writeEnd(IO::Stream& stream, const XMLNode* node);
     void indent(IO::Stream& stream, std::size_t depth);
