@@ -1,5 +1,5 @@
 // The script reader of the command for people: any lines.
-#include "tools/zunopath/query.h"
+#include "tools/zunopath/surfacequery.h"
 
 #include <cstdint>
 #include <sstream>
@@ -14,8 +14,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (words.empty())
             continue;
         try {
-            const Query query = parseQuery(words);
-            if (query.mFrom.size() > 3 || query.mTo.size() > 3)
+            const AnyQuery any = parseAnyQuery(words);
+            const Query* const query = std::get_if<Query>(&any);
+            if (query != nullptr && (query->mFrom.size() > 3 || query->mTo.size() > 3))
                 std::abort();
         } catch (const std::invalid_argument& error) {
             if (std::string(error.what()).find("expected") == std::string::npos)

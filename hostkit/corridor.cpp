@@ -21,7 +21,7 @@ bool Corridor::follow(const std::vector<std::uint32_t>& chain, const Position& g
     while (first > 0 && chain[first - 1] != mPosition.mNode)
         --first;
     const bool isBeside =
-        first == 0 && !chain.empty() && mPosition && isLinked(mPosition.mNode, chain.front());
+        first == 0 && !chain.empty() && mPosition && mView.isLinked(mPosition.mNode, chain.front());
     if ((first == 0 && !isBeside) || !isFinite(goal))
         return false;
     mNodes.reserve(2 * (chain.size() + SurfaceMove::maxNodes)); // for what pushes add
@@ -106,12 +106,6 @@ bool Corridor::canSkip(std::span<const std::uint32_t> behind, const Position& ne
            std::find(behind.begin(), behind.end(), walked.mPlace.mNode) != behind.end();
 }
 
-bool Corridor::isLinked(std::uint32_t node, std::uint32_t target) const {
-    const auto links = mView.linksOf(node);
-    return std::any_of(links.begin(), links.end(),
-                       [&](const MeshView::Link& link) { return link.mTarget == target; });
-}
-
 void Corridor::move(const Position& target) {
     if (!mPosition)
         return;
@@ -131,7 +125,7 @@ void Corridor::enter(const SurfaceMove& walked) {
                 continue;
             mNodes.resize(i + 1);
             for (std::size_t k = j + 1; k < walked.mNodeCount; ++k) {
-                if (!isLinked(walked.mNodes[k], mNodes.back())) // there is no way back
+                if (!mView.isLinked(walked.mNodes[k], mNodes.back())) // there is no way back
                     return loseWay();
                 mNodes.push_back(walked.mNodes[k]);
             }
@@ -199,7 +193,7 @@ void Corridor::shorten() {
     if (at == 0)
         return;
     const bool isSame = mNodes[at - 1] == walked.mPlace.mNode;
-    if (!isSame && !isLinked(walked.mPlace.mNode, mNodes[at - 1]))
+    if (!isSame && !mView.isLinked(walked.mPlace.mNode, mNodes[at - 1]))
         return;
     mNodes.resize(at);
     for (std::size_t i = walked.mNodeCount - (isSame ? 1 : 0); i-- > 0;)

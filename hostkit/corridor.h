@@ -59,7 +59,6 @@ private:
     PlanePoint aimOf(std::span<const std::uint32_t> nodes) const;
     void passBorders();
     bool canSkip(std::span<const std::uint32_t> behind, const Position& next) const;
-    bool isLinked(std::uint32_t node, std::uint32_t target) const;
     void enter(const SurfaceMove& walked);
     void loseWay();
 

@@ -23,7 +23,7 @@ inline constexpr std::uint32_t NO_BORDER = 0xFFFFFFFF;
 /// neighbours share, islands, and the nodes around a place. It is made once from a mesh, which may
 /// then go, and never changes.
 /// Thread: any number may ask at once. Units: those of the mesh; distances in the plane are those
-/// of its two axes. Cost: see docs/walking.md for its bytes.
+/// of its two axes. Cost: see docs/straight-paths.md for its bytes.
 class MeshView {
 public:
     /// Throws a std::invalid_argument that names the first defect of a mesh that no world could
@@ -55,6 +55,12 @@ public:
     /// outlines.
     std::span<const Link> linksOf(std::uint32_t node) const {
         return {mLinks.data() + mFirstLinks[node], mFirstLinks[node + 1] - mFirstLinks[node]};
+    }
+    /// Whether `target` is a neighbour of the node, in this direction.
+    bool isLinked(std::uint32_t node, std::uint32_t target) const {
+        const auto links = linksOf(node);
+        return std::any_of(links.begin(), links.end(),
+                           [&](const Link& link) { return link.mTarget == target; });
     }
     /// The ends of a piece of border as one sees them who leaves the node across it.
     struct Border {

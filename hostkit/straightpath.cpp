@@ -79,16 +79,60 @@ void PathStraightener::addCorner(const Position& position, std::uint32_t step,
 }
 
 void PathStraightener::improve(StraightPath& path) {
-    constexpr std::size_t leastBudget = 50;
+    constexpr std::size_t leastBudget = 700;
     constexpr std::size_t budgetPerNode = 8;
-    constexpr std::size_t partBudget = 100;
+    constexpr std::size_t partBudget = 200;
     constexpr std::size_t partCorners = 4;
+    cutCorners(path);
     if (path.mCorners.size() <= 2 || improvePart(path, 0, path.mCorners.size() - 1,
                                                  leastBudget + budgetPerNode * path.mChain.size()))
         return;
     for (std::size_t first = 0; first + 2 < path.mCorners.size(); first += partCorners / 2)
         improvePart(path, first, std::min(first + partCorners, path.mCorners.size() - 1),
                     partBudget);
+    cutCorners(path);
+}
+
+/// Leaves out corners that bend in the open, for no wall but for the nodes' borders.
+void PathStraightener::cutCorners(StraightPath& path) {
+    for (std::size_t i = 1; i + 1 < path.mCorners.size();) {
+        const StraightPath::Corner& before = path.mCorners[i - 1];
+        const StraightPath::Corner& behind = path.mCorners[i + 1];
+        const SurfaceMove walked =
+            walkStraight(mView, {path.mChain[before.mStep], before.mPosition}, behind.mPosition);
+        if (!walked.mIsReached || !joinDetour(path, walked, before.mStep, behind.mStep) ||
+            !replacePart(path, before.mStep, behind.mStep))
+            ++i;
+    }
+}
+
+/// Makes a detour of a straight walk, and of what is left of a part of the chain where the two
+/// meet: around a corner there are more nodes than one.
+bool PathStraightener::joinDetour(const StraightPath& path, const SurfaceMove& walked,
+                                  std::uint32_t from, std::uint32_t to) {
+    const std::uint32_t last = walked.mPlace.mNode;
+    std::uint32_t joined = to;
+    while (joined > from && path.mChain[joined] != last &&
+           !mView.isLinked(last, path.mChain[joined]))
+        --joined;
+    mDetour.assign(walked.mNodes.begin(),
+                   walked.mNodes.begin() + static_cast<std::ptrdiff_t>(walked.mNodeCount));
+    if (path.mChain[joined] == last)
+        mDetour.pop_back();
+    mDetour.insert(mDetour.end(), path.mChain.begin() + joined, path.mChain.begin() + to + 1);
+    return joined > from;
+}
+
+/// Takes the detour instead of a part of the chain, if that makes the path shorter.
+bool PathStraightener::replacePart(StraightPath& path, std::uint32_t from, std::uint32_t to) {
+    mCandidate.mChain.assign(path.mChain.begin(), path.mChain.begin() + from);
+    mCandidate.mChain.insert(mCandidate.mChain.end(), mDetour.begin(), mDetour.end());
+    mCandidate.mChain.insert(mCandidate.mChain.end(), path.mChain.begin() + to + 1,
+                             path.mChain.end());
+    if (!pull(mCandidate) || !(mCandidate.mLength < path.mLength))
+        return false;
+    std::swap(mCandidate, path);
+    return true;
 }
 
 bool PathStraightener::improvePart(StraightPath& path, std::size_t first, std::size_t last,
@@ -111,12 +155,7 @@ bool PathStraightener::improvePart(StraightPath& path, std::size_t first, std::s
                     length * worthwhile, haste, budget, mDetour);
     if (result != IntervalSearch::Result::FOUND)
         return result == IntervalSearch::Result::NONE;
-    mCandidate.mChain.assign(path.mChain.begin(), path.mChain.begin() + from);
-    mCandidate.mChain.insert(mCandidate.mChain.end(), mDetour.begin(), mDetour.end());
-    mCandidate.mChain.insert(mCandidate.mChain.end(), path.mChain.begin() + to + 1,
-                             path.mChain.end());
-    if (pull(mCandidate) && mCandidate.mLength < path.mLength)
-        std::swap(mCandidate, path);
+    replacePart(path, from, to);
     return true;
 }
 

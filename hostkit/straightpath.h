@@ -5,7 +5,7 @@
 #include "hostkit/chainportals.h"
 #include "hostkit/funnel.h"
 #include "hostkit/intervalsearch.h"
-#include "hostkit/meshview.h"
+#include "hostkit/surface.h"
 
 namespace ZUNO::HostKit {
 
@@ -27,7 +27,8 @@ struct StraightPath {
 
 /// Plain: the shortest way through the very nodes of the path that was found. Improved: a second
 /// search, no farther about than the plain path is long, passes obstacles on their shorter side;
-/// where the mesh is too intricate for its budget it goes piece by piece. Lengths: docs/walking.md.
+/// where the mesh is too intricate for its budget it goes piece by piece. Lengths:
+/// docs/straight-paths.md.
 enum class StraightForm { PLAIN, IMPROVED };
 
 /// Straightens paths. Keeps its lists: once they have grown, no memory is taken any more (a path
@@ -41,7 +42,7 @@ public:
     /// Straightens a path of the world's: with the start and goal that the search was opened with
     /// and all its waypoints, none for a path within one node. Returns whether that is a path on
     /// this mesh; when it isn't, the result is empty.
-    /// Cost: plain some 0.1 us a waypoint; improved as docs/walking.md says.
+    /// Cost: plain some 0.1 us a waypoint; improved as docs/straight-paths.md says.
     bool straighten(const Position& start, const Position& goal,
                     const std::vector<Position>& waypoints, StraightForm form, StraightPath& path);
 
@@ -57,6 +58,10 @@ private:
     bool pull(StraightPath& path);
     void addCorner(const Position& position, std::uint32_t step, StraightPath& path) const;
     void improve(StraightPath& path);
+    void cutCorners(StraightPath& path);
+    bool joinDetour(const StraightPath& path, const SurfaceMove& walked, std::uint32_t from,
+                    std::uint32_t to);
+    bool replacePart(StraightPath& path, std::uint32_t from, std::uint32_t to);
     /// Seeks a shorter way between two corners. Returns false when the search gave up.
     bool improvePart(StraightPath& path, std::size_t first, std::size_t last, std::size_t budget);
 

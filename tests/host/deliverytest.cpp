@@ -50,22 +50,35 @@ TEST(Delivery, ShowsTheSmallestHostInTheReadme) {
         << run.mOutput;
 }
 
+/// Whether all code of a page stands in the example that it explains.
+void expectListings(const char* document, const char* example, std::size_t least) {
+    const std::string listing = contentOf(sources + "/examples/" + example);
+    const std::string page = contentOf(sources + "/docs/" + document);
+    const std::string begin = "```cpp\n";
+    std::size_t blocks = 0;
+    for (std::size_t at = page.find(begin); at != std::string::npos; at = page.find(begin, at)) {
+        at += begin.size();
+        const std::string block = page.substr(at, page.find("```", at) - at);
+        EXPECT_NE(listing.find(block), std::string::npos) << block;
+        ++blocks;
+    }
+    EXPECT_GE(blocks, least);
+}
+
 TEST(Delivery, WalksAsTheDocumentSays) {
     const Outcome run = runCommand(tools + "/walkingcrowd " + sources + "/worlds/harbour.xml");
     EXPECT_EQ(run.mStatus, 0);
     EXPECT_GT(std::atoi(run.mOutput.c_str()), 30)
         << run.mOutput << "goals of 50 walkers in a minute";
-    const std::string listing = contentOf(sources + "/examples/walkingcrowd.cpp");
-    const std::string page = contentOf(sources + "/docs/walking.md");
-    std::size_t blocks = 0;
-    for (std::size_t begin = page.find("```cpp\n"); begin != std::string::npos; ++blocks) {
-        begin += 7;
-        const std::size_t end = page.find("```", begin);
-        EXPECT_NE(listing.find(page.substr(begin, end - begin)), std::string::npos)
-            << page.substr(begin, end - begin);
-        begin = page.find("```cpp\n", end);
-    }
-    EXPECT_GE(blocks, 8U);
+    expectListings("walking.md", "walkingcrowd.cpp", 8);
+}
+
+TEST(Delivery, StraightensPathsAsTheDocumentSays) {
+    const Outcome run = runCommand(tools + "/walkingcharacter " + sources + "/worlds/harbour.xml");
+    EXPECT_EQ(run.mStatus, 0);
+    for (const char* line : {"snapped by 0.5\n", "arrived: yes\n", "10 apart.\n", "near as 15\n"})
+        EXPECT_NE(run.mOutput.find(line), std::string::npos) << run.mOutput;
+    expectListings("straight-paths.md", "walkingcharacter.cpp", 5);
 }
 
 TEST(Delivery, CommitsTheHarbourThatItsGeneratorMakes) {
@@ -122,7 +135,7 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
         {"path " + mesh + " --from 2,0,2 --to 100,1,75", 1, "no path"},
         {"path " + mesh + " --from 2,0 --to 1,1,1", 2, "zunopath: expected x,y,z instead of '2,0'"},
         {"path " + mesh + " --from 2,0,2 --to 1,1,nope", 2, "instead of '1,1,nope'"},
-        {"path " + mesh + " --from 2,0,2 --to 50,5,25 --straight", 0, "straight: length 96.1"},
+        {"path " + mesh + " --from 2,0,2 --to 50,5,25 --straight", 0, "straight: length 93."},
         {"path " + mesh + " --from 2,0,2 --to 50,5,25 --straight=plain --json", 0,
          "\"straight\":[[2.0,0.0,2.0],["},
         {"nearest " + mesh + " --at -2,0,2", 0, "0 0 2 on node 0, 2 away"},
