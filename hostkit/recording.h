@@ -9,8 +9,10 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -99,8 +101,13 @@ public:
         unsignedNumber((static_cast<std::uint32_t>(value) << 1U) ^ sign);
     }
     void bits(std::uint32_t value) {
-        for (unsigned int shift = 0; shift < 32; shift += 8)
-            byte(static_cast<std::uint8_t>(value >> shift));
+        if constexpr (std::endian::native == std::endian::little) { // one store instead of four
+            std::memcpy(mPlace, &value, sizeof value);
+            mPlace += sizeof value;
+        } else {
+            for (unsigned int shift = 0; shift < 32; shift += 8)
+                byte(static_cast<std::uint8_t>(value >> shift));
+        }
     }
     void text(std::string_view value) {
         unsignedNumber(value.size());

@@ -9,7 +9,7 @@ namespace ZUNO::HostKit {
 namespace {
 
 constexpr unsigned int slotBits = 24; // of an id; the rest counts the requests
-constexpr std::uint32_t waypointsPerSlice = 16;
+constexpr std::uint32_t waypointsPerSlice = 64;
 
 std::uint32_t indexOf(RequestId id) {
     return static_cast<std::uint32_t>(id & ((1U << slotBits) - 1));
@@ -146,11 +146,12 @@ void Scheduler::step(std::uint32_t index, Frame& frame) {
 
 void Scheduler::charge(std::uint32_t index, std::uint32_t expansions, Frame& frame) {
     Slot& slot = mSlots[index];
-    const std::uint64_t turn = turnOf(slot);
     frame.charge(expansions);
     slot.mAnswer.mExpansions += expansions;
-    if (const std::uint64_t later = turnOf(slot); later != turn)
-        mQueue.put(index, later, slot.mOrder);
+    if (slot.mAnswer.mExpansions < slot.mTurnEnd)
+        return;
+    slot.mTurnEnd = (slot.mAnswer.mExpansions / mSettings.mTurn + 1) * mSettings.mTurn;
+    mQueue.put(index, turnOf(slot), slot.mOrder);
 }
 
 void Scheduler::start(std::uint32_t index, Frame& frame) {
@@ -311,6 +312,7 @@ void Scheduler::open(std::uint32_t index, std::uint64_t frame) {
     slot.mAnswer.mWaypoints.clear();
     slot.mAnswer.mCost = 0;
     slot.mAnswer.mExpansions = 0;
+    slot.mTurnEnd = mSettings.mTurn;
     mQueue.put(index, turnOf(slot), slot.mOrder);
     mFigures.mLongestQueue = std::max(mFigures.mLongestQueue, mQueue.size());
 }
