@@ -4,9 +4,9 @@
 #include "common/parser/xml/xmlparser.h"
 #include "hostkit/foundation.h"
 #include "hostkit/heapmemorycallback.h"
+#include "hostkit/memoryfilecallback.h"
 #include "navmesh/interface.h"
 #include "navmesh/navmeshfiles.h"
-#include "tools/picture/memoryfilecallback.h"
 #include "worlds/meshmodel.h"
 
 #include <benchmark/benchmark.h>
@@ -18,7 +18,7 @@ namespace {
 
 using namespace ZUNO;
 using Common::SharedPtr;
-using Tools::MemoryFileCallback;
+using HostKit::MemoryFileCallback;
 
 const std::string& documentOf(std::int64_t nodes) {
     static std::map<std::int64_t, std::string> documents;
@@ -32,24 +32,24 @@ const std::string& documentOf(std::int64_t nodes) {
 class Library {
 public:
     explicit Library(const std::string& content) {
-        mFile = new MemoryFileCallback(content);
+        mFiles = new MemoryFileCallback("mesh", content);
         NavMesh::initLibrary(
             SharedPtr<Common::Callback::MemoryCallback>(new HostKit::HeapMemoryCallback),
-            SharedPtr<Common::Callback::FileIOCallback>(mFile));
+            SharedPtr<Common::Callback::FileIOCallback>(mFiles));
     }
     ~Library() { NavMesh::closeLibrary(); }
     Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;
-    const std::string& content() const { return mFile->content(); }
+    const std::string& content() const { return mFiles->mFiles["mesh"]; }
 
 private:
     HostKit::Foundation mFoundation;
-    MemoryFileCallback* mFile;
+    MemoryFileCallback* mFiles;
 };
 
 std::string binaryOf(std::int64_t nodes) {
     const Library library(documentOf(nodes));
-    NavMesh::saveNavMeshBinary("b", NavMesh::loadNavMeshXML("x"));
+    NavMesh::saveNavMeshBinary("mesh", NavMesh::loadNavMeshXML("mesh"));
     return library.content();
 }
 
@@ -66,10 +66,11 @@ void sizes(benchmark::internal::Benchmark* benchmark) {
 void parseXml(benchmark::State& state) {
     const std::string& document = documentOf(state.range(0));
     const Library library(document);
-    const SharedPtr<Common::Callback::FileIOCallback> files(new MemoryFileCallback(document));
+    const SharedPtr<Common::Callback::FileIOCallback> files(
+        new MemoryFileCallback("mesh", document));
     for (auto _ : state) {
         Common::Callback::CallbackFileStream stream(files);
-        stream.open("d", 1);
+        stream.open("mesh", 1);
         const std::unique_ptr<Common::Parser::XML::XMLParser> parser(
             Common::Memory::createManaged<Common::Parser::XML::XMLParser>(NavMesh::getAllocator()));
         benchmark::DoNotOptimize(parser->parse(&stream));
@@ -92,7 +93,7 @@ BENCHMARK(parsePugixml)->Apply(sizes);
 void loadXml(benchmark::State& state) {
     const Library library(documentOf(state.range(0)));
     for (auto _ : state)
-        benchmark::DoNotOptimize(NavMesh::loadNavMeshXML("x"));
+        benchmark::DoNotOptimize(NavMesh::loadNavMeshXML("mesh"));
     count(state, library.content().size());
 }
 BENCHMARK(loadXml)->Apply(sizes);
@@ -100,25 +101,25 @@ BENCHMARK(loadXml)->Apply(sizes);
 void loadBinary(benchmark::State& state) {
     const Library library(binaryOf(state.range(0)));
     for (auto _ : state)
-        benchmark::DoNotOptimize(NavMesh::loadNavMeshBinary("b"));
+        benchmark::DoNotOptimize(NavMesh::loadNavMeshBinary("mesh"));
     count(state, library.content().size());
 }
 BENCHMARK(loadBinary)->Apply(sizes);
 
 void saveXml(benchmark::State& state) {
     const Library library(documentOf(state.range(0)));
-    const auto mesh = NavMesh::loadNavMeshXML("x");
+    const auto mesh = NavMesh::loadNavMeshXML("mesh");
     for (auto _ : state)
-        NavMesh::saveNavMeshXML("x", mesh);
+        NavMesh::saveNavMeshXML("mesh", mesh);
     count(state, library.content().size());
 }
 BENCHMARK(saveXml)->Apply(sizes);
 
 void saveBinary(benchmark::State& state) {
     const Library library(binaryOf(state.range(0)));
-    const auto mesh = NavMesh::loadNavMeshBinary("b");
+    const auto mesh = NavMesh::loadNavMeshBinary("mesh");
     for (auto _ : state)
-        NavMesh::saveNavMeshBinary("b", mesh);
+        NavMesh::saveNavMeshBinary("mesh", mesh);
     count(state, library.content().size());
 }
 BENCHMARK(saveBinary)->Apply(sizes);

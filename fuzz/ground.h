@@ -7,13 +7,13 @@
 #include "common/memory/globalallocators.h"
 #include "common/memory/objectcreation.h"
 #include "common/report/report.h"
+#include "tests/support/countingmemory.h"
 #include "tests/support/memoryfiles.h"
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <unordered_map>
 
 namespace ZUNO::Fuzz {
 
@@ -25,31 +25,19 @@ inline void require(bool holds, const char* what) {
     std::abort();
 }
 
-/// Host memory that ends after 64 MB, and knows its blocks.
-class BoundedMemory : public Common::Callback::MemoryCallback {
-public:
-    void* allocateMemory(unsigned int size) override {
-        constexpr std::size_t limit = std::size_t{64} << 20U;
-        if (mBytes + size > limit)
-            return nullptr;
-        void* const block = std::malloc(size != 0 ? size : 1);
-        mBlocks[block] = size;
-        mBytes += size;
-        return block;
-    }
-    void freeMemory(void* ptr) override {
-        const auto place = mBlocks.find(ptr);
-        require(place != mBlocks.end(), "what is freed was allocated");
-        mBytes -= place->second;
-        mBlocks.erase(place);
-        std::free(ptr);
-    }
-    bool isEmpty() const { return mBlocks.empty(); }
+/// Host memory that ends after 64 MB.
+inline Tests::CountingMemory* makeBoundedMemory() {
+    auto* const memory = new Tests::CountingMemory;
+    memory->mLimit = std::uint64_t{64} << 20U;
+    return memory;
+}
 
-private:
-    std::unordered_map<void*, std::size_t> mBlocks;
-    std::size_t mBytes = 0;
-};
+/// What must hold of a host's callbacks when the library is closed.
+inline void requireAllBack(const Tests::CountingMemory& memory, const Tests::MemoryFiles& files) {
+    require(memory.mWrongFrees == 0, "what is freed was allocated");
+    require(memory.outstanding() == 0, "all memory comes back");
+    require(files.openCount() == 0, "all files are closed");
+}
 
 /// Reports are part of what broken input may cause, and not shown.
 inline void silenceReports() {
@@ -61,7 +49,7 @@ class Ground {
 public:
     Ground() {
         silenceReports();
-        mMemory = new BoundedMemory;
+        mMemory = makeBoundedMemory();
         mCallback = mMemory;
         mFiles = new Tests::MemoryFiles;
         mFileCallback = mFiles;
@@ -69,8 +57,7 @@ public:
     }
     ~Ground() {
         Common::closeLibrary();
-        require(mMemory->isEmpty(), "all memory comes back");
-        require(mFiles->openCount() == 0, "all files are closed");
+        requireAllBack(*mMemory, *mFiles);
     }
     Ground(const Ground&) = delete;
     Ground& operator=(const Ground&) = delete;
@@ -91,7 +78,7 @@ public:
     Common::SharedPtr<Common::Callback::FileIOCallback> mFileCallback;
 
 private:
-    BoundedMemory* mMemory;
+    Tests::CountingMemory* mMemory;
     Tests::MemoryFiles* mFiles;
 };
 

@@ -76,7 +76,7 @@ void askEverything() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Fuzz::silenceReports();
-    auto* const memory = new Fuzz::BoundedMemory;
+    auto* const memory = Fuzz::makeBoundedMemory();
     const Common::SharedPtr<Common::Callback::MemoryCallback> memoryCallback(memory);
     auto* const files = new Tests::MemoryFiles;
     const Common::SharedPtr<Common::Callback::FileIOCallback> fileCallback(files);
@@ -87,8 +87,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 askEverything();
         });
         Interface::close();
-        Fuzz::require(memory->isEmpty(), "all memory comes back");
-        Fuzz::require(files->openCount() == 0, "all files are closed");
+        Fuzz::requireAllBack(*memory, *files);
     }
     return 0;
 }

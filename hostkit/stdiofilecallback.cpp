@@ -32,6 +32,15 @@ std::int32_t resultOf(int error) {
     }
 }
 
+/// Whether a write failed for want of room: on the disk, in a quota, or below a limit.
+bool isOutOfSpace(int error) {
+#ifdef EDQUOT
+    if (error == EDQUOT)
+        return true;
+#endif
+    return error == ENOSPC || error == EFBIG;
+}
+
 /// Reading and writing keeps what an existing file holds; writing alone begins anew.
 std::FILE* openAs(const fs::path& path, std::int32_t mode) {
     const std::string name = path.string();
@@ -49,8 +58,8 @@ StdioFileCallback::StdioFileCallback(const fs::path& baseFolder)
     : mBaseFolder(fs::weakly_canonical(fs::absolute(baseFolder))) {}
 
 StdioFileCallback::~StdioFileCallback() {
-    for (const auto& [handle, file] : mFiles)
-        std::fclose(file);
+    for (const auto& [handle, open] : mFiles)
+        close(open.mFile);
 }
 
 std::optional<fs::path> StdioFileCallback::locate(const String& filename) const {
@@ -70,7 +79,20 @@ std::optional<fs::path> StdioFileCallback::locate(const String& filename) const 
 
 std::FILE* StdioFileCallback::find(Handle handle) const {
     const auto place = mFiles.find(handle);
-    return place != mFiles.end() ? place->second : nullptr;
+    return place != mFiles.end() ? place->second.mFile : nullptr;
+}
+
+void StdioFileCallback::close(std::FILE* file) {
+    if (std::fclose(file) != 0)
+        ++mCloseFailures;
+}
+
+/// The C library wants a file positioned between reading and writing.
+void StdioFileCallback::turn(OpenFile& file, bool toWriting) {
+    if (toWriting ? file.mWasRead : file.mWasWritten)
+        Common::Platform::seekFile(file.mFile, 0, SEEK_CUR);
+    file.mWasRead = !toWriting;
+    file.mWasWritten = toWriting;
 }
 
 std::int32_t StdioFileCallback::openFile(Handle* handle, const String& filename,
@@ -85,14 +107,16 @@ std::int32_t StdioFileCallback::openFile(Handle* handle, const String& filename,
     std::FILE* const file = openAs(*path, mode);
     if (file == nullptr)
         return resultOf(errno);
+    if (mode != Common::IO::FACCESS_READ)
+        std::setvbuf(file, nullptr, _IONBF, 0);
     *handle = ++mLastHandle;
-    mFiles[*handle] = file;
+    mFiles[*handle] = {file};
     return 0;
 }
 
 void StdioFileCallback::closeFile(Handle handle) {
     if (std::FILE* const file = find(handle); file != nullptr) {
-        std::fclose(file);
+        close(file);
         mFiles.erase(handle);
     }
 }
@@ -112,6 +136,7 @@ std::int32_t StdioFileCallback::readFile(void* dstBuffer, std::uint32_t numBytes
     std::FILE* const file = find(handle);
     if (file == nullptr || numBytes > std::uint32_t{std::numeric_limits<std::int32_t>::max()})
         return -1;
+    turn(mFiles[handle], false);
     const std::size_t count = std::fread(dstBuffer, 1, numBytes, file);
     mBytesRead += count;
     return std::ferror(file) != 0 ? -1 : static_cast<std::int32_t>(count);
@@ -120,13 +145,13 @@ std::int32_t StdioFileCallback::readFile(void* dstBuffer, std::uint32_t numBytes
 std::int32_t StdioFileCallback::writeFile(const void* srcBuffer, std::uint32_t numBytes,
                                           Handle handle) {
     std::FILE* const file = find(handle);
-    if (file == nullptr)
+    if (file == nullptr || numBytes > std::uint32_t{std::numeric_limits<std::int32_t>::max()})
         return -1;
+    turn(mFiles[handle], true);
     errno = 0;
     const std::size_t count = std::fwrite(srcBuffer, 1, numBytes, file);
-    if (count < numBytes && errno == ENOSPC)
-        return FILE_DISK_FULL;
-    return static_cast<std::int32_t>(count);
+    return count < numBytes && isOutOfSpace(errno) ? std::int32_t{FILE_DISK_FULL}
+                                                   : static_cast<std::int32_t>(count);
 }
 
 std::int64_t StdioFileCallback::getFilePosition(Handle handle) {

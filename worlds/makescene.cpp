@@ -1,9 +1,10 @@
 // Writes the sample scenes.
+#include "tools/output/outputfile.h"
+#include "tools/output/toolmain.h"
 #include "worlds/scenes.h"
 
-#include <CLI/CLI.hpp>
-#include <fstream>
 #include <iostream>
+#include <stdexcept>
 
 namespace {
 
@@ -22,7 +23,6 @@ ZUNO::Worlds::SceneModel makeScene(const std::string& kind, int size, unsigned i
 
 int main(int argc, char** argv) {
     CLI::App app{"Writes a sample scene as Wavefront OBJ."};
-    app.allow_windows_style_options(false); // a path may begin with a slash
     std::string kind;
     std::string file;
     int size = 200;
@@ -31,18 +31,21 @@ int main(int argc, char** argv) {
         ->required()
         ->check(CLI::IsMember({"courtyard", "bridge", "spiral", "maze", "town"}));
     app.add_option("file", file, "the file to write")->required();
-    app.add_option("--size", size, "cells along a side of the maze, or plots of the town")
-        ->check(CLI::Range(2, 1000))
-        ->capture_default_str();
-    app.add_option("--seed", seed, "which maze or town");
-    CLI11_PARSE(app, argc, argv);
-    const ZUNO::Worlds::SceneModel scene = makeScene(kind, size, seed);
-    std::ofstream out(file, std::ios::binary);
-    out << scene.toObj("a " + kind + "; written by makescene");
-    out.close();
-    if (!out) {
-        std::cerr << "makescene: " << file << ": cannot be written\n";
-        return 2;
-    }
-    std::cout << file << ": " << scene.mFaces.size() << " faces\n";
+    const CLI::Option* const sizeOption =
+        app.add_option("--size", size, "cells along a side of the maze, or plots of the town")
+            ->check(CLI::Range(2, 1000))
+            ->capture_default_str();
+    const CLI::Option* const seedOption = app.add_option("--seed", seed, "which maze or town");
+    return ZUNO::Tools::runTool("makescene", [&] {
+        if (const auto end = ZUNO::Tools::parseWords(app, argc, argv); end.has_value())
+            return *end;
+        const bool hasChoice = kind == "maze" || kind == "town";
+        if (!hasChoice && sizeOption->count() + seedOption->count() != 0)
+            throw std::runtime_error("--size and --seed are for mazes and towns; a " + kind +
+                                     " has neither");
+        const ZUNO::Worlds::SceneModel scene = makeScene(kind, size, seed);
+        ZUNO::Tools::saveFile(file, scene.toObj("a " + kind + "; written by makescene"));
+        std::cout << file << ": " << scene.mFaces.size() << " faces\n";
+        return 0;
+    });
 }

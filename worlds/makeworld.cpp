@@ -1,13 +1,13 @@
 // Writes the sample meshes.
+#include "tools/output/outputfile.h"
+#include "tools/output/toolmain.h"
 #include "worlds/meshmodel.h"
 
-#include <CLI/CLI.hpp>
-#include <fstream>
 #include <iostream>
+#include <stdexcept>
 
 int main(int argc, char** argv) {
     CLI::App app{"Writes a sample navigation mesh in its XML form."};
-    app.allow_windows_style_options(false); // a path may begin with a slash
     std::string kind;
     std::string file;
     unsigned int nodes = 1000;
@@ -16,20 +16,23 @@ int main(int argc, char** argv) {
         ->required()
         ->check(CLI::IsMember({"harbour", "floor"}));
     app.add_option("file", file, "the file to write")->required();
-    app.add_option("--nodes", nodes, "nodes of a floor")->check(CLI::Range(1U, 1000000U));
-    app.add_option("--seed", seed, "where a floor's holes are");
-    CLI11_PARSE(app, argc, argv);
-    const bool isHarbour = kind == "harbour";
-    const ZUNO::Worlds::MeshModel mesh =
-        isHarbour ? ZUNO::Worlds::makeHarbour() : ZUNO::Worlds::makeFloor(nodes, seed);
-    std::ofstream out(file, std::ios::binary);
-    out << mesh.toXML(isHarbour ? "a harbour of two storeys; written by makeworld"
-                                : "a floor with holes; written by makeworld");
-    out.close();
-    if (!out) {
-        std::cerr << "makeworld: " << file << ": cannot be written\n";
-        return 2;
-    }
-    std::cout << file << ": " << mesh.mNodes.size() << " nodes, " << mesh.mVertices.size()
-              << " vertices\n";
+    const CLI::Option* const nodesOption =
+        app.add_option("--nodes", nodes, "nodes of a floor")->check(CLI::Range(1U, 1000000U));
+    const CLI::Option* const seedOption =
+        app.add_option("--seed", seed, "where a floor's holes are");
+    return ZUNO::Tools::runTool("makeworld", [&] {
+        if (const auto end = ZUNO::Tools::parseWords(app, argc, argv); end.has_value())
+            return *end;
+        const bool isHarbour = kind == "harbour";
+        if (isHarbour && nodesOption->count() + seedOption->count() != 0)
+            throw std::runtime_error("--nodes and --seed are for floors; a harbour has neither");
+        const ZUNO::Worlds::MeshModel mesh =
+            isHarbour ? ZUNO::Worlds::makeHarbour() : ZUNO::Worlds::makeFloor(nodes, seed);
+        ZUNO::Tools::saveFile(
+            file, mesh.toXML(isHarbour ? "a harbour of two storeys; written by makeworld"
+                                       : "a floor with holes; written by makeworld"));
+        std::cout << file << ": " << mesh.mNodes.size() << " nodes, " << mesh.mVertices.size()
+                  << " vertices\n";
+        return 0;
+    });
 }

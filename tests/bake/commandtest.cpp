@@ -50,6 +50,7 @@ TEST_F(BakeCommandTest, ReadsWhatObjFilesHold) {
         {"materials", square + "usemtl a\nf 1 2 3\nusemtl b\nf 3 4 1", "", 2, eroded},
         {"no materials", square + "usemtl a\nf 1 2 3\nusemtl b\nf 3 4 1", "--no-materials", 0,
          eroded},
+        {"a byte order mark", "\xEF\xBB\xBF" + square + "f 1 2 3 4", "", 0, eroded},
         {"faces from below", square + "f 4 3 2 1", "--both-sides", 0, eroded},
         {"z up", uprightSquare + "f 1 2 3 4", "--up z", 0, eroded},
         {"a group left out", square + "g roof\nf 1 2 3\ng floor\nf 1 2 3 4", "--without roof", 0,
@@ -107,6 +108,9 @@ TEST_F(BakeCommandTest, SaysInOneLineWhatIsWrongWithAScene) {
         {square + "usemtl a<b\nf 1 2 3 4", "-o x.xml",
          "the name 'a<b' can't stand in an XML file: "},
         {square + "f 1 2 3 4", "--agent a:b", "zunobake: --agent: expected NAME:HEIGHT"},
+        {square + "g roof\nf 1 2 3 4", "--without rof", "--without rof: no group or object has"},
+        {"v 0 0 " + std::string(200, 'x'), "", "xxx...' is no finite number"},
+        {square + "f 1 2 3 4", "-o y.xml --picture ./y.xml", "./y.xml: would be written twice"},
     };
     for (const auto& each : cases) {
         const Outcome outcome = bake(each.mScene, each.mOptions);
@@ -114,6 +118,14 @@ TEST_F(BakeCommandTest, SaysInOneLineWhatIsWrongWithAScene) {
         EXPECT_EQ(std::ranges::count(outcome.mOutput, '\n'), 1) << outcome.mOutput;
         EXPECT_NE(outcome.mOutput.find(each.mMessage), std::string::npos) << outcome.mOutput;
     }
+}
+
+TEST_F(BakeCommandTest, OutputThatIsLostFails) {
+    const Outcome lost =
+        runCommand("sh -c '" + std::string(ZUNO_TOOL_FOLDER) + "/zunobake " +
+                   write("scene.obj", square + "f 1 2 3 4") + " -o " + mMesh + " >/dev/full'");
+    EXPECT_EQ(lost.mStatus, 2);
+    EXPECT_EQ(lost.mOutput, "zunobake: standard output cannot be written\n");
 }
 
 TEST(LevelsTest, CutsWhereTheFewestPlacesArePartedAndNeverTooLate) {

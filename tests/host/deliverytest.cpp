@@ -88,6 +88,28 @@ TEST(Delivery, CommitsTheHarbourThatItsGeneratorMakes) {
     EXPECT_TRUE(contentOf(made) == contentOf(sources + "/worlds/harbour.xml"));
 }
 
+TEST(Delivery, MakesSamplesWithTheOptionsThatTheyHave) {
+    const TempFolder temporary;
+    const std::string file = ' ' + temporary.path().string() + "/x ";
+    const struct {
+        std::string mCommand;
+        int mStatus;
+        const char* mOutput;
+    } cases[] = {
+        {"makeworld floor" + file + "--nodes 9 --seed 2", 0, "x: 9 nodes"},
+        {"makeworld harbour" + file + "--nodes 9", 2, "are for floors; a harbour has neither"},
+        {"makeworld harbour", 2, "file is required"},
+        {"makescene maze" + file + "--size 4 --seed 3", 0, "faces"},
+        {"makescene bridge" + file + "--seed 3", 2, "for mazes and towns; a bridge has"},
+        {"makescene tower" + file, 2, "tower not in"},
+    };
+    for (const auto& row : cases) {
+        const Outcome run = runCommand(tools + '/' + row.mCommand);
+        EXPECT_EQ(run.mStatus, row.mStatus) << row.mCommand;
+        EXPECT_NE(run.mOutput.find(row.mOutput), std::string::npos) << run.mOutput;
+    }
+}
+
 TEST(Delivery, DemonstratesWithoutLeaks) {
     const TempFolder temporary;
     const std::string picture = temporary.path().string() + "/demo.svg";
@@ -120,6 +142,10 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
     std::string neighbours = contentOf(mesh);
     neighbours.insert(neighbours.find("</neighbour>"), "<node_id>5</node_id>");
     std::ofstream(crowded) << neighbours;
+    const std::string marked = folder + "/marked";
+    std::ofstream(marked) << "\xEF\xBB\xBF"
+                             "bounds\n";
+    const std::string copy = folder + "/copy.XML";
     struct Case {
         std::string mArguments;
         int mStatus;
@@ -162,7 +188,7 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
         {"convert " + crowded + " " + folder + "/c.bin", 0,
          "/c.bin: node 0 has more neighbours than corners"},
         {"convert " + mesh + " /tmp/x.txt", 2, "expected a name that ends in .xml or .bin"},
-        {"convert " + mesh + " /nowhere/x.bin", 2, "/nowhere/x.bin: CallbackFileStream: File or"},
+        {"convert " + mesh + " /nowhere/x.bin", 2, "/nowhere/x.bin: cannot be written: no such"},
         {"check " + mesh, 0, "873 nodes, 0 defects, 0 oddities"},
         {"check " + binary, 0, "0 defects"},
         {"check " + defective, 1, ": defect: vertex 1 is not finite\n"},
@@ -174,6 +200,15 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
         {"info " + broken, 2, "are not equal (Line: 3, Row: "},
         {"info", 2, "mesh is required"},
         {"run " + mesh + " /nowhere/script", 2, "/nowhere/script: cannot be opened"},
+        {"run " + mesh + ' ' + folder, 2, folder + ": cannot be opened; expected a script"},
+        {"run " + mesh + ' ' + marked, 0, "0 0 to 105 80\n"},
+        {"inof " + mesh, 2, "zunopath: there is no command 'inof'; did you mean 'info'?\n"},
+        {"path " + mesh + " --to 1,1,1 --from " + std::string(5000, '7'), 2,
+         "instead of '" + std::string(60, '7') + "...'\n"},
+        {"convert " + mesh + ' ' + copy, 0, "copy.XML: 873 nodes"},
+        {"convert " + copy + ' ' + copy, 0, "copy.XML: 873 nodes"},
+        {"draw " + copy + ' ' + copy, 2, "copy.XML: would be written over what is read\n"},
+        {"draw " + copy + ' ' + folder + "/./copy.XML", 2, "would be written over what is read\n"},
     };
     for (const Case& row : cases) {
         const Outcome run = runCommand(tools + "/zunopath " + row.mArguments);

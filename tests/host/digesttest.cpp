@@ -1,7 +1,7 @@
 // Floating point is a promise: every system gives the same bits.
+#include "tests/support/digest.h"
 #include "tests/host/hosttest.h"
 
-#include <bit>
 #include <charconv>
 #include <cstdlib>
 #include <fstream>
@@ -13,18 +13,18 @@ namespace ZUNO::Tests {
 
 namespace {
 
-/// Answers of one kind: their FNV-1a over 32-bit words, and their texts in a log of all queries.
+/// Answers of one kind: their digest, and their texts in a log of all queries.
 /// The shortest text of a float tells its bits.
 class Answers {
 public:
     Answers(const char* name, std::string& log) : mName(name), mLog(log) {}
 
     void add(std::uint32_t number) {
-        mHash = (mHash ^ number) * 0x100000001B3U;
+        mDigest.add(number);
         write(number);
     }
     void add(float number) {
-        mHash = (mHash ^ std::bit_cast<std::uint32_t>(number)) * 0x100000001B3U;
+        mDigest.add(number);
         write(number);
     }
     void add(const Vec3<float>& point) {
@@ -34,7 +34,7 @@ public:
     }
     std::string line(unsigned int count) const {
         std::ostringstream text;
-        text << mName << ' ' << count << ' ' << std::hex << mHash << '\n';
+        text << mName << ' ' << count << ' ' << std::hex << mDigest.value() << '\n';
         return text.str();
     }
 
@@ -47,7 +47,7 @@ private:
 
     const char* mName;
     std::string& mLog;
-    std::uint64_t mHash = 0xCBF29CE484222325U;
+    Digest mDigest;
 };
 
 /// Random numbers that are the same everywhere, unlike the standard distributions'.

@@ -30,7 +30,7 @@ protected:
     }
     ~HostTest() override {
         Interface::close();
-        EXPECT_TRUE(mMemory->mBlocks.empty()) << mMemory->mBlocks.size() << " blocks left behind";
+        EXPECT_EQ(mMemory->outstanding(), 0U) << "blocks left behind";
         EXPECT_EQ(mMemory->mWrongFrees, 0U);
         EXPECT_EQ(mFiles->openCount(), 0U);
         mMemoryCallback = nullptr;

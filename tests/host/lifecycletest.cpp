@@ -32,7 +32,7 @@ TEST_F(HostTest, LeavesNothingBehindAfterNormalUseAndASecondStart) {
         Vec3<float> waypoint;
         EXPECT_TRUE(Interface::getNextWaypoint(search, waypoint));
         Interface::close();
-        EXPECT_TRUE(mMemory->mBlocks.empty());
+        EXPECT_EQ(mMemory->outstanding(), 0U);
     }
     Stderr reports;
     Interface::close();
@@ -107,7 +107,7 @@ TEST_F(HostTest, RefusesFilesThatHoldNoMesh) {
                 << text;
         }
         Interface::close();
-        EXPECT_TRUE(mMemory->mBlocks.empty());
+        EXPECT_EQ(mMemory->outstanding(), 0U);
     }
 }
 
@@ -151,7 +151,7 @@ TEST_F(HostTest, SurvivesAMeshFileCutAtEveryLength) {
         EXPECT_EQ(isLoaded, isComplete) << length << ": " << raised;
         Interface::close();
         reports.text();
-        ASSERT_TRUE(mMemory->mBlocks.empty()) << length;
+        ASSERT_EQ(mMemory->outstanding(), 0U) << length;
     }
 }
 

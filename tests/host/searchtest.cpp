@@ -179,8 +179,9 @@ TEST_F(SearchTest, TakesAllMemoryFromTheHostInProportionToWhatIsVisited) {
         EXPECT_GT(opened, 100);
         while (opened != 0)
             Interface::closePathSearch(--opened);
-        // the host of this test asks the heap once for each request, to count it
-        EXPECT_EQ(heapRequests() - heapBefore, mMemory->mRequests - before);
+        // the host of this test asks the heap once for each request, to count it, and now and then
+        // for a larger table of them
+        EXPECT_LT(heapRequests() - heapBefore, mMemory->mRequests - before + 10);
         return mMemory->mRequests - before;
     };
     EXPECT_LT(runMany(50), 200U * 12);

@@ -6,6 +6,7 @@
 #include "common/callback/callbackallocator.h"
 #include "tests/support/navmeshlibrary.h"
 
+#include <algorithm>
 #include <bit>
 #include <memory>
 #include <random>

@@ -22,7 +22,7 @@ protected:
         EXPECT_EQ(Reports::take(), Texts{}) << "reports that no test asked for";
         Common::closeLibrary();
         EXPECT_EQ(Reports::take(), Texts{});
-        EXPECT_TRUE(mMemory->mBlocks.empty());
+        EXPECT_EQ(mMemory->outstanding(), 0U);
         mCallback = nullptr;
     }
 

@@ -4,15 +4,14 @@
 #include "hostkit/meshloading.h"
 #include "hostkit/session.h"
 #include "tools/demo/crowd.h"
+#include "tools/output/outputfile.h"
+#include "tools/output/toolmain.h"
 #include "tools/picture/loadedmesh.h"
 #include "tools/picture/meshpicture.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <fstream>
-#include <iostream>
 
 namespace {
 
@@ -122,10 +121,7 @@ void printTable(const Tools::Crowd& crowd, const HostKit::SchedulerFigures& figu
 }
 
 void save(const Tools::MeshPicture& picture, const std::string& file, const char* name) {
-    std::ofstream out(file, std::ios::binary);
-    picture.write(out);
-    if (!out.flush())
-        throw std::runtime_error(file + ": cannot be written");
+    Tools::saveFile(file, picture.text());
     std::printf("%-21s  %s\n", name, file.c_str());
 }
 
@@ -159,6 +155,8 @@ void draw(const Tools::Crowd& crowd, const Run& run, const Options& options) {
 }
 
 int run(const Options& options) {
+    Tools::requireApart({options.mMesh},
+                        {options.mPicture, options.mAnimation, options.mRecording});
     HostKit::Session session(options.mMesh,
                              HostKit::SessionSettings{.mRecording = options.mRecording});
     {
@@ -189,7 +187,6 @@ int run(const Options& options) {
 int main(int argc, char** argv) {
     Options options;
     CLI::App app{"Lets many characters of a host walk, and search their paths frame by frame."};
-    app.allow_windows_style_options(false); // a path may begin with a slash
     app.add_option("mesh", options.mMesh, "the mesh file")->required();
     app.add_option("--picture", options.mPicture, "an SVG file for some of the paths");
     app.add_option("--animation", options.mAnimation, "an SVG file that shows them walking");
@@ -205,11 +202,8 @@ int main(int argc, char** argv) {
         ->check(CLI::PositiveNumber);
     app.add_option("--seed", options.mCrowd.mSeed, "chooses the starts and goals")
         ->capture_default_str();
-    CLI11_PARSE(app, argc, argv);
-    try {
-        return run(options);
-    } catch (const std::exception& error) {
-        std::cerr << "zunodemo: " << error.what() << '\n';
-        return 2;
-    }
+    return ZUNO::Tools::runTool("zunodemo", [&] {
+        const std::optional<int> end = ZUNO::Tools::parseWords(app, argc, argv);
+        return end.has_value() ? *end : run(options);
+    });
 }

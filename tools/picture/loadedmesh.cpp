@@ -1,18 +1,25 @@
 #include "tools/picture/loadedmesh.h"
 
+#include "common/callback/openstream.h"
 #include "common/memory/objectcreation.h"
+#include "common/parser/xml/xmltreebuilder.h"
+#include "common/parser/xml/xmlwriter.h"
 #include "hostkit/exceptiontext.h"
 #include "hostkit/heapmemorycallback.h"
+#include "hostkit/memoryfilecallback.h"
 #include "hostkit/meshfile.h"
 #include "hostkit/stdiofilecallback.h"
 #include "navmesh/interface.h"
 #include "navmesh/meshdefects.h"
 #include "navmesh/meshforms.h"
 #include "navmesh/navmeshfiles.h"
+#include "tools/output/outputfile.h"
 
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <utility>
 
 namespace ZUNO::Tools {
 
@@ -92,10 +99,7 @@ void LoadedMesh::save(const std::string& fileName) const {
     const MeshForm form = formOf(fileName);
     const ReportKeeper keeper;
     try {
-        if (form == MeshForm::BINARY)
-            NavMesh::saveNavMeshBinary(fileName.c_str(), mMesh);
-        else
-            NavMesh::saveNavMeshXML(fileName.c_str(), mMesh);
+        saveFile(fileName, contentIn(form));
     } catch (Exceptions::Exception* exception) {
         throw std::runtime_error(fileName + ": " + HostKit::takeMessage(exception));
     }
@@ -105,10 +109,32 @@ std::string LoadedMesh::toXML() const {
     return HostKit::textOf(*mMesh);
 }
 
+std::string LoadedMesh::contentIn(MeshForm form) const {
+    auto* const memory = new HostKit::MemoryFileCallback;
+    const SharedPtr<Callback::FileIOCallback> files(memory);
+    const SharedPtr<IO::Stream> stream =
+        Callback::openStream(NavMesh::getAllocator(), files, "mesh", IO::FACCESS_WRITE);
+    if (form == MeshForm::BINARY) {
+        mMesh->writeBinary(stream, 1);
+    } else {
+        Parser::XML::XMLTreeBuilder builder;
+        builder.begin("ZUNO", true);
+        mMesh->writeXML(builder);
+        Parser::XML::XMLWriter writer;
+        writer.writeHeader(*stream);
+        writer.write(*stream, builder.getRoot());
+    }
+    stream->close();
+    return std::move(memory->mFiles["mesh"]);
+}
+
 MeshForm formOf(const std::string& fileName) {
-    if (fileName.ends_with(".xml"))
+    std::string suffix = std::filesystem::path(fileName).extension().string();
+    for (char& c : suffix)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+    if (suffix == ".xml")
         return MeshForm::XML;
-    if (fileName.ends_with(".bin"))
+    if (suffix == ".bin")
         return MeshForm::BINARY;
     throw std::runtime_error(fileName + ": expected a name that ends in .xml or .bin");
 }

@@ -7,6 +7,11 @@
 
 namespace ZUNO::Tools {
 
+/// The form that a file name's suffix names, in small or capital letters. Throws a
+/// std::runtime_error for another.
+enum class MeshForm { XML, BINARY };
+MeshForm formOf(const std::string& fileName);
+
 /// A tool's own copy of a mesh, for what the exports don't tell: pictures, figures, conversion.
 /// Lifetime: it starts the foundation and the mesh library, and closes them at its end. They are
 /// the tool's own copies, beside those inside the runtime.
@@ -32,14 +37,15 @@ public:
 
     bool isBinary() const { return mIsBinary; }
 
-    /// Saves the mesh in the form that the suffix names: ".xml" or ".bin". Throws a
-    /// std::runtime_error.
+    /// Saves the mesh in the form that the suffix names: ".xml" or ".bin". The file is replaced
+    /// when the new one is whole. Throws a std::runtime_error.
     void save(const std::string& fileName) const;
 
     /// Returns the text of what a world reads of it, with every bit of its numbers.
     std::string toXML() const;
 
 private:
+    std::string contentIn(MeshForm form) const;
     static void startLibrary();
     void load(const std::string& fileName, Defects defects);
     void close();
@@ -48,9 +54,5 @@ private:
     Common::SharedPtr<NavMesh::NavMeshContainer> mMesh;
     bool mIsBinary = false;
 };
-
-enum class MeshForm { XML, BINARY };
-/// Returns the form that a file name's suffix names. Throws a std::runtime_error for another.
-MeshForm formOf(const std::string& fileName);
 
 } // namespace ZUNO::Tools

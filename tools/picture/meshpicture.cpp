@@ -2,12 +2,14 @@
 
 #include "navmesh/planegrid.h"
 #include "tools/picture/meshfigures.h"
+#include "tools/picture/xmltext.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <iomanip>
 #include <numeric>
+#include <sstream>
 
 namespace ZUNO::Tools {
 
@@ -37,19 +39,6 @@ std::string hex(const Colour& from, const Colour& to, float share) {
         text += digits[value % 16];
     }
     return text;
-}
-
-std::string escaped(const std::string& text) {
-    std::string safe;
-    for (const char c : text) {
-        if (c == '<')
-            safe += "&lt;";
-        else if (c == '&')
-            safe += "&amp;";
-        else
-            safe += c;
-    }
-    return safe;
 }
 
 } // namespace
@@ -214,7 +203,7 @@ void MeshPicture::writeLegend(std::ostream& out) const {
     float y = header + 14;
     const auto entry = [&](const std::string& sign, const std::string& text) {
         out << "<g transform=\"translate(" << x << ' ' << y << ")\">" << sign
-            << "<text x=\"44\" y=\"5\">" << escaped(text) << "</text></g>\n";
+            << "<text x=\"44\" y=\"5\">" << xmlTextOf(text) << "</text></g>\n";
         y += 28;
     };
     const auto box = [](const std::string& fill) {
@@ -246,7 +235,8 @@ void MeshPicture::writeLegend(std::ostream& out) const {
         entry("<path class=\"lost\" d=\"M0 0h32\"/>", "no path");
 }
 
-void MeshPicture::write(std::ostream& out) const {
+std::string MeshPicture::text() const {
+    std::ostringstream out;
     const float width = mWidth + 2 * margin + legendWidth;
     const float height = std::max(mHeight + header + margin, 400.0F);
     out.imbue(std::locale::classic());
@@ -264,13 +254,14 @@ void MeshPicture::write(std::ostream& out) const {
            "<rect width=\"8\" height=\"8\" fill=\"#c9dde8\"/>"
            "<path d=\"M0 8L8 0\" stroke=\"#9dbccb\" stroke-width=\"1\"/></pattern></defs>\n"
         << "<rect width=\"100%\" height=\"100%\" fill=\"#f7f9fa\"/>\n<text x=\"" << margin
-        << "\" y=\"34\" font-size=\"20\" fill=\"#222\">" << escaped(mTitle) << "</text>\n";
+        << "\" y=\"34\" font-size=\"20\" fill=\"#222\">" << xmlTextOf(mTitle) << "</text>\n";
     writeBlocked(out);
     writeNodes(out);
     writePaths(out);
     writeWalks(out);
     writeLegend(out);
     out << "</svg>\n";
+    return out.str();
 }
 
 } // namespace ZUNO::Tools

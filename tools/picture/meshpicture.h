@@ -40,7 +40,8 @@ public:
         mWalkSeconds = seconds;
     }
 
-    void write(std::ostream& out) const;
+    /// Returns the picture as an SVG document.
+    std::string text() const;
 
 private:
     using Point = Common::Math::Vec2<float>;

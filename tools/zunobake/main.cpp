@@ -1,6 +1,9 @@
 // Makes a navigation mesh of a scene.
 #include "hostkit/session.h"
 #include "navmesh/meshdefects.h"
+#include "tools/output/outputfile.h"
+#include "tools/output/toolmain.h"
+#include "tools/output/wording.h"
 #include "tools/picture/loadedmesh.h"
 #include "tools/picture/meshfigures.h"
 #include "tools/picture/meshpicture.h"
@@ -11,7 +14,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <fstream>
 #include <iostream>
 
 namespace ZUNO::Tools {
@@ -46,7 +48,7 @@ Agent parseAgent(const std::string& text) {
     if (!isRight || agent.mHeight <= 0)
         throw std::runtime_error("--agent: expected NAME:HEIGHT, NAME:HEIGHT:JUMP or "
                                  "NAME:HEIGHT:JUMP:FALL instead of '" +
-                                 text + "'");
+                                 shown(text) + "'");
     return agent;
 }
 
@@ -158,13 +160,6 @@ private:
     std::size_t mOddities = 0;
 };
 
-void draw(const LoadedMesh& mesh, const std::string& title, const std::string& fileName) {
-    std::ofstream out(fileName, std::ios::binary);
-    MeshPicture(*mesh, title).write(out);
-    if (!out.flush())
-        throw std::runtime_error(fileName + ": cannot be written");
-}
-
 /// The XML form writes names as they are: an opening bracket would make a file that can't be read.
 void requireWritableNames(const Options& options, const Scene& scene) {
     if (formOf(options.mOutput) != MeshForm::XML)
@@ -178,14 +173,24 @@ void requireWritableNames(const Options& options, const Scene& scene) {
                                      "choose an output that ends in .bin");
 }
 
+/// What `--without` names must be there, or it was misspelt.
+void requireGroups(const Options& options, const Scene& scene) {
+    for (const std::string& name : options.mScene.mWithout)
+        if (!scene.mGroupsLeftOut.contains(name))
+            throw std::runtime_error("--without " + shown(name) +
+                                     ": no group or object has this name");
+}
+
 void bake(const Options& options) {
     formOf(options.mOutput); // before anything takes its time
+    requireApart(options.mScenes, {options.mOutput, options.mPicture});
     Progress progress(!options.mIsQuiet);
     const auto showProgress = [&](std::size_t done, std::size_t all) { progress.show(done, all); };
     Scene scene;
     progress.begin("reading");
     for (const std::string& file : options.mScenes)
         readObj(file, options.mScene, scene, showProgress);
+    requireGroups(options, scene);
     requireWritableNames(options, scene);
     progress.begin("baking");
     const TileBaker baker(scene, options.mBake);
@@ -205,7 +210,7 @@ void bake(const Options& options) {
     const Summary summary(written);
     if (!options.mPicture.empty()) {
         progress.begin("drawing");
-        draw(written, options.mOutput, options.mPicture);
+        saveFile(options.mPicture, MeshPicture(*written, options.mOutput).text());
     }
     progress.end();
     if (options.mIsQuiet)
@@ -223,15 +228,11 @@ void bake(const Options& options) {
 int run(int argc, char** argv) {
     Options options;
     CLI::App app{"Makes a navigation mesh of a scene."};
-    app.allow_windows_style_options(false); // a path may begin with a slash
     app.footer("Lengths are in units of the scene, regions in cells.\n"
                "Exit status: 0 success, 2 error.");
     addOptions(app, options);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : 2;
-    }
+    if (const std::optional<int> end = parseWords(app, argc, argv); end.has_value())
+        return *end;
     if (options.mBake.mAgents.empty())
         options.mBake.mAgents.push_back({"agent"});
     std::ranges::stable_sort(options.mBake.mAgents, {}, &Agent::mHeight);
@@ -243,12 +244,5 @@ int run(int argc, char** argv) {
 } // namespace ZUNO::Tools
 
 int main(int argc, char** argv) {
-    try {
-        return ZUNO::Tools::run(argc, argv);
-    } catch (const std::bad_alloc&) {
-        std::cerr << "zunobake: out of memory\n";
-    } catch (const std::exception& error) {
-        std::cerr << "zunobake: " << error.what() << '\n';
-    }
-    return 2;
+    return ZUNO::Tools::runTool("zunobake", [&] { return ZUNO::Tools::run(argc, argv); });
 }

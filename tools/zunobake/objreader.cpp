@@ -1,5 +1,7 @@
 #include "tools/zunobake/scene.h"
 
+#include "tools/output/wording.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -52,6 +54,9 @@ private:
         if (!std::getline(mFile, line))
             return false;
         ++mLine;
+        constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+        if (mLine == 1 && line.starts_with(byteOrderMark))
+            line.erase(0, byteOrderMark.size());
         for (std::string rest; chop(line), line.ends_with('\\') && std::getline(mFile, rest);) {
             line.back() = ' ';
             line += rest;
@@ -100,7 +105,7 @@ private:
                 std::from_chars(word.data(), word.data() + word.size(), coordinate);
             if (error != std::errc() || end != word.data() + word.size() ||
                 !std::isfinite(coordinate))
-                fail("coordinate '" + std::string(word) + "' is no finite number");
+                fail("coordinate '" + shown(word) + "' is no finite number");
         }
         if (mOptions.mUp == UpAxis::Z) {
             std::swap(position[1], position[2]);
@@ -121,7 +126,10 @@ private:
     void readGroups() {
         mIsLeftOut = false;
         for (std::string_view name = nextWord(); !name.empty(); name = nextWord())
-            mIsLeftOut |= std::ranges::find(mOptions.mWithout, name) != mOptions.mWithout.end();
+            if (std::ranges::find(mOptions.mWithout, name) != mOptions.mWithout.end()) {
+                mIsLeftOut = true;
+                mScene.mGroupsLeftOut.emplace(name);
+            }
     }
 
     void readFace() {
@@ -174,7 +182,7 @@ private:
         std::int64_t number = 0;
         const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
         if (error != std::errc() || end != word.data() + word.size())
-            fail("corner '" + std::string(word) + "' is no vertex number");
+            fail("corner '" + shown(word) + "' is no vertex number");
         const std::int64_t index = number < 0 ? count + number : number - 1;
         if (index < 0 || index >= count)
             fail("corner " + std::to_string(number) + " is out of range: " + std::to_string(count) +

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -21,7 +22,8 @@ struct Scene {
     std::vector<int> mTriangles;          ///< three vertices each, counter-clockwise from outside
     std::vector<std::uint16_t> mSurfaces; ///< of each triangle, or noSurface
     std::vector<std::string> mSurfaceNames;
-    std::size_t mLeftOut = 0; ///< faces that were skipped as they were asked to be
+    std::size_t mLeftOut = 0;             ///< faces that were skipped as they were asked to be
+    std::set<std::string> mGroupsLeftOut; ///< names of groups and objects that were skipped
 };
 
 /// The axis of a file that points up.

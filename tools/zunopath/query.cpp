@@ -1,6 +1,7 @@
 #include "tools/zunopath/query.h"
 
 #include "pathfinder/interface.h"
+#include "tools/output/wording.h"
 
 #include <charconv>
 #include <limits>
@@ -179,7 +180,7 @@ std::vector<float> parsePoint(const std::string& text, std::size_t least, std::s
     if (!isWhole || numbers.size() < least || numbers.size() > most)
         throw std::invalid_argument(std::string("expected ") +
                                     (least == 3 ? "x,y,z" : (most == 3 ? "x,y or x,y,z" : "x,y")) +
-                                    " instead of '" + text + "'");
+                                    " instead of '" + shown(text) + "'");
     return numbers;
 }
 
@@ -206,8 +207,8 @@ Query parseQuery(const std::vector<std::string>& words) {
             const auto [end, error] =
                 std::from_chars(budget.data(), budget.data() + budget.size(), query.mBudget);
             if (error != std::errc() || end != budget.data() + budget.size() || query.mBudget == 0)
-                throw std::invalid_argument("expected a budget of 1 or more instead of '" + budget +
-                                            "'");
+                throw std::invalid_argument("expected a budget of 1 or more instead of '" +
+                                            shown(budget) + "'");
         }
     } else if (kind == "ray") {
         require(2, 2, "ray X,Y X,Y' or 'ray X,Y,Z X,Y,Z");
@@ -223,7 +224,9 @@ Query parseQuery(const std::vector<std::string>& words) {
         require(0, 0, "bounds");
     } else {
         throw std::invalid_argument("expected path, ray, blocked, height or bounds instead of '" +
-                                    kind + "'");
+                                    shown(kind) + "'" +
+                                    suggestion(kind, {"path", "nearest", "explain", "ray",
+                                                      "blocked", "height", "bounds", "straight"}));
     }
     return query;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/math/vec3.h"
+#include "tools/output/toolmain.h"
 #include "tools/picture/meshpicture.h"
 
 #include <nlohmann/json.hpp>
@@ -8,9 +9,6 @@
 #include <vector>
 
 namespace ZUNO::Tools {
-
-/// How a tool ends.
-enum ExitStatus : int { STATUS_OK = 0, STATUS_NOTHING = 1, STATUS_ERROR = 2 };
 
 /// A question to the world.
 struct Query {

@@ -1,5 +1,7 @@
 #include "tools/zunopath/surfacequery.h"
 
+#include "tools/output/wording.h"
+
 #include "hostkit/explain.h"
 #include "navmesh/navmeshcontainer.h"
 
@@ -26,7 +28,8 @@ float reachOf(const std::string& text) {
     float reach = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), reach);
     if (error != std::errc() || end != text.data() + text.size() || !(reach >= 0))
-        throw std::invalid_argument("expected a distance of 0 or more instead of '" + text + "'");
+        throw std::invalid_argument("expected a distance of 0 or more instead of '" + shown(text) +
+                                    "'");
     return reach;
 }
 

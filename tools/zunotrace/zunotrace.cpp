@@ -1,4 +1,5 @@
 // The trace viewer: shows what hosts send on the trace channel.
+#include "tools/output/toolmain.h"
 #include "tools/zunotrace/tracetext.h"
 #include "tools/zunotrace/weblog.h"
 
@@ -20,7 +21,8 @@ void interrupt(int) {
 
 void say(const std::string& line) {
     std::printf("%s\n", line.c_str());
-    std::fflush(stdout);
+    if (std::fflush(stdout) != 0)
+        throw std::runtime_error("standard output cannot be written");
 }
 
 struct Options {
@@ -64,7 +66,6 @@ void run(const Options& options) {
 
 int main(int argc, char** argv) {
     CLI::App app{"Receives and prints the trace messages of hosts until it is interrupted."};
-    app.allow_windows_style_options(false); // a path may begin with a slash
     Options options;
     app.add_option("--count", options.mCount, "end after so many messages");
     CLI::Option* const web =
@@ -73,14 +74,13 @@ int main(int argc, char** argv) {
     app.add_option("--port", options.mPort, "where browsers find the log; 0: any free port")
         ->needs(web)
         ->capture_default_str();
-    CLI11_PARSE(app, argc, argv);
-    std::signal(SIGINT, interrupt);
-    std::signal(SIGTERM, interrupt);
-    try {
+    return ZUNO::Tools::runTool("zunotrace", [&] {
+        if (const std::optional<int> end = ZUNO::Tools::parseWords(app, argc, argv);
+            end.has_value())
+            return *end;
+        std::signal(SIGINT, interrupt);
+        std::signal(SIGTERM, interrupt);
         run(options);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "zunotrace: %s\n", error.what());
-        return 2;
-    }
-    return 0;
+        return 0;
+    });
 }

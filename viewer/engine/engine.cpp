@@ -1,11 +1,11 @@
 // The runtime as a page sees it: one world, asked through the same functions as by any host.
 #include "common/memory/defaultallocator.h"
 #include "hostkit/heapmemorycallback.h"
+#include "hostkit/memoryfilecallback.h"
 #include "hostkit/session.h"
 #include "navmesh/planegrid.h"
 #include "pathfinder/interface.h"
 #include "pathfinder/navmeshinstance.h"
-#include "tools/picture/memoryfilecallback.h"
 #include "tools/picture/meshfigures.h"
 #include "viewer/engine/meshdescription.h"
 
@@ -62,7 +62,8 @@ void startWorld(const std::string& xml) {
     World& world = theWorld();
     world.mHeap = new HostKit::HeapMemoryCallback;
     world.mMemory = SharedPtr<Common::Callback::MemoryCallback>(world.mHeap);
-    const SharedPtr<Common::Callback::FileIOCallback> files(new Tools::MemoryFileCallback(xml));
+    const SharedPtr<Common::Callback::FileIOCallback> files(
+        new HostKit::MemoryFileCallback("mesh", xml));
     // before the library runs, texts need an allocator of their own
     const SharedPtr<Common::Memory::Allocator> heap(new Common::Memory::DefaultAllocator);
     const Common::String name("mesh", heap);

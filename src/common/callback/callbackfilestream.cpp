@@ -105,17 +105,19 @@ void CallbackFileStream::close() {
 void CallbackFileStream::open(const String& filename, int mode) {
     if (mFileIO == nullptr)
         throw new InvalidStateException("CallbackFileStream: There is no file callback.");
-    // the name may be this stream's own, which goes with the former file
+    // Closing clears mFilename, which the argument may refer to.
     const String name(filename); // NOLINT(performance-unnecessary-copy-initialization)
     close();
-    mFilename = name; // while nothing is open that a lack of memory would leak
+    // Copy the name before opening: if the copy throws, no handle leaks.
+    mFilename = name;
     const std::int32_t result = mFileIO->openFile(&mHandle, name, mode);
     if (result >= 0) {
         mMode = mode;
         return;
     }
     mFilename.clear();
-    mHandle = mFileIO->getInvalidHandle(); // whatever the host left in it
+    // The host may have filled in a handle nonetheless, even one that denotes another open file.
+    mHandle = mFileIO->getInvalidHandle();
     if (result == FILE_ACCESS_DENIED)
         throw new UnAuthorizedAccessException(
             "CallbackFileStream: Given path is a directory, or file is read-only, but an "

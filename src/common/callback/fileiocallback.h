@@ -30,15 +30,18 @@ public:
     virtual bool isValidHandle(FileHandle handle) = 0;
     /// A handle that denotes no file.
     virtual FileHandle getInvalidHandle() = 0;
-    /// Opens a file and fills in the handle; `mode` is an IO::FileAccess. 0 or more on success.
+    /// Opens a file and fills in the handle; `mode` is an IO::FileAccess. Returns 0 or more on
+    /// success, else a negative code, and then the handle is not looked at.
     virtual std::int32_t openFile(FileHandle* handle, const String& filename,
                                   std::int32_t mode) = 0;
+    /// Its result is the host's own affair: what was written must have arrived before.
     virtual void closeFile(FileHandle handle) = 0;
     /// In bytes.
     virtual std::int64_t getFileLength(FileHandle handle) = 0;
     /// Reads up to `numBytes` and returns how many it were; negative on an error.
     virtual std::int32_t readFile(void* dstBuffer, std::uint32_t numBytes, FileHandle handle) = 0;
-    /// Writes `numBytes` and returns how many it were, or a negative code.
+    /// Writes `numBytes` and returns how many it were, or a negative code. Bytes that it counts as
+    /// written must not be lost by a full disk later: nothing can be said of that any more.
     virtual std::int32_t writeFile(const void* srcBuffer, std::uint32_t numBytes,
                                    FileHandle handle) = 0;
     /// In bytes from the beginning.

@@ -78,12 +78,13 @@ FileStream::~FileStream() {
 }
 
 void FileStream::open(const String& filename, FileAccess fAccess, FileMode fMode) {
-    // the name may be this stream's own, which goes with the former file
+    // Closing clears mFilename, which the argument may refer to.
     const String name(filename); // NOLINT(performance-unnecessary-copy-initialization)
     close();
     const unsigned int accessFlags = flagsOf(fAccess);
     const unsigned int flags = accessFlags | flagsOf(fMode);
-    mFilename = name; // while nothing is open that a lack of memory would leak
+    // Copy the name before opening: if the copy throws, no descriptor leaks.
+    mFilename = name;
     int descriptor = -1;
     const FileError error = Platform::openFile(name.getConstCharPtr(), flags, descriptor);
     if (error != FileError::NONE) {

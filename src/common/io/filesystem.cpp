@@ -41,7 +41,12 @@ SharedPtr<Stream> FileSystem::createTempFile() {
     char name[18];
     if (!Platform::makeTemporaryFile(name, sizeof(name)))
         throw new IOException("FileSystem: Cannot create a temporary file");
-    mTemporaryNames.push_back(name);
+    try {
+        mTemporaryNames.push_back(name);
+    } catch (...) {
+        Platform::removeFile(name); // a file that nobody knows of would stay for ever
+        throw;
+    }
     return openFile(name, FACCESS_READWRITE, FMODE_CREATE);
 }
 
@@ -53,7 +58,7 @@ bool FileSystem::fileExists(const String& filename) {
     std::FILE* const file = std::fopen(filename.getConstCharPtr(), "r");
     if (file != nullptr)
         std::fclose(file);
-    return file != nullptr;
+    return file != nullptr && !Platform::isFolder(filename.getConstCharPtr());
 }
 
 void FileSystem::deleteFile(const String& filename) {

@@ -25,17 +25,11 @@ inline FileError fileErrorOf(int code) noexcept {
     case ENFILE:
         return FileError::TOO_MANY_OPEN;
     case ENOENT:
-    case ENOTDIR:
-    case ENAMETOOLONG:
-    case ELOOP:
+    case ENOTDIR: // a part of the path that should be a folder
         return FileError::NOT_FOUND;
     case ENOTEMPTY:
         return FileError::NOT_EMPTY;
     case ENOSPC:
-    case EFBIG:
-#ifdef EDQUOT
-    case EDQUOT:
-#endif
         return FileError::NO_SPACE;
     default:
         return FileError::OTHER;

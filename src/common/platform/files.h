@@ -31,18 +31,24 @@ enum OpenFlags : unsigned int {
 /// Opens a file in binary mode; other writers are kept out where the platform can do that. A new
 /// file may be read and written.
 FileError openFile(const char* name, unsigned int flags, int& descriptor) noexcept;
-void closeFile(int descriptor) noexcept;
+/// Returns false when the system says only now that something was not written.
+bool closeFile(int descriptor) noexcept;
 /// Bytes read; negative on an error.
 std::int64_t readFile(int descriptor, void* buffer, std::uint32_t size) noexcept;
-/// Bytes written; `error` says why they are fewer than asked.
+/// Bytes written; `error` says why they are fewer than asked. After a write that fell short there
+/// is no other: at a limit of the process's it would end the process.
 std::int64_t writeFile(int descriptor, const void* buffer, std::uint32_t size,
                        FileError& error) noexcept;
 /// `origin` is SEEK_SET, SEEK_CUR or SEEK_END. The new position; negative on an error.
 std::int64_t seekFile(int descriptor, std::int64_t offset, int origin) noexcept;
 std::int64_t getFileLength(int descriptor) noexcept;
-/// Has the data written to the device.
+/// Has the data written to the device; false for what can't be, such as a pipe.
 bool commitFile(int descriptor) noexcept;
+/// May be called by a handler of signals.
 bool removeFile(const char* name) noexcept;
+bool isFolder(const char* name) noexcept;
+/// Gives a file the permissions of another and, where this process may, its owner.
+void copyAccess(const char* from, const char* to) noexcept;
 
 /// Makes a new, empty file that no other user can have prepared or replace, and gives its name.
 bool makeTemporaryFile(char* name, std::size_t size) noexcept;

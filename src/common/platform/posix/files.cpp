@@ -3,12 +3,14 @@
 
 #include "common/platform/fileerrorcode.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <string_view>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace ZUNO::Common::Platform {
@@ -25,6 +27,12 @@ int openModeOf(unsigned int flags) noexcept {
     mode |= (flags & OPEN_TRUNCATE) != 0 ? O_TRUNC : 0;
     mode |= (flags & OPEN_EXCLUSIVE) != 0 ? O_EXCL : 0;
     return mode;
+}
+
+/// Whether the device behind a file has no room left.
+bool isDeviceFull(int descriptor) noexcept {
+    struct statvfs status {};
+    return fstatvfs(descriptor, &status) == 0 && status.f_bavail == 0;
 }
 
 bool copyTo(char* buffer, std::size_t size, std::string_view text) noexcept {
@@ -51,8 +59,8 @@ FileError openFile(const char* name, unsigned int flags, int& descriptor) noexce
     return FileError::NONE;
 }
 
-void closeFile(int descriptor) noexcept {
-    close(descriptor);
+bool closeFile(int descriptor) noexcept {
+    return close(descriptor) == 0;
 }
 
 std::int64_t readFile(int descriptor, void* buffer, std::uint32_t size) noexcept {
@@ -61,16 +69,19 @@ std::int64_t readFile(int descriptor, void* buffer, std::uint32_t size) noexcept
 
 std::int64_t writeFile(int descriptor, const void* buffer, std::uint32_t size,
                        FileError& error) noexcept {
-    const ssize_t written = write(descriptor, buffer, size);
-    error = written < 0 ? fileErrorOf(errno) : FileError::NONE;
-    // a device that fills up takes a part first; asking for the rest tells why
-    if (written >= 0 && static_cast<std::size_t>(written) < size) {
-        const char* const rest = static_cast<const char*>(buffer) + written;
-        error = write(descriptor, rest, size - static_cast<std::size_t>(written)) < 0
-                    ? fileErrorOf(errno)
-                    : FileError::OTHER;
+    constexpr std::uint32_t mostAtOnce = 1U << 30U; // below what systems take in one call
+    error = FileError::NONE;
+    std::uint32_t done = 0;
+    while (done < size && error == FileError::NONE) {
+        const std::uint32_t asked = std::min(size - done, mostAtOnce);
+        const ssize_t written = write(descriptor, static_cast<const char*>(buffer) + done, asked);
+        if (written < 0)
+            error = fileErrorOf(errno);
+        else if (static_cast<std::uint32_t>(written) < asked)
+            error = isDeviceFull(descriptor) ? FileError::NO_SPACE : FileError::OTHER;
+        done += static_cast<std::uint32_t>(std::max<ssize_t>(written, 0));
     }
-    return written < 0 ? 0 : written;
+    return done;
 }
 
 std::int64_t seekFile(int descriptor, std::int64_t offset, int origin) noexcept {
@@ -83,12 +94,26 @@ std::int64_t getFileLength(int descriptor) noexcept {
 }
 
 bool commitFile(int descriptor) noexcept {
-    // what can't be synchronised (a pipe, a terminal) has nothing to commit
-    return fsync(descriptor) == 0 || errno == EINVAL || errno == EROFS;
+    return fsync(descriptor) == 0;
 }
 
 bool removeFile(const char* name) noexcept {
     return unlink(name) == 0;
+}
+
+bool isFolder(const char* name) noexcept {
+    struct stat status {};
+    return stat(name, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+void copyAccess(const char* from, const char* to) noexcept {
+    struct stat status {};
+    if (stat(from, &status) != 0)
+        return;
+    // the owner first: a change of owner takes permissions away
+    if (chown(to, status.st_uid, status.st_gid) != 0)
+        errno = 0; // it stays with whoever runs this
+    chmod(to, status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO));
 }
 
 bool makeTemporaryFile(char* name, std::size_t size) noexcept {
@@ -172,7 +197,11 @@ FileError makeDirectory(const char* name) noexcept {
 FileError removeDirectory(const char* name) noexcept {
     if (rmdir(name) == 0)
         return FileError::NONE;
-    return errno == EEXIST ? FileError::NOT_EMPTY : fileErrorOf(errno);
+    const int code = errno;
+    struct stat status {};
+    if (code == ENOTDIR && lstat(name, &status) == 0) // it is there, and no folder itself
+        return FileError::OTHER;
+    return code == EEXIST ? FileError::NOT_EMPTY : fileErrorOf(code);
 }
 
 } // namespace ZUNO::Common::Platform

@@ -39,16 +39,13 @@ int sizeOf(std::size_t size) noexcept {
 FileError openFile(const char* name, unsigned int flags, int& descriptor) noexcept {
     int opened = -1;
     const int code = _sopen_s(&opened, name, openModeOf(flags), _SH_DENYWR, _S_IREAD | _S_IWRITE);
-    // the name's form is what can be invalid here: the flags are ours
-    if (code == EINVAL)
-        return FileError::NOT_FOUND;
     if (code == 0)
         descriptor = opened;
     return fileErrorOf(code);
 }
 
-void closeFile(int descriptor) noexcept {
-    _close(descriptor);
+bool closeFile(int descriptor) noexcept {
+    return _close(descriptor) == 0;
 }
 
 std::int64_t readFile(int descriptor, void* buffer, std::uint32_t size) noexcept {
@@ -57,13 +54,19 @@ std::int64_t readFile(int descriptor, void* buffer, std::uint32_t size) noexcept
 
 std::int64_t writeFile(int descriptor, const void* buffer, std::uint32_t size,
                        FileError& error) noexcept {
-    const int written = _write(descriptor, buffer, static_cast<unsigned int>(sizeOf(size)));
+    constexpr std::uint32_t mostAtOnce = 1U << 30U; // the runtime takes less than 2 GiB in one call
     error = FileError::NONE;
-    if (written < 0)
-        error = fileErrorOf(errno);
-    else if (static_cast<std::uint32_t>(written) < size) // the runtime says no more of a full disk
-        error = FileError::NO_SPACE;
-    return written < 0 ? 0 : written;
+    std::uint32_t done = 0;
+    while (done < size && error == FileError::NONE) {
+        const std::uint32_t asked = std::min(size - done, mostAtOnce);
+        const int written = _write(descriptor, static_cast<const char*>(buffer) + done, asked);
+        if (written < 0)
+            error = fileErrorOf(errno);
+        else if (static_cast<std::uint32_t>(written) < asked)
+            error = FileError::NO_SPACE; // the runtime says no more of a full disk
+        done += static_cast<std::uint32_t>(std::max(written, 0));
+    }
+    return done;
 }
 
 std::int64_t seekFile(int descriptor, std::int64_t offset, int origin) noexcept {
@@ -75,12 +78,20 @@ std::int64_t getFileLength(int descriptor) noexcept {
 }
 
 bool commitFile(int descriptor) noexcept {
-    // a file that was opened for reading has nothing to commit, and is refused
-    return _commit(descriptor) == 0 || GetLastError() == ERROR_ACCESS_DENIED;
+    return _commit(descriptor) == 0;
 }
 
 bool removeFile(const char* name) noexcept {
     return std::remove(name) == 0;
+}
+
+bool isFolder(const char* name) noexcept {
+    const DWORD attributes = GetFileAttributesA(name);
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+void copyAccess(const char*, const char*) noexcept {
+    // a new file has what its folder hands down
 }
 
 bool makeTemporaryFile(char* name, std::size_t size) noexcept {

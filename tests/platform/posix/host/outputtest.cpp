@@ -1,0 +1,166 @@
+// What is written arrives, or somebody learns that it did not.
+#include "hostkit/foundation.h"
+#include "hostkit/stdiofilecallback.h"
+#include "tests/platform/process.h"
+#include "tests/support/tempfolder.h"
+#include "tools/output/outputfile.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ZUNO::Tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string tools = ZUNO_TOOL_FOLDER;
+const std::string harbour = std::string(ZUNO_SOURCE_FOLDER) + "/worlds/harbour.xml";
+
+class OutputTest : public testing::Test {
+protected:
+    OutputTest() { put(mOld, "old"); }
+
+    static void put(const std::string& file, const std::string& content) {
+        std::ofstream(file, std::ios::binary) << content;
+    }
+    static std::string get(const std::string& file) {
+        std::ostringstream content;
+        content << std::ifstream(file, std::ios::binary).rdbuf();
+        return content.str();
+    }
+    std::string in(const std::string& name) const { return (mFolder.path() / name).string(); }
+    std::ptrdiff_t fileCount() const {
+        return std::distance(fs::directory_iterator(mFolder.path()), fs::directory_iterator());
+    }
+
+    TempFolder mFolder;
+    std::string mOld = in("old.xml");
+};
+
+TEST_F(OutputTest, TheHostKitsFilesAreNotBuffered) {
+    const HostKit::Foundation foundation;
+    HostKit::StdioFileCallback files;
+    HostKit::StdioFileCallback::Handle handle = 0;
+    ASSERT_EQ(files.openFile(&handle, "/dev/full", 3), 0);
+    EXPECT_EQ(files.writeFile("x", 1, handle), -5);
+    files.closeFile(handle);
+    ASSERT_EQ(files.openFile(&handle, mOld.c_str(), 2), 0);
+    char first = 0;
+    EXPECT_EQ(files.readFile(&first, 1, handle), 1);
+    EXPECT_EQ(files.writeFile("XY", 2, handle), 2) << "without positioning";
+    EXPECT_EQ(get(mOld), "oXY") << "it arrived before the file was closed";
+    EXPECT_EQ(files.writeFile("", 0x80000000U, handle), -1);
+    EXPECT_EQ(files.closeFailures(), 0U);
+    files.closeFile(handle);
+    const int descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    close(descriptor);
+    ASSERT_EQ(files.openFile(&handle, mOld.c_str(), 2), 0);
+    close(descriptor); // the one that the file has now: closing it fails
+    files.closeFile(handle);
+    EXPECT_EQ(files.closeFailures(), 1U);
+}
+
+TEST_F(OutputTest, FilesAreReplacedWholeThroughLinksWithTheirPermissions) {
+    chmod(mOld.c_str(), 0640);
+    fs::create_symlink("old.xml", in("link.xml"));
+    Tools::saveFile(in("link.xml"), "new");
+    EXPECT_EQ(get(mOld), "new");
+    EXPECT_TRUE(fs::is_symlink(in("link.xml")));
+    struct stat status {};
+    ASSERT_EQ(stat(mOld.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0640U);
+    fs::create_symlink("new.xml", in("dangling.xml"));
+    Tools::saveFile(in("dangling.xml"), "made");
+    EXPECT_EQ(get(in("new.xml")), "made");
+    {
+        Tools::OutputFile unfinished(mOld);
+        unfinished.write("half");
+        EXPECT_EQ(fileCount(), 5);
+    }
+    EXPECT_EQ(get(mOld), "new");
+    EXPECT_EQ(fileCount(), 4);
+}
+
+TEST_F(OutputTest, AnInterruptedSaveLeavesTheOldFileAlone) {
+    for (const int signal : {SIGINT, SIGTERM})
+        EXPECT_EXIT(
+            {
+                Tools::OutputFile file(mOld);
+                file.write("half");
+                std::raise(signal);
+            },
+            testing::KilledBySignal(signal), "");
+    EXPECT_EQ(get(mOld), "old");
+    EXPECT_EQ(fileCount(), 1);
+}
+
+TEST_F(OutputTest, OutputThatIsLostFails) {
+    fs::create_symlink("/dev/full", in("full.xml"));
+    fs::create_symlink("/dev/full", in("full.bin"));
+    put(in("script"), "bounds\n");
+    const std::string lost = "standard output cannot be written\n";
+    const std::string full = ": cannot be written: disk full\n";
+    const struct {
+        std::string mCommand;
+        std::string mMessage;
+    } cases[] = {
+        {"zunopath info " + harbour + " >/dev/full", "zunopath: " + lost},
+        {"zunopath path " + harbour + " --from 2,0,2 --to 50,5,25 >/dev/full", "zunopath: " + lost},
+        {"zunopath check " + harbour + " >/dev/full", "zunopath: " + lost},
+        {"zunopath run " + harbour + ' ' + in("script") + " >/dev/full", "zunopath: " + lost},
+        {"zunopath --help >/dev/full", "zunopath: " + lost},
+        {"zunodemo " + harbour + " --seconds 1 >/dev/full", "zunodemo: " + lost},
+        {"zunotrace --help >/dev/full", "zunotrace: " + lost},
+        {"makeworld harbour " + in("w.xml") + " >/dev/full", "makeworld: " + lost},
+        {"zunopath convert " + harbour + ' ' + in("full.xml"), in("full.xml") + full},
+        {"zunopath convert " + harbour + ' ' + in("full.bin"), in("full.bin") + full},
+        {"zunopath draw " + harbour + " /dev/full", "/dev/full" + full},
+        {"makescene bridge /dev/full", "/dev/full" + full},
+    };
+    for (const auto& row : cases) {
+        const Outcome outcome = runCommand("sh -c '" + tools + '/' + row.mCommand + '\'');
+        EXPECT_EQ(outcome.mStatus, 2) << row.mCommand;
+        EXPECT_TRUE(outcome.mOutput.ends_with(row.mMessage)) << outcome.mOutput;
+    }
+}
+
+TEST_F(OutputTest, PicturesOfMeshesOfAnyNameAreXml) {
+    const std::string mesh = in("a<b>&\x01\xFF\xC0\x80\xC3\xA9.xml");
+    fs::copy_file(harbour, mesh);
+    ASSERT_EQ(runCommand(tools + "/zunopath draw '" + mesh + "' " + in("picture.svg")).mStatus, 0);
+    const std::string none = "\xEF\xBF\xBD";
+    const std::string title = "a&lt;b&gt;&amp;" + none + none + none + none + "\xC3\xA9.xml</text>";
+    EXPECT_NE(get(in("picture.svg")).find(title), std::string::npos);
+}
+
+TEST_F(OutputTest, ALimitOfTheProcessLeavesTheOldFileAlone) {
+    const Outcome outcome = runCommand("sh -c 'ulimit -f 8; " + tools + "/zunopath convert " +
+                                       harbour + ' ' + mOld + '\'');
+    EXPECT_EQ(outcome.mStatus, 2) << outcome.mOutput;
+    EXPECT_EQ(get(mOld), "old");
+    EXPECT_EQ(fileCount(), 1);
+}
+
+TEST_F(OutputTest, AFullDiskLeavesTheOldFileAlone) {
+    const std::string disk = in("disk");
+    fs::create_directory(disk);
+    const Outcome mounted = runCommand("mount -t tmpfs -o size=64k tmpfs " + disk);
+    if (mounted.mStatus != 0)
+        GTEST_SKIP() << "a small disk can't be mounted here: " << mounted.mOutput;
+    put(disk + "/a.xml", "old");
+    const Outcome outcome =
+        runCommand(tools + "/zunopath convert " + harbour + ' ' + disk + "/a.xml");
+    EXPECT_EQ(get(disk + "/a.xml"), "old");
+    EXPECT_EQ(std::distance(fs::directory_iterator(disk), fs::directory_iterator()), 1);
+    runCommand("umount " + disk);
+    EXPECT_EQ(outcome.mStatus, 2);
+    EXPECT_NE(outcome.mOutput.find("a.xml: cannot be written: disk full"), std::string::npos);
+}
+
+} // namespace
+} // namespace ZUNO::Tests

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <optional>
+
+namespace ZUNO::Tools {
+
+/// How a tool ends.
+enum ExitStatus : int { STATUS_OK = 0, STATUS_NOTHING = 1, STATUS_ERROR = 2 };
+
+/// Runs what a tool does. Returns the status to exit with: the action's, or STATUS_ERROR after a
+/// line on standard error, "NAME: reason", when it threw a std::exception or when not all of
+/// standard output has arrived.
+int runTool(const char* name, const std::function<int()>& action);
+
+/// Reads the command line. Returns nothing when the tool is to go on, else the status to exit with:
+/// help was asked for, or a word was wrong, which was said.
+std::optional<int> parseWords(CLI::App& app, int argc, char** argv);
+
+} // namespace ZUNO::Tools

@@ -1,0 +1,60 @@
+// The command that draws a mesh.
+#include "tools/output/outputfile.h"
+#include "tools/picture/meshfigures.h"
+#include "tools/zunopath/commandline.h"
+#include "tools/zunopath/surfacequery.h"
+#include "tools/zunopath/world.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace ZUNO::Tools {
+namespace {
+
+struct Options {
+    std::string mPicture;
+    std::vector<std::string> mPaths;
+    bool mShowsBlocked = false;
+};
+
+ExitStatus draw(const std::string& mesh, const Options& options) {
+    requireApart({mesh}, {options.mPicture});
+    std::vector<Query> queries;
+    for (std::size_t i = 0; i + 1 < options.mPaths.size(); i += 2)
+        queries.push_back(parseQuery({"path", options.mPaths[i], options.mPaths[i + 1]}));
+    const World world(mesh);
+    MeshPicture picture(world.mesh(), mesh);
+    // the picture lies in the mesh's plane; a host's position is what maps there
+    if (options.mShowsBlocked) {
+        picture.addBlockedCells([&](const Common::Math::Vec2<float>& point) {
+            return Pathfinder::Interface::isBlocked(positionAt(world.mesh(), point));
+        });
+    }
+    ExitStatus status = STATUS_OK;
+    Questioner questioner(world.mesh());
+    questioner.ask(StraightChoice{HostKit::StraightForm::IMPROVED});
+    for (const Query& query : queries) {
+        const Answer answer = *questioner.ask(query);
+        status = std::max(status, answer.mStatus);
+        picture.addPath(answer.mPath);
+    }
+    saveFile(options.mPicture, picture.text());
+    return status;
+}
+
+} // namespace
+
+void addDrawCommand(CommandLine& line) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = line.add("draw", "Draw a mesh as an SVG picture",
+                                       [&line, options] { return draw(line.mesh(), *options); });
+    command->add_option("picture", options->mPicture, "the file to write")->required();
+    command
+        ->add_option("--path", options->mPaths,
+                     "a path to draw, with its start and goal: x,y,z x,y,z")
+        ->type_size(2)
+        ->allow_extra_args();
+    command->add_flag("--blocked", options->mShowsBlocked, "mark what is blocked");
+}
+
+} // namespace ZUNO::Tools
