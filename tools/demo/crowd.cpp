@@ -24,7 +24,7 @@ double lengthOf(const Position& from, const std::vector<Position>& points, const
 } // namespace
 
 Crowd::Crowd(const MeshView& view, Scheduler& scheduler, const CrowdSettings& settings)
-    : mView(view), mScheduler(scheduler), mSettings(settings), mMainland(view, 0), mAnywhere(view),
+    : mScheduler(scheduler), mSettings(settings), mMainland(view, 0), mAnywhere(view),
       mStraightener(view), mRandom(settings.mSeed) {
     for (unsigned int i = 0; i < settings.mCharacters; ++i) {
         Character& character = mCharacters.emplace_back(view);

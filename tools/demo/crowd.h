@@ -65,7 +65,6 @@ private:
     void answer(Character& character, const HostKit::PathAnswer& answer);
     void step(Character& character);
 
-    const HostKit::MeshView& mView;
     HostKit::Scheduler& mScheduler;
     CrowdSettings mSettings;
     HostKit::RandomPlaces mMainland;
