@@ -53,8 +53,8 @@ SharedPtr<NavMesh::NavMeshContainer> readMesh(const std::string& fileName, const
     const bool isBinary = isBinaryMesh(fileName, files);
     return withName(fileName, [&] {
         const SharedPtr<IO::Stream> stream = openFile(fileName, files);
-        const Mesh mesh = isBinary ? readBinary(stream)
-                                   : NavMesh::readMeshDocument(*stream, Common::getAllocator());
+        Mesh mesh = isBinary ? readBinary(stream)
+                             : NavMesh::readMeshDocument(*stream, Common::getAllocator());
         if (mesh == nullptr)
             throw std::runtime_error(fileName + ": no usable navigation mesh");
         findDefects(*mesh, [&](const char* text) -> bool {

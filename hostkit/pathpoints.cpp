@@ -92,10 +92,11 @@ std::vector<Place> placesAlong(const MeshView& view, const StraightPath& path, f
         const PlanePoint to = view.planeOf(path.mCorners[i].mPosition);
         const double length = distance(from, to);
         std::uint32_t at = path.mCorners[i - 1].mStep;
-        for (; next < length && (step > 0 || places.empty()); next += stride) {
+        while (next < length && (step > 0 || places.empty())) {
             const PlanePoint point = between(from, to, next / length);
             at = nodeUnder(view, path, point, at, path.mCorners[i].mStep);
             places.push_back({path.mChain[at], surfaceAt(view, path.mChain[at], point)});
+            next += stride;
         }
         next -= length;
     }

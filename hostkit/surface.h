@@ -64,7 +64,7 @@ SurfaceMove moveAlongSurface(const MeshView& view, const Place& start, const Pos
 /// the target, or where the wall stops one. Gives up, not reached, after `maxNodes` nodes.
 /// Cost: one node after the other; no memory is taken.
 SurfaceMove walkStraight(const MeshView& view, const Place& start, const Position& target);
-SurfaceMove walkStraight(const MeshView& view, const Place& start, const PlanePoint& target);
+SurfaceMove walkStraight(const MeshView& view, const Place& start, const PlanePoint& to);
 
 /// Returns the distance in the plane from a place to the nearest piece of border that leads
 /// nowhere, or `limit` when that is nearer. 0 for no place.
