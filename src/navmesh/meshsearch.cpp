@@ -65,17 +65,17 @@ void MeshSearch::prepare(std::uint32_t node) {
     const auto edges = mGraph.edgesOf(node);
     mOpen.makeRoom(edges.size() + 1);
     const float g = mRecords[node].mG;
-    bool mayPassSaving = false;
+    unsigned int savings = 0;
     Step* step = mSteps.data();
     for (const MeshGraph::Edge& edge : edges) {
         SearchRecord& end = mRecords.makeRoom(edge.end());
         *step = {&end, costOf(node, edge)};
         const bool isClosed = end.state() == SearchRecord::CLOSED;
         const bool isCheaper = step->mCost + g < end.mG;
-        mayPassSaving = mayPassSaving | (isClosed & isCheaper); // no branch that can't be foretold
+        savings += unsigned{isClosed} & unsigned{isCheaper}; // no branch that can't be foretold
         ++step;
     }
-    if (mayPassSaving)
+    if (savings != 0)
         mWaiting.reserve(std::size_t{mVisited} + edges.size());
 }
 

@@ -92,7 +92,7 @@ void Crowd::step(Character& character) {
     if (corridor.isAtGoal(nearGoal)) {
         ++mGoalsReached;
         character.mRest = mSettings.mFramesPerSecond / 2 +
-                          static_cast<unsigned int>(mRandom() % (2 * mSettings.mFramesPerSecond));
+                          static_cast<unsigned int>(mRandom() % (std::size_t{2} * mSettings.mFramesPerSecond));
     } else if (corridor.needsSearch() && !character.mIsWaiting) {
         ask(character);
     }

@@ -85,6 +85,7 @@ void printRow(const char* name, std::vector<double> values) {
 template <typename Value>
 void printRow(const char* name, const std::vector<Tools::Journey>& journeys, Value valueOf) {
     std::vector<double> values;
+    values.reserve(journeys.size());
     for (const Tools::Journey& journey : journeys)
         values.push_back(static_cast<double>(valueOf(journey)));
     printRow(name, std::move(values));
