@@ -10,9 +10,12 @@ std::atomic<std::size_t> theRequests{0};
 
 } // namespace
 
-void* operator new(std::size_t size) {
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     ++theRequests;
-    if (void* const block = std::malloc(size != 0 ? size : 1); block != nullptr)
+    return std::malloc(size != 0 ? size : 1);
+}
+void* operator new(std::size_t size) {
+    if (void* const block = operator new(size, std::nothrow); block != nullptr)
         return block;
     throw std::bad_alloc();
 }
@@ -20,6 +23,9 @@ void operator delete(void* block) noexcept {
     std::free(block);
 }
 void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, const std::nothrow_t&) noexcept {
     std::free(block);
 }
 
