@@ -2,8 +2,8 @@
 #include "common/utility/floatchars.h"
 #include "hostkit/meshfile.h"
 
-#include <bit>
 #include <charconv>
+#include <cstring>
 
 namespace ZUNO::HostKit {
 
@@ -57,7 +57,11 @@ public:
             mHash = (mHash ^ (word >> shift & 0xFFU)) * 0x100000001B3U;
     }
     void add(std::int32_t number) { add(static_cast<std::uint32_t>(number)); }
-    void add(float number) { add(std::bit_cast<std::uint32_t>(number)); }
+    void add(float number) {
+        std::uint32_t bits = 0; // the browser's C++ library has no std::bit_cast
+        std::memcpy(&bits, &number, sizeof(bits));
+        add(bits);
+    }
     void add(const Point& p) {
         add(p.mX);
         add(p.mY);
