@@ -95,8 +95,7 @@ BasicString<char> BasicString<char>::toLower() const {
 }
 
 std::ostream& operator<<(std::ostream& stream, const String& string) {
-    return stream.write(string.getConstCharPtr(),
-                        static_cast<std::streamsize>(string.getLength()));
+    return stream.write(string.getConstCharPtr(), static_cast<std::streamsize>(string.getLength()));
 }
 
 } // namespace ZUNO::Common

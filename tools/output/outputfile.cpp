@@ -159,7 +159,7 @@ void requireApart(const std::vector<std::string>& inputs, const std::vector<std:
         const auto isSame = [&](const std::string& other) {
             return !other.empty() && isOneFile(*output, other);
         };
-        if (std::ranges::any_of(inputs, isSame))
+        if (std::any_of(inputs.begin(), inputs.end(), isSame))
             throw std::runtime_error(*output + ": would be written over what is read");
         if (std::any_of(outputs.begin(), output, isSame))
             throw std::runtime_error(*output + ": would be written twice");
