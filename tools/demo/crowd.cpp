@@ -91,8 +91,9 @@ void Crowd::step(Character& character) {
     mDistanceWalked += double{length(corridor.position().mPosition - from)};
     if (corridor.isAtGoal(nearGoal)) {
         ++mGoalsReached;
-        character.mRest = mSettings.mFramesPerSecond / 2 +
-                          static_cast<unsigned int>(mRandom() % (std::size_t{2} * mSettings.mFramesPerSecond));
+        character.mRest =
+            mSettings.mFramesPerSecond / 2 +
+            static_cast<unsigned int>(mRandom() % (std::size_t{2} * mSettings.mFramesPerSecond));
     } else if (corridor.needsSearch() && !character.mIsWaiting) {
         ask(character);
     }
