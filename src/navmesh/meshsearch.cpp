@@ -72,7 +72,8 @@ void MeshSearch::prepare(std::uint32_t node) {
         *step = {&end, costOf(node, edge)};
         const bool isClosed = end.state() == SearchRecord::CLOSED;
         const bool isCheaper = step->mCost + g < end.mG;
-        savings += unsigned{isClosed} & unsigned{isCheaper}; // no branch that can't be foretold
+        savings += static_cast<unsigned int>(isClosed) &
+                   static_cast<unsigned int>(isCheaper); // no branch that can't be foretold
         ++step;
     }
     if (savings != 0)
