@@ -27,12 +27,12 @@ public:
 };
 
 struct Outcome {
-    std::string mOutput; ///< standard output and error
+    std::string mOutput; ///< standard output and, where it isn't sent elsewhere, standard error
     int mStatus;
 };
 
-inline Outcome runCommand(const std::string& command) {
-    std::FILE* const pipe = openPipe(command + " 2>&1");
+inline Outcome runCommand(const std::string& command, const std::string& errorsTo = "&1") {
+    std::FILE* const pipe = openPipe(command + " 2>" + errorsTo);
     Outcome outcome{"", -1};
     std::array<char, 4096> buffer{};
     while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
