@@ -41,12 +41,18 @@ FreeListAllocator::~FreeListAllocator() {
 }
 
 void* FreeListAllocator::allocate(std::uint64_t size) {
-    const std::uint64_t wantedClass = Layout::classOf(size);
-    if (wantedClass >= Layout::classCount)
+    const std::uint64_t sizeClass = Layout::classOf(size);
+    if (sizeClass >= Layout::classCount)
         return allocateLarge(size);
-    const auto sizeClass = static_cast<unsigned int>(wantedClass);
-    if (mFree[sizeClass] == nullptr)
-        refill(sizeClass);
+    Block* const block = mFree[sizeClass];
+    if (block == nullptr)
+        return allocateFromNewChunk(static_cast<unsigned int>(sizeClass));
+    mFree[sizeClass] = block->mNext;
+    return block->payload();
+}
+
+void* FreeListAllocator::allocateFromNewChunk(unsigned int sizeClass) {
+    refill(sizeClass);
     Block* const block = mFree[sizeClass];
     if (block == nullptr)
         return nullptr;

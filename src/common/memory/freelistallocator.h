@@ -63,7 +63,9 @@ private:
     struct Chunk;
 
     void* askParent(std::uint64_t size);
-    void* allocateLarge(std::uint64_t size);
+    // What is rare stays out of line, so that nothing of it is set up for each block.
+    [[gnu::noinline]] void* allocateLarge(std::uint64_t size);
+    [[gnu::noinline]] void* allocateFromNewChunk(unsigned int sizeClass);
     void refill(unsigned int sizeClass);
     void countBlocksInUse();
     void unlinkBlocksOfUnusedChunks();

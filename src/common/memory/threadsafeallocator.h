@@ -1,6 +1,7 @@
 #pragma once
 
-#include "common/memory/allocator.h"
+#include "common/memory/defaultallocator.h"
+#include "common/memory/objectcreation.h"
 #include "common/platform/mutex.h"
 
 namespace ZUNO::Common::Memory {
@@ -9,9 +10,13 @@ namespace ZUNO::Common::Memory {
 /// lock: call them only while no other thread uses the allocator.
 class ThreadSafeAllocator : public Allocator {
 public:
-    /// `wrapped` must not be null.
+    /// A null `wrapped` means the process heap. Throws an OutOfMemoryException when that has no
+    /// room for its allocator.
     explicit ThreadSafeAllocator(const SharedPtr<Allocator>& wrapped)
-        : Allocator("ThreadSafe"), mWrapped(wrapped) {}
+        : Allocator("ThreadSafe"), mWrapped(wrapped) {
+        if (mWrapped == nullptr)
+            mWrapped = SharedPtr<Allocator>(createManaged<DefaultAllocator>(processHeap()));
+    }
 
     void* allocate(std::uint64_t size) override {
         const Platform::MutexLock lock(mMutex);
