@@ -110,7 +110,7 @@ public:
     /// `length`: of the stream, which bounds what a count may reserve.
     Reader(NavMeshContainer& mesh, BinarySerializeStorage& storage, std::int64_t length)
         : mMesh(mesh), mIn(storage),
-          mMaxItems(static_cast<std::size_t>(std::max<std::int64_t>(length, 0)) / smallestItem) {}
+          mMaxItems(static_cast<std::uint64_t>(std::max<std::int64_t>(length, 0)) / smallestItem) {}
 
     void run() {
         String text;
@@ -132,7 +132,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t smallestItem = 6; // type, name, one byte
+    static constexpr std::uint64_t smallestItem = 6; // type, name, one byte
 
     std::uint32_t readCount() {
         std::uint32_t count = 0;
@@ -140,14 +140,18 @@ private:
         return count;
     }
 
-    std::size_t plausible(std::uint32_t count, std::size_t itemsEach) const {
-        return std::min<std::size_t>(count, mMaxItems / itemsEach);
+    /// Takes room for what a count promises, as far as the stream can hold it.
+    template <typename Table>
+    void reserve(Table& table, std::uint32_t count, std::uint64_t itemsEach) const {
+        const std::uint64_t most = table.max_size() - table.size();
+        table.reserve(table.size() + static_cast<std::size_t>(std::min<std::uint64_t>(
+                                         {count, mMaxItems / itemsEach, most})));
     }
 
     template <typename Table, typename ReadOne>
-    void readAll(Table& table, std::size_t itemsEach, ReadOne readOne) {
+    void readAll(Table& table, std::uint64_t itemsEach, ReadOne readOne) {
         const std::uint32_t count = readCount();
-        table.reserve(table.size() + plausible(count, itemsEach));
+        reserve(table, count, itemsEach);
         for (std::uint32_t i = 0; i < count; ++i)
             readOne();
     }
@@ -162,8 +166,8 @@ private:
         mIn.readValue(node.mHeightClass);
         mIn.readValue(node.mSurfaceTypeID);
         const std::uint32_t count = readCount();
-        node.mPolygon.reserve(plausible(count, 2));
-        node.mNeighbours.reserve(plausible(count, 2));
+        reserve(node.mPolygon, count, 2);
+        reserve(node.mNeighbours, count, 2);
         for (std::uint32_t i = 0; i < count; ++i) {
             std::uint32_t corner = 0;
             mIn.readValue(corner);
@@ -192,7 +196,7 @@ private:
 
     NavMeshContainer& mMesh;
     BinarySerializeStorage& mIn;
-    std::size_t mMaxItems;
+    std::uint64_t mMaxItems;
     String mName;
 };
 

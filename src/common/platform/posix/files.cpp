@@ -2,8 +2,8 @@
 #include "common/platform/files.h"
 
 #include "common/platform/fileerrorcode.h"
+#include "common/platform/writeinpieces.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -69,19 +69,16 @@ std::int64_t readFile(int descriptor, void* buffer, std::uint32_t size) noexcept
 
 std::int64_t writeFile(int descriptor, const void* buffer, std::uint32_t size,
                        FileError& error) noexcept {
-    constexpr std::uint32_t mostAtOnce = 1U << 30U; // below what systems take in one call
-    error = FileError::NONE;
-    std::uint32_t done = 0;
-    while (done < size && error == FileError::NONE) {
-        const std::uint32_t asked = std::min(size - done, mostAtOnce);
-        const ssize_t written = write(descriptor, static_cast<const char*>(buffer) + done, asked);
+    const auto* const bytes = static_cast<const char*>(buffer);
+    const auto writePiece = [=](std::uint32_t offset, std::uint32_t length, FileError& failure) {
+        const ssize_t written = write(descriptor, bytes + offset, length);
         if (written < 0)
-            error = fileErrorOf(errno);
-        else if (static_cast<std::uint32_t>(written) < asked)
-            error = isDeviceFull(descriptor) ? FileError::NO_SPACE : FileError::OTHER;
-        done += static_cast<std::uint32_t>(std::max<ssize_t>(written, 0));
-    }
-    return done;
+            failure = fileErrorOf(errno);
+        else if (static_cast<std::uint32_t>(written) < length)
+            failure = isDeviceFull(descriptor) ? FileError::NO_SPACE : FileError::OTHER;
+        return std::int64_t{written};
+    };
+    return writeInPieces(size, error, writePiece);
 }
 
 std::int64_t seekFile(int descriptor, std::int64_t offset, int origin) noexcept {

@@ -1,6 +1,7 @@
 #include "common/platform/files.h"
 
 #include "common/platform/fileerrorcode.h"
+#include "common/platform/writeinpieces.h"
 
 #include "common/platform/win32/windows.h"
 
@@ -54,19 +55,16 @@ std::int64_t readFile(int descriptor, void* buffer, std::uint32_t size) noexcept
 
 std::int64_t writeFile(int descriptor, const void* buffer, std::uint32_t size,
                        FileError& error) noexcept {
-    constexpr std::uint32_t mostAtOnce = 1U << 30U; // the runtime takes less than 2 GiB in one call
-    error = FileError::NONE;
-    std::uint32_t done = 0;
-    while (done < size && error == FileError::NONE) {
-        const std::uint32_t asked = std::min(size - done, mostAtOnce);
-        const int written = _write(descriptor, static_cast<const char*>(buffer) + done, asked);
+    const auto* const bytes = static_cast<const char*>(buffer);
+    const auto writePiece = [=](std::uint32_t offset, std::uint32_t length, FileError& failure) {
+        const int written = _write(descriptor, bytes + offset, length);
         if (written < 0)
-            error = fileErrorOf(errno);
-        else if (static_cast<std::uint32_t>(written) < asked)
-            error = FileError::NO_SPACE; // the runtime says no more of a full disk
-        done += static_cast<std::uint32_t>(std::max(written, 0));
-    }
-    return done;
+            failure = fileErrorOf(errno);
+        else if (static_cast<std::uint32_t>(written) < length)
+            failure = FileError::NO_SPACE; // the runtime says no more of a full disk
+        return std::int64_t{written};
+    };
+    return writeInPieces(size, error, writePiece);
 }
 
 std::int64_t seekFile(int descriptor, std::int64_t offset, int origin) noexcept {
