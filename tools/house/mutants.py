@@ -63,6 +63,7 @@ def run(command, limit, tests=False):
     """Runs a program; returns (whether it succeeded, what it printed). Ends all that it started."""
     def bound():
         os.setsid()
+        signal.signal(signal.SIGINT, signal.SIG_DFL)  # a shell's background commands ignore it
         if tests:  # a fault may ask for all memory, or fill the disk
             resource.setrlimit(resource.RLIMIT_AS, (24 << 30, 24 << 30))
             resource.setrlimit(resource.RLIMIT_FSIZE, (8 << 30, 8 << 30))
