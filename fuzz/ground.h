@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <fuzzer/FuzzedDataProvider.h>
 #include <string>
 
 namespace ZUNO::Fuzz {
@@ -80,6 +81,19 @@ public:
 private:
     Tests::CountingMemory* mMemory;
     Tests::MemoryFiles* mFiles;
+};
+
+/// Lets the input decide what a comparison does next, until it is used up.
+class Choices {
+public:
+    Choices(const std::uint8_t* data, std::size_t size) : mInput(data, size) {}
+    bool goesOn() const { return mInput.remaining_bytes() != 0; }
+    std::size_t below(std::size_t count) {
+        return mInput.ConsumeIntegralInRange<std::size_t>(0, count - 1);
+    }
+
+private:
+    FuzzedDataProvider mInput;
 };
 
 /// Runs an action that may fail with an exception of the library's; returns whether it did not.

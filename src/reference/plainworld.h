@@ -1,11 +1,8 @@
 #pragma once
 
-#include "common/astar/asgoalbase.h"
-#include "common/astar/astar.h"
-#include "common/astar/astarstoragefast.h"
-#include "navmesh/astarnavmesh.h"
 #include "pathfinder/planetransform.h"
 #include "reference/plainraytracer.h"
+#include "reference/plainsearch.h"
 
 #include <memory>
 #include <vector>
@@ -39,19 +36,11 @@ public:
     void traceRay(PlainRayTracer::Ray& ray);
 
 private:
-    /// One search with parts of its own.
+    /// An open search, and how far the host has come with it.
     struct Search {
-        Search(const Common::SharedPtr<NavMesh::NavMeshContainer>& mesh,
-               NavMesh::AStarMapNavMesh* map,
-               const Common::SharedPtr<Common::Memory::Allocator>& allocator);
-
-        std::unique_ptr<NavMesh::NMCostFunc> mCostFunc;
-        std::unique_ptr<NavMesh::NMHeuristicFunc> mHeuristic;
-        Common::Astar::AStarStorageFast mStorage;
-        Common::Astar::ASGoalBase mGoal;
-        Common::Astar::AStar mAStar;
+        PlainSearch mSearch;
         std::int32_t mState = Common::Astar::SEARCH_RUNNING;
-        Common::Astar::EdgeList mPath;
+        std::vector<std::uint32_t> mPath = {}; ///< the nodes that it enters
         std::size_t mNextWaypoint = 0;
         bool mHasPath = false;
         float mCost = 0;

@@ -5,7 +5,6 @@
 #include "tools/zunobake/levels.h"
 
 #include <algorithm>
-#include <fstream>
 #include <gtest/gtest.h>
 
 namespace ZUNO::Tests {
@@ -17,19 +16,14 @@ const std::string uprightSquare = "v 0 0 0\nv 8 0 0\nv 8 8 0\nv 0 8 0\n";
 
 class BakeCommandTest : public testing::Test {
 protected:
-    std::string write(const std::string& name, const std::string& content) {
-        const std::string file = (mFolder.path() / name).string();
-        std::ofstream(file, std::ios::binary) << content;
-        return file;
-    }
     Outcome bake(const std::string& scene, const std::string& options = {}) {
         const std::string output = options.starts_with("-o") ? "" : "-o " + mMesh + ' ';
-        return runCommand(std::string(ZUNO_TOOL_FOLDER) + "/zunobake " + write("scene.obj", scene) +
-                          ' ' + output + options);
+        return runCommand(std::string(ZUNO_TOOL_FOLDER) + "/zunobake " +
+                          mFolder.put("scene.obj", scene) + ' ' + output + options);
     }
 
     TempFolder mFolder;
-    std::string mMesh = (mFolder.path() / "mesh.bin").string();
+    std::string mMesh = mFolder.in("mesh.bin");
 };
 
 TEST_F(BakeCommandTest, ReadsWhatObjFilesHold) {
@@ -121,9 +115,9 @@ TEST_F(BakeCommandTest, SaysInOneLineWhatIsWrongWithAScene) {
 }
 
 TEST_F(BakeCommandTest, OutputThatIsLostFails) {
-    const Outcome lost =
-        runCommand("sh -c '" + std::string(ZUNO_TOOL_FOLDER) + "/zunobake " +
-                   write("scene.obj", square + "f 1 2 3 4") + " -o " + mMesh + " >/dev/full'");
+    const Outcome lost = runCommand("sh -c '" + std::string(ZUNO_TOOL_FOLDER) + "/zunobake " +
+                                    mFolder.put("scene.obj", square + "f 1 2 3 4") + " -o " +
+                                    mMesh + " >/dev/full'");
     EXPECT_EQ(lost.mStatus, 2);
     EXPECT_EQ(lost.mOutput, "zunobake: standard output cannot be written\n");
 }

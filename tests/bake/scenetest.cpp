@@ -7,7 +7,6 @@
 #include "tools/picture/loadedmesh.h"
 #include "tools/zunobake/baker.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <optional>
@@ -36,9 +35,8 @@ struct SampleScene {
 class SceneTest : public testing::TestWithParam<SampleScene> {
 protected:
     SceneTest() : mModel(GetParam().mMake()) {
-        const std::string scene = (mFolder.path() / "scene.obj").string();
-        const std::string mesh = (mFolder.path() / "mesh.xml").string();
-        std::ofstream(scene) << mModel.toObj(GetParam().mName);
+        const std::string scene = mFolder.put("scene.obj", mModel.toObj(GetParam().mName));
+        const std::string mesh = mFolder.in("mesh.xml");
         mSettings.mCellSize = GetParam().mCellSize;
         mSettings.mCellHeight = GetParam().mCellHeight;
         mSettings.mAgents = {{"child", 1.25F}, {"adult", 2}};

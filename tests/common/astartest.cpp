@@ -53,9 +53,55 @@ struct Costs : CostFunc {
 };
 
 struct Estimates : HeuristicFunc {
-    explicit Estimates(const std::vector<float>& estimates) : mEstimates(estimates) {}
+    explicit Estimates(std::vector<float> estimates) : mEstimates(std::move(estimates)) {}
     float estimate(std::uint32_t from, std::uint32_t) override { return mEstimates[from]; }
-    const std::vector<float>& mEstimates;
+    std::vector<float> mEstimates;
+};
+
+/// A search with all its parts, and the model's answer to the same question.
+struct Search {
+    Search(NaiveAStar::Graph edges, std::vector<float> estimates,
+           const Common::SharedPtr<Common::Memory::Allocator>& allocator = Common::gObjectAllocator)
+        : mEdges(std::move(edges)), mGraph(mEdges), mEstimates(std::move(estimates)),
+          mStorage(&mGraph, allocator), mGoal(&mCosts, &mEstimates, allocator),
+          mAStar(&mStorage, &mGoal, &mGraph, allocator), mPath(allocator) {}
+
+    void begin(int from, int to) {
+        mGoal.setStartGoal(static_cast<std::uint32_t>(from), static_cast<std::uint32_t>(to));
+        mAStar.initSearch();
+        mExpected = NaiveAStar::search(mEdges, from, to, [&](int node) {
+            return mEstimates.estimate(static_cast<std::uint32_t>(node), 0);
+        });
+    }
+    /// Takes one step; false when the search has ended.
+    bool step() {
+        mState = mAStar.runSearch(1);
+        mExpansions += mState == SEARCH_RUNNING ? 1 : 0;
+        return mState == SEARCH_RUNNING;
+    }
+    void expectTheModelsAnswer() {
+        ASSERT_EQ(mState, mExpected.mState);
+        ASSERT_EQ(mExpansions, mExpected.mExpansions);
+        mPath.clear();
+        const float cost = mState == SEARCH_FOUND ? mGoal.getPath(mPath) : 0;
+        ASSERT_EQ(cost, mExpected.mCost);
+        std::vector<int> entered;
+        for (const std::uint32_t edge : mPath)
+            entered.push_back(static_cast<int>(mGraph.getEdgeEndNode(edge)));
+        ASSERT_EQ(entered, mExpected.mNodes);
+    }
+
+    NaiveAStar::Graph mEdges;
+    Graph mGraph;
+    Costs mCosts{mGraph};
+    Estimates mEstimates;
+    AStarStorageFast mStorage;
+    ASGoalBase mGoal;
+    AStar mAStar;
+    EdgeList mPath;
+    int mState = SEARCH_RUNNING;
+    unsigned int mExpansions = 0;
+    NaiveAStar::Result mExpected{0};
 };
 
 /// A random graph. Few distinct costs make ties, and inconsistent estimates make cheaper paths
@@ -69,62 +115,41 @@ NaiveAStar::Graph randomGraph(std::mt19937& random, std::size_t nodes, unsigned 
     return graph;
 }
 
+/// Estimates below `count` steps; large ones mislead, so that savings go through closed nodes.
+std::vector<float> randomEstimates(std::mt19937& random, std::size_t nodes, unsigned int count) {
+    std::vector<float> estimates(nodes);
+    for (float& estimate : estimates)
+        estimate = static_cast<float>(random() % count) * 0.11F;
+    return estimates;
+}
+
 } // namespace
 
-class AStarTest : public FoundationTest {};
+using AStarTest = FoundationTest;
 
 TEST_F(AStarTest, SearchesAsTheModelWhateverTheSlices) {
     std::mt19937 random(11);
-    AStarStorageFast* storage = nullptr;
     unsigned int reached = 0;
     for (int round = 0; round < 400; ++round) {
+        SCOPED_TRACE(round);
         const std::size_t nodes = 2 + random() % (round % 10 == 0 ? 2000 : 60);
         const NaiveAStar::Graph edges = randomGraph(random, nodes, round % 2 == 0 ? 4 : 1000);
-        std::vector<float> estimates(nodes);
-        for (float& estimate : estimates)
-            estimate = static_cast<float>(random() % (round % 3 == 0 ? 400 : 1)) * 0.11F;
-        Graph graph(edges);
-        Costs costs(graph);
-        Estimates heuristic(estimates);
-        storage = new AStarStorageFast(&graph, Common::gObjectAllocator);
-        ASGoalBase goal(&costs, &heuristic, Common::gObjectAllocator);
-        AStar search(storage, &goal, &graph, Common::gObjectAllocator);
+        Search search(edges, randomEstimates(random, nodes, round % 3 == 0 ? 400 : 1));
         for (int repeat = 0; repeat < 2; ++repeat) { // the second one reuses the arrays
-            const int from = static_cast<int>(random() % nodes);
-            const int to = static_cast<int>(random() % nodes);
-            goal.setStartGoal(static_cast<std::uint32_t>(from), static_cast<std::uint32_t>(to));
-            search.initSearch();
-            EXPECT_EQ(search.runSearch(0), SEARCH_RUNNING);
-            int state = SEARCH_RUNNING;
-            unsigned int expansions = 0;
-            while (state == SEARCH_RUNNING) {
-                state = search.runSearch(1);
-                expansions += state == SEARCH_RUNNING ? 1 : 0;
+            search.begin(static_cast<int>(random() % nodes), static_cast<int>(random() % nodes));
+            EXPECT_EQ(search.mAStar.runSearch(0), SEARCH_RUNNING);
+            search.mExpansions = 0;
+            while (search.step()) {
             }
-            const NaiveAStar::Result expected = NaiveAStar::search(edges, from, to, [&](int node) {
-                return estimates[static_cast<std::size_t>(node)];
-            });
-            ASSERT_EQ(state, expected.mState) << round;
-            ASSERT_EQ(expansions, expected.mExpansions) << round;
-            EXPECT_EQ(search.runSearch(0), SEARCH_RUNNING);
-            EXPECT_EQ(search.runSearch(7), state) << "it stays ended";
-            if (state != SEARCH_FOUND)
-                continue;
-            ++reached;
-            EdgeList path(Common::gObjectAllocator);
-            EXPECT_EQ(goal.getPath(path), expected.mCost);
-            std::vector<int> entered;
-            for (const std::uint32_t edge : path)
-                entered.push_back(static_cast<int>(graph.getEdgeEndNode(edge)));
-            ASSERT_EQ(entered, expected.mNodes) << round;
+            ASSERT_NO_FATAL_FAILURE(search.expectTheModelsAnswer());
+            EXPECT_EQ(search.mAStar.runSearch(0), SEARCH_RUNNING);
+            EXPECT_EQ(search.mAStar.runSearch(7), search.mState) << "it stays ended";
+            reached += search.mState == SEARCH_FOUND ? 1 : 0;
             // one large slice gives the same
-            search.initSearch();
-            EXPECT_EQ(search.runSearch(1000000), SEARCH_FOUND);
-            EdgeList again(Common::gObjectAllocator);
-            EXPECT_EQ(goal.getPath(again), expected.mCost);
-            EXPECT_TRUE(std::ranges::equal(path, again));
+            search.mAStar.initSearch();
+            EXPECT_EQ(search.mAStar.runSearch(1000000), search.mState);
+            ASSERT_NO_FATAL_FAILURE(search.expectTheModelsAnswer());
         }
-        delete storage;
     }
     EXPECT_GT(reached, 200U);
 }
@@ -185,111 +210,65 @@ private:
 
 TEST_F(AStarTest, WorksWithPartsOfOthersAndGoalsSetAnew) {
     std::mt19937 random(3);
-    const NaiveAStar::Graph edges = randomGraph(random, 40, 1000);
-    const std::vector<float> estimates(40, 0.0F); // the cheapest path, whatever the order
-    Graph graph(edges);
-    Costs costs(graph);
-    Estimates heuristic(estimates);
+    // no estimates: the cheapest path, whatever the order
+    Search own(randomGraph(random, 40, 1000), std::vector<float>(40, 0.0F));
     MapStorage storage;
-    AStar search(&storage, nullptr, &graph, Common::gObjectAllocator);
-    for (std::uint32_t to = 0; to < 40; ++to) {
-        ASGoalBase goal(&costs, &heuristic, Common::gObjectAllocator);
-        goal.setStartGoal(0, to);
+    AStar search(&storage, nullptr, &own.mGraph, Common::gObjectAllocator);
+    for (int to = 0; to < 40; ++to) {
+        own.begin(0, to);
+        ASGoalBase goal(&own.mCosts, &own.mEstimates, Common::gObjectAllocator);
+        goal.setStartGoal(0, static_cast<std::uint32_t>(to));
         search.setGoal(&goal);
         search.initSearch();
-        const int state = search.runSearch(1000);
-        const auto expected =
-            NaiveAStar::search(edges, 0, static_cast<int>(to), [](int) { return 0.0F; });
-        ASSERT_EQ(state, expected.mState);
-        if (state != SEARCH_FOUND)
+        ASSERT_EQ(search.runSearch(1000), own.mExpected.mState);
+        if (own.mExpected.mState != SEARCH_FOUND)
             continue;
-        EXPECT_EQ(storage.mLastAdded, to) << "the goal goes back into the open list";
+        EXPECT_EQ(storage.mLastAdded, goal.getGoalNode()) << "it goes back into the open list";
         EdgeList path(Common::gObjectAllocator);
-        EXPECT_EQ(goal.getPath(path), expected.mCost);
+        EXPECT_EQ(goal.getPath(path), own.mExpected.mCost);
     }
 }
 
 TEST_F(AStarTest, GrowsWithItsMap) {
-    std::vector<float> estimates(5000, 0.0F);
-    NaiveAStar::Graph edges;
-    Graph graph(edges);
-    Costs costs(graph);
-    Estimates heuristic(estimates);
-    AStarStorageFast storage(&graph, Common::gObjectAllocator);
-    ASGoalBase goal(&costs, &heuristic, Common::gObjectAllocator);
-    AStar search(&storage, &goal, &graph, Common::gObjectAllocator);
+    Search search({}, std::vector<float>(5000, 0.0F));
     for (const int nodes : {3, 5000, 40}) { // a chain
-        edges.assign(static_cast<std::size_t>(nodes), {});
+        search.mEdges.assign(static_cast<std::size_t>(nodes), {});
         for (int node = 0; node + 1 < nodes; ++node)
-            edges[static_cast<std::size_t>(node)].push_back({node + 1, 1});
-        graph = Graph(edges);
-        goal.setStartGoal(0, static_cast<std::uint32_t>(nodes - 1));
-        search.initSearch();
-        ASSERT_EQ(search.runSearch(6000), SEARCH_FOUND);
-        EXPECT_EQ(storage.peekBest()->mG, static_cast<float>(nodes - 1));
-        EXPECT_NE(storage.getRecordOfNode(static_cast<std::uint32_t>(nodes)), nullptr);
+            search.mEdges[static_cast<std::size_t>(node)].push_back({node + 1, 1});
+        search.mGraph = Graph(search.mEdges);
+        search.begin(0, nodes - 1);
+        ASSERT_EQ(search.mAStar.runSearch(6000), SEARCH_FOUND);
+        EXPECT_EQ(search.mStorage.peekBest()->mG, static_cast<float>(nodes - 1));
+        EXPECT_NE(search.mStorage.getRecordOfNode(static_cast<std::uint32_t>(nodes)), nullptr);
     }
-    EXPECT_EQ(storage.getRecordOfNode(5001), nullptr);
+    EXPECT_EQ(search.mStorage.getRecordOfNode(5001), nullptr);
 }
 
 // Every request for memory is refused in turn, and the same call made again.
 TEST_F(AStarTest, GoesOnAfterARefusedRequestAsIfNothingWere) {
     std::mt19937 random(21);
     for (int round = 0; round < 12; ++round) {
-        const std::size_t nodes = 120;
-        const NaiveAStar::Graph edges = randomGraph(random, nodes, round % 2 == 0 ? 4 : 1000);
-        std::vector<float> estimates(nodes); // misleading: savings go through closed nodes
-        for (float& estimate : estimates)
-            estimate = static_cast<float>(random() % 800) * 0.37F;
-        const auto expected = NaiveAStar::search(
-            edges, 0, 1, [&](int node) { return estimates[static_cast<std::size_t>(node)]; });
-        Graph graph(edges);
-        Costs costs(graph);
-        Estimates heuristic(estimates);
-        const auto counted = Common::getAllocator(); // asks the host for each block
+        const NaiveAStar::Graph edges = randomGraph(random, 120, round % 2 == 0 ? 4 : 1000);
+        const std::vector<float> estimates = randomEstimates(random, edges.size(), 2700);
         for (unsigned int n = 1, isOver = 0; isOver == 0; ++n) {
-            AStarStorageFast storage(&graph, counted);
-            ASGoalBase goal(&costs, &heuristic, counted);
-            AStar search(&storage, &goal, &graph, counted);
-            goal.setStartGoal(0, 1);
+            SCOPED_TRACE(std::to_string(round) + ", request " + std::to_string(n));
+            Search search(edges, estimates, Common::getAllocator()); // asks the host each time
             mMemory->mRequests = 0;
             mMemory->mFailingRequest = n;
-            while (!raisedBy([&] { search.initSearch(); }).empty()) {
-            }
-            int state = SEARCH_RUNNING;
-            unsigned int expansions = 0;
-            while (state == SEARCH_RUNNING)
-                if (raisedBy([&] { state = search.runSearch(1); }).empty())
-                    expansions += state == SEARCH_RUNNING ? 1 : 0;
+            const auto insist = [](auto step) {
+                while (!raisedBy(step).empty()) {
+                }
+            };
+            insist([&] { search.begin(0, 1); });
+            for (bool goesOn = true; goesOn;)
+                insist([&] { goesOn = search.step(); });
             isOver = mMemory->mRequests < n ? 1 : 0;
             mMemory->mFailingRequest = 0;
-            ASSERT_EQ(state, expected.mState) << round << ", request " << n;
-            ASSERT_EQ(expansions, expected.mExpansions) << round << ", request " << n;
-            EdgeList path(counted);
-            const float cost = state == SEARCH_FOUND ? goal.getPath(path) : 0;
-            ASSERT_EQ(cost, expected.mCost) << round << ", request " << n;
+            ASSERT_NO_FATAL_FAILURE(search.expectTheModelsAnswer());
         }
     }
     Common::closeLibrary();
     Reports::take(); // the allocator counts what was refused, too
-}
-
-TEST_F(AStarTest, PassesSavingsOnThroughClosedNodes) {
-    // 0 -> 1 -> 2 closes 2 dearly before 3 offers a cheaper way into 1
-    const NaiveAStar::Graph edges = {{{1, 10}, {3, 1}}, {{2, 1}}, {{4, 100}}, {{1, 1}}, {}};
-    const std::vector<float> estimates = {0, 0, 0, 50, 0};
-    Graph graph(edges);
-    Costs costs(graph);
-    Estimates heuristic(estimates);
-    AStarStorageFast storage(&graph, Common::gObjectAllocator);
-    ASGoalBase goal(&costs, &heuristic, Common::gObjectAllocator);
-    AStar search(&storage, &goal, &graph, Common::gObjectAllocator);
-    goal.setStartGoal(0, 4);
-    search.initSearch();
-    ASSERT_EQ(search.runSearch(100), SEARCH_FOUND);
-    EdgeList path(Common::gObjectAllocator);
-    EXPECT_EQ(goal.getPath(path), 103);
-    EXPECT_EQ(path.size(), 4U);
 }
 
 } // namespace ZUNO::Tests

@@ -1,34 +1,29 @@
 #include "common/callback/callbackfilestream.h"
+#include "tests/support/closedstream.h"
 #include "tests/support/foundation.h"
 #include "tests/support/memoryfiles.h"
 
 namespace ZUNO::Tests {
 
 using namespace Common;
+using Callback::CallbackFileStream;
 
-using CallbackFileStreamTest = FoundationTest;
+class CallbackFileStreamTest : public FoundationTest {
+protected:
+    CallbackFileStreamTest() : mFileCallback(mFiles) {
+        mFiles->mFiles["f"] = "0123456789";
+        mFiles->mFiles["g"] = "second";
+    }
+
+    MemoryFiles* mFiles = new MemoryFiles;
+    SharedPtr<Callback::FileIOCallback> mFileCallback;
+};
 
 TEST_F(CallbackFileStreamTest, MapsTheHostsAnswers) {
-    auto* const files = new MemoryFiles;
-    const SharedPtr<Callback::FileIOCallback> callback(files);
-    files->mFiles["f"] = "0123456789";
-    Callback::CallbackFileStream stream(callback);
+    CallbackFileStream stream(mFileCallback);
     char buffer[4];
-    EXPECT_FALSE(stream.canRead() || stream.canWrite() || stream.canSeek());
+    expectClosed(stream, "CallbackFileStream");
     stream.flush();
-    stream.close();
-    const std::string closed = "InvalidStateException: CallbackFileStream: ";
-    EXPECT_EQ(raisedBy([&] { stream.getLength(); }), closed + "Try to get length of closed stream");
-    EXPECT_EQ(raisedBy([&] { stream.getPosition(); }),
-              closed + "Try to get position of closed stream.");
-    EXPECT_EQ(raisedBy([&] { stream.getFilename(); }),
-              closed + "Try to get filename from a closed stream");
-    EXPECT_EQ(raisedBy([&] { stream.read(buffer, 1); }), closed + "Cannot read on closed streams.");
-    EXPECT_EQ(raisedBy([&] { stream.write(buffer, 1); }),
-              closed + "Cannot write on closed streams.");
-    EXPECT_EQ(raisedBy([&] { stream.seek(0, IO::ORIGIN_END); }),
-              closed + "Cannot seek on closed streams.");
-
     stream.open("f", IO::FACCESS_READ);
     EXPECT_STREQ(stream.getFilename().getConstCharPtr(), "f");
     EXPECT_EQ(stream.read(buffer, 4), 4);
@@ -43,25 +38,52 @@ TEST_F(CallbackFileStreamTest, MapsTheHostsAnswers) {
     EXPECT_EQ(raisedBy([&] { stream.seek(5, IO::ORIGIN_END); }),
               "ArgumentOutOfRangeException: FileStream: Offset seeks out of file range. "
               "{ArgumentName=offset}");
-    files->mSeekResult = -9;
+    mFiles->mSeekResult = -9;
     EXPECT_EQ(stream.seek(5, IO::ORIGIN_END), 0);
     stream.open(stream.getFilename(), IO::FACCESS_WRITE); // by a name that closing clears
     EXPECT_STREQ(stream.getFilename().getConstCharPtr(), "f");
-    EXPECT_EQ(files->openCount(), 1U) << "the open one was closed";
+    EXPECT_EQ(mFiles->openCount(), 1U) << "the open one was closed";
     EXPECT_TRUE(stream.canRead()) << "a stream opened for writing counts as readable";
     stream.write(buffer, 4);
-    files->mWriteResult = 3;
+    mFiles->mWriteResult = 3;
     stream.write(buffer, 4);
-    files->mWriteResult = -5;
+    mFiles->mWriteResult = -5;
     EXPECT_EQ(raisedBy([&] { stream.write(buffer, 4); }),
               "OutOfSpaceException: CallbackFileStream: Cannot write to file, disk full.");
     EXPECT_EQ(Reports::take(),
               (Texts{"|Unhandled error condition from seekFile callback.",
                      "|Internal error: Unhandeled error condition during write."}));
-    Callback::CallbackFileStream without({});
+    CallbackFileStream without({});
     EXPECT_EQ(Reports::take(), Texts{"mFileIO != NULL|File callback cannot be a NULL pointer"});
     EXPECT_TRUE(without.isClosed());
     EXPECT_EQ(raisedBy([&] { without.open("f", 1); }).substr(0, 21), "InvalidStateException");
+}
+
+TEST_F(CallbackFileStreamTest, KeepsApartFilesOfHandlesThatAreUsedAgain) {
+    CallbackFileStream first(mFileCallback);
+    CallbackFileStream second(mFileCallback);
+    first.open("f", IO::FACCESS_READ);
+    first.close();
+    second.open("g", IO::FACCESS_READ); // the host gives it the handle of the first
+    EXPECT_TRUE(first.isClosed());
+    first.close();
+    EXPECT_EQ(second.getLength(), 6);
+}
+
+TEST_F(CallbackFileStreamTest, TakesNoHandleFromAnOpeningThatFailed) {
+    CallbackFileStream good(mFileCallback);
+    good.open("f", IO::FACCESS_READ);
+    mFiles->mHandleOnFailure = 1; // of the file that is open
+    const char* const raised[] = {"FileNotFoundException", "UnAuthorizedAccessException",
+                                  "IOException"};
+    for (std::int32_t result = -1; result >= -3; --result) {
+        mFiles->mOpenResult = result;
+        CallbackFileStream failed(mFileCallback);
+        const std::string text = raisedBy([&] { failed.open("g", IO::FACCESS_READ); });
+        EXPECT_EQ(text.substr(0, text.find(':')), raised[-result - 1]);
+        EXPECT_TRUE(failed.isClosed());
+    }
+    EXPECT_EQ(good.getLength(), 10) << "nobody closed it";
 }
 
 } // namespace ZUNO::Tests

@@ -3,13 +3,12 @@
 #include "common/memory/objectcreation.h"
 #include "common/parser/xml/xmlparser.h"
 #include "common/parser/xml/xmlwriter.h"
+#include "common/platform/writeinpieces.h"
+#include "tests/support/closedstream.h"
 #include "tests/support/foundation.h"
 #include "tests/support/tempfolder.h"
 
-#include <filesystem>
-#include <fstream>
 #include <memory>
-#include <sstream>
 
 namespace ZUNO::Tests {
 
@@ -27,15 +26,9 @@ protected:
     }
     ~IoTest() override { fs::current_path(mFormer); }
 
-    static void put(const std::string& name, const std::string& content) {
-        std::ofstream(name, std::ios::binary) << content;
-    }
-    static std::string get(const std::string& name) {
-        std::ostringstream content;
-        content << std::ifstream(name, std::ios::binary).rdbuf();
-        return content.str();
-    }
-    std::string full(const std::string& name) const { return (mFolder.path() / name).string(); }
+    void put(const std::string& name, const std::string& content) { mFolder.put(name, content); }
+    std::string get(const std::string& name) const { return mFolder.get(name); }
+    std::string full(const std::string& name) const { return mFolder.in(name); }
 
     TempFolder mFolder;
     fs::path mFormer;
@@ -111,20 +104,9 @@ TEST_F(IoTest, OpensInEveryModeAndAccess) {
 TEST_F(IoTest, StreamsCheckWhatTheyAreAsked) {
     FileStream stream;
     char buffer[8];
-    EXPECT_FALSE(stream.canRead() || stream.canWrite() || stream.canSeek());
-    const std::string closed = "InvalidStateException: FileStream: ";
-    EXPECT_EQ(raisedBy([&] { stream.getLength(); }), closed + "Try to get length of closed stream");
-    EXPECT_EQ(raisedBy([&] { stream.getPosition(); }),
-              closed + "Try to get position of closed stream.");
-    EXPECT_EQ(raisedBy([&] { stream.getFilename(); }),
-              closed + "Try to get filename from a closed stream");
-    EXPECT_EQ(raisedBy([&] { stream.read(buffer, 1); }), closed + "Cannot read on closed streams.");
-    EXPECT_EQ(raisedBy([&] { stream.write(buffer, 1); }),
-              closed + "Cannot write on closed streams.");
-    EXPECT_EQ(raisedBy([&] { stream.seek(0, ORIGIN_END); }),
-              closed + "Cannot seek on closed streams.");
-    EXPECT_EQ(raisedBy([&] { stream.flush(); }), closed + "Cannot flush on closed streams.");
-    stream.close();
+    expectClosed(stream, "FileStream");
+    EXPECT_EQ(raisedBy([&] { stream.flush(); }),
+              "InvalidStateException: FileStream: Cannot flush on closed streams.");
     stream.open("f", FACCESS_READ, FMODE_OPEN);
     EXPECT_EQ(stream.getLength(), 10);
     EXPECT_EQ(stream.seek(-3, ORIGIN_END), 7);
@@ -153,6 +135,35 @@ TEST_F(IoTest, StreamsCheckWhatTheyAreAsked) {
     EXPECT_EQ(raisedBy([&] { stream.write(nullptr, 1); }),
               "ArgumentNullException: FileStream: The source buffer in a write cannot be NULL. "
               "{ArgumentName=srcBuffer}");
+}
+
+// Systems take less than 2 GiB in one call.
+TEST_F(IoTest, WritesLargeBlocksInPieces) {
+    using Platform::FileError;
+    struct Case {
+        std::uint32_t mSize;
+        std::uint32_t mRoom; ///< of the device
+        std::string mPieces;
+    };
+    const std::string three = "0+1073741824 1073741824+1073741824 2147483648+1073741824 ";
+    for (const Case& row : {Case{0, 9, ""},
+                            {7, 9, "0+7 "},
+                            {0xFFFFFFFF, 0xFFFFFFFF, three + "3221225472+1073741823 "},
+                            {0xFFFFFFFF, 0xC0000000, three + "3221225472+1073741823 "},
+                            {0xFFFFFFFF, 0xBFFFFFFF, three}}) {
+        std::string pieces;
+        FileError error = FileError::OTHER;
+        const std::int64_t written = Platform::writeInPieces(
+            row.mSize, error, [&](std::uint32_t offset, std::uint32_t size, FileError& failure) {
+                pieces += std::to_string(offset) + "+" + std::to_string(size) + " ";
+                const std::uint32_t fitting = std::min(size, row.mRoom - offset);
+                failure = fitting < size ? FileError::NO_SPACE : FileError::NONE;
+                return fitting != 0 || size == 0 ? std::int64_t{fitting} : -1;
+            });
+        EXPECT_EQ(pieces, row.mPieces);
+        EXPECT_EQ(written, std::min(row.mSize, row.mRoom));
+        EXPECT_EQ(error, row.mRoom < row.mSize ? FileError::NO_SPACE : FileError::NONE);
+    }
 }
 
 TEST_F(IoTest, SplitsPathsAtBothKindsOfSlashes) {

@@ -8,8 +8,7 @@ namespace ZUNO::Tests {
 TEST(Endurance, HoldsNoMoreAfterManySearchesAndStarts) {
     using Benchmarks::Endurance;
     const TempFolder folder;
-    const std::string file = (folder.path() / "floor.xml").string();
-    Endurance endurance(file, Worlds::makeFloor(400, 1));
+    Endurance endurance(folder.in("floor.xml"), Worlds::makeFloor(400, 1));
     const auto table = endurance.churn(20000, 50, 10);
     ASSERT_EQ(table.size(), 10U);
     for (std::size_t i = 5; i < table.size(); ++i) // warm by then

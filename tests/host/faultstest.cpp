@@ -203,7 +203,7 @@ TEST_F(FaultsTest, NoRequestForMemoryIsEssential) {
                 break;
         }
     }
-    reports.text();
+    EXPECT_EQ(reports.text().find("Try to dereference a NULL pointer"), std::string::npos);
     EXPECT_GT(mFaults, 100U);
 }
 

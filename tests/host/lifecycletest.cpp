@@ -22,75 +22,40 @@ bool holdsInOrder(const std::string& whole, const std::vector<std::string>& text
     return true;
 }
 
-TEST_F(HostTest, LeavesNothingBehindAfterNormalUseAndASecondStart) {
-    for (int round = 0; round < 2; ++round) {
-        ASSERT_TRUE(start());
-        const int search = Interface::initPathSearch({1, 0, 1}, {13, 0, 13});
-        EXPECT_EQ(search, 0) << "ids start again with each world";
-        while (Interface::runPathSearch(search, 1) == 1) {
-        }
-        Vec3<float> waypoint;
-        EXPECT_TRUE(Interface::getNextWaypoint(search, waypoint));
-        Interface::close();
-        EXPECT_EQ(mMemory->outstanding(), 0U);
-    }
-    Stderr reports;
-    Interface::close();
-    EXPECT_EQ(reports.text(), "") << "with nothing running nothing happens";
-}
-
 TEST_F(HostTest, RefusesFilesThatHoldNoMesh) {
     struct Case {
-        const char* mContent;
+        std::string mContent;
         const char* mReport; ///< before the two of the start; "" when there is none
         const char* mException;
     };
     const std::string floor = mFiles->mFiles["floor"];
-    const auto with = [&](const std::string& from, const std::string& to) {
-        std::string changed = floor;
-        changed.replace(changed.find(from), from.size(), to);
-        return changed;
+    const auto without = [&](const char* begin, const char* end, const std::string& by) {
+        const std::size_t from = floor.find(begin);
+        const std::size_t to = floor.find(end, from) + std::strlen(end);
+        return floor.substr(0, from) + by + floor.substr(to);
     };
-    const std::string swapped = with("<normal>0/1/0</normal>", "");
-    const std::string noNodes =
-        floor.substr(0, floor.find("<node>")) + floor.substr(floor.rfind("</node>") + 7);
-    const std::string badCorner = with("<vert_id>0</vert_id>", "<vert_id>5000</vert_id>");
-    const std::string badNeighbour = with("<node_id>-1</node_id>", "<node_id>60</node_id>");
-    const std::string badClass =
-        with("<heightclass>0</heightclass>", "<heightclass>1</heightclass>");
-    const std::string infinite = with("<pos>0/0/0</pos>", "<pos>0/1e39/0</pos>");
-    const std::string noCube = with("<cubesize>0.5</cubesize>", "<cubesize/>");
-    const std::string tinyCube = with("<cubesize>0.5</cubesize>", "<cubesize>1e-6</cubesize>");
-    const std::string noCorners =
-        with(floor.substr(floor.find("<polygon>"),
-                          floor.find("</polygon>") - floor.find("<polygon>") + 10),
-             "<polygon/>");
-    const std::string deep = std::string("<a>") + [] {
-        std::string text;
-        for (int i = 0; i < 5000; ++i)
-            text += "<b>";
-        return text + "<c/>";
-    }();
+    std::string deep = "<a>";
+    for (int i = 0; i < 5000; ++i)
+        deep += "<b>";
+    const char* const ended =
+        "XMLParserException: XMLParser: End of buffer reached. {Line=1} {Row=0}";
     const Case cases[] = {
-        {"", "", "XMLParserException: XMLParser: End of buffer reached. {Line=1} {Row=0}"},
-        {"no markup", "", "XMLParserException: XMLParser: End of buffer reached. {Line=1} {Row=0}"},
+        {"", "", ended},
+        {"no markup", "", ended},
         {"<a><b/></a>", "In 'a' the tag 'navmesh' is required !", ""},
         {"<a><navmesh></navmesh></a>", "In 'a'->'navmesh' the tag 'heightmap' is required !", ""},
         {"<a><navmesh><heightmap><height>1</height></heightmap></navmesh></a>",
          "In 'a'->'navmesh'->'heightmap'->'height' the attribute 'id' is required !", ""},
-        {swapped.c_str(), "In 'ZUNO'->'navmesh' the tag 'normal' is required !", ""},
-        {noNodes.c_str(), "the mesh has no nodes", ""},
-        {badCorner.c_str(), "node 0: corner 0 refers to vertex 5000 of ", ""},
-        {badNeighbour.c_str(), " leads to node 60 of 60", ""},
-        {badClass.c_str(), "node 0 has height class 1 of 1", ""},
-        {infinite.c_str(), "vertex 0 is not finite", ""},
-        {noCube.c_str(), "cubesize is 0; it must be above 0", ""},
-        {tinyCube.c_str(), "the blocking grid would have ", ""},
-        {noCorners.c_str(), "node 0 has no corners", ""},
-        {deep.c_str(), "", "XMLParserException: XMLParser: Elements are nested deeper than 4096"},
+        {without("<normal>", "</normal>", ""),
+         "In 'ZUNO'->'navmesh' the tag 'normal' is required !", ""},
+        {without("<nodes>", "</nodes>", "<nodes/>"), "the mesh has no nodes", ""},
+        {without("<polygon>", "</polygon>", "<polygon/>"), "node 0 has no corners", ""},
+        {without("<vert_id>", "</vert_id>", "<vert_id>5000</vert_id>"),
+         "node 0: corner 0 refers to vertex 5000 of ", ""},
+        {deep + "<c/>", "", "XMLParserException: XMLParser: Elements are nested deeper than 4096"},
     };
     for (const Case& row : cases) {
-        SCOPED_TRACE(std::string(row.mContent).substr(0, 60) + " -> " + row.mReport);
+        SCOPED_TRACE(row.mContent.substr(0, 60) + " -> " + row.mReport);
         mFiles->mFiles["bad"] = row.mContent;
         Stderr reports;
         bool isLoaded = true;
@@ -112,32 +77,53 @@ TEST_F(HostTest, RefusesFilesThatHoldNoMesh) {
 }
 
 TEST_F(HostTest, TurnsTheHostsFileErrorsIntoExceptions) {
-    EXPECT_EQ(raisedBy([&] { start("missing"); }),
-              "FileNotFoundException: CallbackFileStream: File or path not found "
-              "{Filename=missing} {FullFilename=/full/missing}");
-    Interface::close();
-    mFiles->mOpenResult = -2;
-    EXPECT_EQ(raisedBy([&] { start(); }),
-              "UnAuthorizedAccessException: CallbackFileStream: Given path is a directory, or "
-              "file is read-only, but an open-for-writing operation was attempted");
-    Interface::close();
-    mFiles->mOpenResult = -3;
-    EXPECT_EQ(raisedBy([&] { start(); }),
-              "IOException: CallbackFileStream: Unknown file open error");
-    Interface::close();
-    mFiles->mOpenResult = 0;
-    for (const std::int64_t length :
-         {std::int64_t{-1}, std::int64_t{1} << 32, std::int64_t{100000}}) {
-        mFiles->mLength = length;
-        EXPECT_EQ(raisedBy([&] { start(); }),
-                  "IOException: XMLParser: Cannot read complete file from stream")
-            << length;
+    struct Case {
+        const char* mMesh;
+        std::int32_t mOpenResult;
+        std::int64_t mLength;
+        std::int32_t mReadResult;
+        const char* mRaised;
+    };
+    constexpr std::int64_t length = MemoryFiles::noLength;
+    constexpr std::int32_t result = MemoryFiles::noResult;
+    const char* const incomplete = "IOException: XMLParser: Cannot read complete file from stream";
+    for (const Case& row :
+         {Case{"missing", 0, length, result,
+               "FileNotFoundException: CallbackFileStream: File or path not found "
+               "{Filename=missing} {FullFilename=/full/missing}"},
+          {"floor", -2, length, result,
+           "UnAuthorizedAccessException: CallbackFileStream: Given path is a directory, or file is "
+           "read-only, but an open-for-writing operation was attempted"},
+          {"floor", -3, length, result, "IOException: CallbackFileStream: Unknown file open error"},
+          {"floor", 0, -1, result, incomplete},
+          {"floor", 0, std::int64_t{1} << 32, result, incomplete},
+          {"floor", 0, 100000, result, incomplete},
+          {"floor", 0, length, -1, incomplete}}) {
+        mFiles->mOpenResult = row.mOpenResult;
+        mFiles->mLength = row.mLength;
+        mFiles->mReadResult = row.mReadResult;
+        EXPECT_EQ(raisedBy([&] { start(row.mMesh); }), row.mRaised);
         Interface::close();
     }
-    mFiles->mLength = MemoryFiles::noLength;
-    mFiles->mReadResult = -1;
-    EXPECT_EQ(raisedBy([&] { start(); }),
-              "IOException: XMLParser: Cannot read complete file from stream");
+}
+
+// As hosts write it: catch, close, look at what was caught, delete it.
+TEST_F(HostTest, AnExceptionMayBeKeptOverTheClose) {
+    ASSERT_TRUE(start());
+    Common::Exceptions::Exception* kept = nullptr;
+    try {
+        Interface::runPathSearch(99, 1);
+    } catch (Common::Exceptions::Exception* caught) {
+        kept = caught;
+    }
+    Stderr reports;
+    Interface::close();
+    const std::string text = reports.text();
+    EXPECT_NE(text.find("there are other references to the object"), std::string::npos) << text;
+    ASSERT_NE(kept, nullptr);
+    EXPECT_STREQ(kept->getMessage().getConstCharPtr(),
+                 " invalid searchID given to runPathSearch: 99");
+    delete kept;
 }
 
 TEST_F(HostTest, SurvivesAMeshFileCutAtEveryLength) {
@@ -180,6 +166,7 @@ TEST_F(HostTest, RefusesBlockingMapFiles) {
 
 TEST_F(HostTest, AnswersNeutrallyWithoutAWorld) {
     Stderr reports;
+    Interface::close(); // with nothing running nothing happens
     Vec3<float> waypoint(1, 2, 3);
     Vec2<float> min(1, 1);
     Vec2<float> max(2, 2);
@@ -202,9 +189,10 @@ TEST_F(HostTest, AnswersNeutrallyWithoutAWorld) {
     EXPECT_EQ(min, Vec2<float>(0, 0));
     EXPECT_EQ(max, Vec2<float>(0, 0));
     EXPECT_FALSE(Interface::saveBlockingMap("map"));
-    EXPECT_TRUE(
-        holdsInOrder(reports.text(),
-                     std::vector<std::string>(11, "no world: call initWorldRepresentation first")));
+    const std::string text = reports.text();
+    const std::vector<std::string> all(11, "no world: call initWorldRepresentation first");
+    EXPECT_TRUE(holdsInOrder(text, all));
+    EXPECT_EQ(std::ranges::count(text, '\n'), 2 * 11) << "and no more\n" << text;
 }
 
 TEST_F(HostTest, ReportsASecondStartAndLoadsTheNewMesh) {

@@ -3,7 +3,6 @@
 #include "worlds/meshmodel.h"
 
 #include <algorithm>
-#include <fstream>
 
 namespace ZUNO::Tests {
 
@@ -15,9 +14,8 @@ TEST(Picture, DrawsWallsOnlyForBordersThatHaveAnEntry) {
         neighbours.resize(id % neighbours.size()); // fewer than corners
         walls += std::count(neighbours.begin(), neighbours.end(), -1);
     }
-    const TempFolder temporary;
-    const std::string mesh = temporary.path().string() + "/m.xml";
-    std::ofstream(mesh, std::ios::binary) << floor.toXML("m");
+    const TempFolder folder;
+    const std::string mesh = folder.put("m.xml", floor.toXML("m"));
     const Outcome run =
         runCommand(std::string(ZUNO_TOOL_FOLDER) + "/zunopath draw " + mesh + " " + mesh + ".svg");
     EXPECT_EQ(run.mStatus, 0) << run.mOutput;

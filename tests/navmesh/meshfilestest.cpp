@@ -145,11 +145,29 @@ TEST_F(MeshFilesTest, BinaryHasTheseBytes) {
     EXPECT_EQ(Reports::take(),
               Texts{"|node 0 has neighbours behind its last corner: the binary form leaves them "
                     "out, and paths over them will not be found"});
-    // a count reserves no more than the stream could hold: the item that is missing fails instead
-    for (const auto& [heights, nodes] : {std::pair(0xFFFFFFFFU, 1U), {1U, 0xFFFFFFFFU}}) {
-        mFiles->mFiles["b"] = expected(heights, nodes);
+    // a count reserves no more than the stream could hold: the item that is missing fails instead;
+    // and where the host's length allows any count, the table is one that there is no memory for
+    constexpr std::int64_t honest = MemoryFiles::noLength;
+    constexpr std::int64_t endless = std::int64_t{1} << 40;
+    mMemory->mLimit = std::uint64_t{1} << 30;
+    struct Case {
+        std::uint64_t mHeights;
+        std::uint64_t mNodes;
+        std::int64_t mLength;
+        const char* mRaised;
+    };
+    for (const Case& row :
+         {Case{0xFFFFFFFF, 1, honest, "TypeMismatchException"},
+          {1, 0xFFFFFFFF, honest, "TypeMismatchException"},
+          {0x3FFFFFF9, 1, endless, "OutOfMemoryException"}, // 0xFFFFFFE4 bytes
+          {0x3FFFFFFC, 1, endless, "OutOfMemoryException"}, // 0xFFFFFFF0
+          {0x3FFFFFFF, 1, endless, "OutOfMemoryException"}, // 0xFFFFFFFC
+          {0x40000000, 1, endless, "OutOfMemoryException"},
+          {1, 0xFFFFFFEF / sizeof(mesh->mNodes[0]) + 1, endless, "OutOfMemoryException"}}) {
+        mFiles->mFiles["b"] = expected(row.mHeights, row.mNodes);
+        mFiles->mLength = row.mLength;
         const std::string raised = raisedBy([] { NavMesh::loadNavMeshBinary("b"); });
-        EXPECT_TRUE(raised.starts_with("TypeMismatchException")) << raised;
+        EXPECT_TRUE(raised.starts_with(row.mRaised)) << row.mHeights << ": " << raised;
     }
 }
 

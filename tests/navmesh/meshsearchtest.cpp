@@ -1,9 +1,7 @@
 // The search that a world runs against the plain parts, bit for bit and step by step.
 #include "navmesh/meshsearch.h"
-#include "common/astar/asgoalbase.h"
-#include "common/astar/astar.h"
-#include "common/astar/astarstoragefast.h"
 #include "common/callback/callbackallocator.h"
+#include "reference/plainsearch.h"
 #include "tests/support/navmeshlibrary.h"
 
 #include <algorithm>
@@ -16,48 +14,7 @@ namespace ZUNO::Tests {
 using namespace Common;
 using namespace NavMesh;
 using Math::Vec3;
-
-namespace {
-
-/// The plain parts of one search, on memory that is not the host's.
-class PlainSearch {
-public:
-    explicit PlainSearch(const SharedPtr<NavMeshContainer>& mesh)
-        : mMap(mesh), mStorage(&mMap, Memory::processHeap()),
-          mCost(Memory::createManaged<NMCostFunc>(Memory::processHeap(), mesh)),
-          mHeuristic(Memory::createManaged<NMHeuristicFunc>(Memory::processHeap(), mesh)),
-          mGoal(mCost.get(), mHeuristic.get(), Memory::processHeap()),
-          mAStar(&mStorage, &mGoal, &mMap, Memory::processHeap()) {}
-
-    void begin(const SearchEnds& ends) {
-        mCost->mEnds = mHeuristic->mEnds = ends;
-        mGoal.setStartGoal(ends.mStartNode, ends.mGoalNode);
-        mAStar.initSearch();
-    }
-    int run(std::uint32_t budget) { return mAStar.runSearch(budget); }
-    MeshSearch::NodeState stateOf(std::uint32_t node) {
-        return mStorage.isOpen(node)     ? MeshSearch::NODE_OPEN
-               : mStorage.isClosed(node) ? MeshSearch::NODE_CLOSED
-                                         : MeshSearch::NODE_UNVISITED;
-    }
-    float getPath(std::vector<std::uint32_t>& nodes) {
-        Astar::EdgeList edges(Memory::processHeap());
-        const float cost = mGoal.getPath(edges);
-        for (const std::uint32_t edge : edges)
-            nodes.push_back(mMap.getEdgeEndNode(edge));
-        return cost;
-    }
-
-private:
-    AStarMapNavMesh mMap;
-    Astar::AStarStorageFast mStorage;
-    std::unique_ptr<NMCostFunc> mCost;
-    std::unique_ptr<NMHeuristicFunc> mHeuristic;
-    Astar::ASGoalBase mGoal;
-    Astar::AStar mAStar;
-};
-
-} // namespace
+using Reference::PlainSearch;
 
 class MeshSearchTest : public NavMeshLibraryTest {
 protected:
@@ -97,6 +54,15 @@ protected:
         return {place(), place() + Vec3<float>(farAway[mRandom() % 4], 0, 0), node(), node()};
     }
 
+    static MeshSearch::NodeState stateOf(PlainSearch& search, std::uint32_t node) {
+        return search.isOpen(node)     ? MeshSearch::NODE_OPEN
+               : search.isClosed(node) ? MeshSearch::NODE_CLOSED
+                                       : MeshSearch::NODE_UNVISITED;
+    }
+    static MeshSearch::NodeState stateOf(MeshSearch& search, std::uint32_t node) {
+        return search.stateOf(node);
+    }
+
     void expectSameEnd(PlainSearch& plain, MeshSearch& fast, const MeshGraph& graph) {
         std::vector<std::uint32_t> expected;
         const float cost = plain.getPath(expected);
@@ -114,7 +80,8 @@ protected:
         const MeshGraph graph(mesh, Memory::processHeap());
         BlockPool pool(Memory::processHeap());
         MeshSearch fast(graph, pool, Memory::processHeap());
-        PlainSearch plain(mesh);
+        AStarMapNavMesh map(mesh);
+        PlainSearch plain(mesh, map, Memory::processHeap());
         for (int i = 0; i < searches; ++i) {
             const SearchEnds ends = pickEnds(*mesh);
             plain.begin(ends);
@@ -127,7 +94,7 @@ protected:
                 ASSERT_EQ(fast.run(budget), state);
                 const bool looks = i % 4 == 0 && slices % 64 == 0;
                 for (std::uint32_t node = 0; looks && node < count; ++node)
-                    ASSERT_EQ(fast.stateOf(node), plain.stateOf(node)) << node;
+                    ASSERT_EQ(fast.stateOf(node), stateOf(plain, node)) << node;
                 if (state == 0)
                     expectSameEnd(plain, fast, graph);
                 if (isAbandoned && slices > 5)
@@ -169,7 +136,8 @@ TEST_F(MeshSearchTest, CountsWhatItWouldExpandInVain) {
         const MeshGraph graph(mesh, Memory::processHeap());
         BlockPool pool(Common::getAllocator());
         MeshSearch fast(graph, pool, Memory::processHeap());
-        PlainSearch plain(mesh);
+        AStarMapNavMesh map(mesh);
+        PlainSearch plain(mesh, map, Memory::processHeap());
         for (const bool goesBack : {false, true})
             for (const std::uint32_t budget : {1U, 7U, 50U, 1000000000U})
                 for (const int looksAfter : {0, 3, 1000}) {
@@ -189,7 +157,7 @@ TEST_F(MeshSearchTest, CountsWhatItWouldExpandInVain) {
                         state = plain.run(budget);
                         ASSERT_EQ(fast.run(budget), state);
                         for (std::uint32_t node = 0; slices == looksAfter && node < 80; ++node)
-                            ASSERT_EQ(fast.stateOf(node), plain.stateOf(node));
+                            ASSERT_EQ(fast.stateOf(node), stateOf(plain, node));
                     }
                     EXPECT_EQ(fast.run(3), plain.run(3)) << "it stays ended";
                     fast.end();
@@ -208,11 +176,12 @@ TEST_F(MeshSearchTest, GoesOnAfterARefusedRequestAsIfNothingWere) {
          {load(Worlds::makeFloor(150, 4)), makeTangle(200, false, 0), makeTangle(100, true, 0)}) {
         const auto count = static_cast<std::uint32_t>(mesh->mNodes.size());
         const MeshGraph graph(mesh, Memory::processHeap());
-        PlainSearch plain(mesh);
+        AStarMapNavMesh map(mesh);
+        PlainSearch plain(mesh, map, Memory::processHeap());
         const auto statesOf = [&](auto& search) {
             std::vector<MeshSearch::NodeState> states;
             for (std::uint32_t node = 0; node < count; ++node)
-                states.push_back(search.stateOf(node));
+                states.push_back(stateOf(search, node));
             return states;
         };
         for (int i = 0; i < 25; ++i) {

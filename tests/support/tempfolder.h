@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <random>
+#include <sstream>
 #include <string>
 
 namespace ZUNO::Tests {
@@ -25,6 +27,23 @@ public:
     TempFolder& operator=(const TempFolder&) = delete;
 
     const std::filesystem::path& path() const { return mPath; }
+    /// The path of a name in it.
+    std::string in(const std::string& name) const { return (mPath / name).string(); }
+    /// Writes a file; returns its path.
+    std::string put(const std::string& name, const std::string& content) const {
+        std::ofstream(mPath / name, std::ios::binary) << content;
+        return in(name);
+    }
+    std::string get(const std::string& name) const {
+        std::ostringstream content;
+        content << std::ifstream(mPath / name, std::ios::binary).rdbuf();
+        return content.str();
+    }
+    /// How many files and folders lie in it.
+    std::ptrdiff_t count() const {
+        return std::distance(std::filesystem::directory_iterator(mPath),
+                             std::filesystem::directory_iterator());
+    }
 
 private:
     std::filesystem::path mPath;

@@ -7,12 +7,11 @@
 #include "common/memory/objectcreation.h"
 #include "common/memory/threadsafeallocator.h"
 #include "common/parser/xml/xmlparser.h"
+#include "reference/blockmodel.h"
+#include "reference/randomchoices.h"
 #include "tests/support/foundation.h"
 #include "tests/support/memoryfiles.h"
 #include "tests/support/recordingallocator.h"
-
-#include <map>
-#include <random>
 
 namespace ZUNO::Tests {
 
@@ -75,39 +74,10 @@ TEST_F(AllocatorTest, FreeListServesEachSizeFromItsClass) {
     EXPECT_TRUE(mParent->isClean()) << "chunks go with their allocator";
 }
 
-TEST_F(AllocatorTest, FreeListBehavesLikeMallocUnderRandomUse) {
+TEST_F(AllocatorTest, FreeListKeepsBlocksApartUnderRandomUse) {
     FreeListAllocator allocator(mHandle);
-    std::mt19937 random(4);
-    std::map<unsigned char*, std::pair<std::size_t, unsigned char>> blocks;
-    const auto check = [](const auto& entry) {
-        for (std::size_t i = 0; i < entry.second.first; ++i)
-            if (entry.first[i] != entry.second.second)
-                return false;
-        return true;
-    };
-    for (int step = 0; step < 20000; ++step) {
-        if (random() % 5 < 3) {
-            const std::size_t size = random() % 300;
-            auto* const block = static_cast<unsigned char*>(allocator.allocate(size));
-            const auto fill = static_cast<unsigned char>(random());
-            std::fill_n(block, size, fill);
-            ASSERT_EQ(reinterpret_cast<std::uintptr_t>(block) % FreeListLayout::alignment, 0U);
-            ASSERT_TRUE(blocks.emplace(block, std::pair(size, fill)).second);
-        } else if (!blocks.empty()) {
-            auto place = blocks.lower_bound(reinterpret_cast<unsigned char*>(random() * random()));
-            if (place == blocks.end())
-                place = blocks.begin();
-            ASSERT_TRUE(check(*place));
-            allocator.free(place->first);
-            blocks.erase(place);
-        }
-        if (step % 4000 == 0)
-            allocator.compact();
-    }
-    for (const auto& entry : blocks) {
-        ASSERT_TRUE(check(entry));
-        allocator.free(entry.first);
-    }
+    Reference::RandomChoices choices(4, 20000);
+    EXPECT_STREQ(Reference::BlockModel(allocator, FreeListLayout::alignment).use(choices), nullptr);
     std::uint64_t chunks = 0;
     for (const auto& [block, size] : mParent->mSizes)
         chunks += size;
@@ -134,10 +104,16 @@ TEST_F(AllocatorTest, FreeListPassesOnThatThereIsNoMemory) {
     EXPECT_EQ(Reports::take(), Texts{"header|Cannot allocate memory block of size: " +
                                      std::to_string(FreeListLayout::chunkSize(3))});
     allocator.free(nullptr);
-    FreeListAllocator overHeap(processHeap());
-    for (const std::uint64_t size : {8U, 300U})
-        overHeap.free(overHeap.allocate(size));
-    EXPECT_EQ(overHeap.compact(), FreeListLayout::chunkSize(3));
+}
+
+TEST_F(AllocatorTest, ANullHandleMeansTheProcessHeap) {
+    FreeListAllocator list(processHeap());
+    ThreadSafeAllocator locked(processHeap());
+    for (Allocator* const allocator : std::initializer_list<Allocator*>{&list, &locked})
+        for (const std::uint64_t size : {8U, 300U})
+            allocator->free(allocator->allocate(size));
+    EXPECT_EQ(list.compact(), FreeListLayout::chunkSize(3));
+    EXPECT_TRUE(locked.isClean());
 }
 
 // What an allocator adds to a size must not carry it over 32 bits, of which no more reach the host.

@@ -3,9 +3,10 @@
 #include "common/io/filesystem.h"
 #include "common/memory/objectcreation.h"
 #include "tests/support/foundation.h"
+#include "tests/support/recordingallocator.h"
 #include "tests/support/tempfolder.h"
 
-#include <filesystem>
+#include <algorithm>
 #include <memory>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -21,7 +22,7 @@ class PosixFilesTest : public FoundationTest {
 protected:
     PosixFilesTest() : mFiles(Memory::createManaged<FileSystem>(gObjectAllocator)) {}
 
-    std::string in(const char* name) const { return (mFolder.path() / name).string(); }
+    std::string in(const char* name) const { return mFolder.in(name); }
     static std::ptrdiff_t openDescriptors() {
         return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
     }
@@ -98,6 +99,27 @@ TEST_F(PosixFilesTest, TellsAMissingPathFromWhatIsNoFolder) {
             << row.mName;
     }
     EXPECT_FALSE(mFiles->fileExists(mFolder.path().c_str())) << "a folder is no file";
+}
+
+// Where a name can't be kept, its file goes: nobody would know of it.
+TEST_F(PosixFilesTest, NoTemporaryFileIsForgotten) {
+    auto* const own = new RecordingAllocator;
+    const std::unique_ptr<FileSystem> files(
+        Memory::createManaged<FileSystem>(SharedPtr<Memory::Allocator>(own)));
+    own->mIsEmpty = true;
+    const auto countFiles = [] {
+        std::error_code ignored;
+        return std::ranges::count_if(fs::directory_iterator("/tmp"), [&](const auto& entry) {
+            return entry.path().filename().string().starts_with("zuno") &&
+                   entry.is_regular_file(ignored);
+        });
+    };
+    const auto before = countFiles();
+    constexpr int times = 100; // more than there are tests beside this one
+    for (int i = 0; i < times; ++i)
+        EXPECT_EQ(raisedBy([&] { files->createTempFile(); }),
+                  "OutOfMemoryException: No Memory available");
+    EXPECT_LT(countFiles(), before + times / 2);
 }
 
 TEST_F(PosixFilesTest, LeavesNothingOpen) {

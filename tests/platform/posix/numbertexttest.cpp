@@ -5,7 +5,6 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 
 namespace ZUNO::Tests {
 
@@ -15,11 +14,10 @@ class NumberTextTest : public testing::Test {
 protected:
     /// Makes a locale of its own: none needs to be installed.
     void SetUp() override {
-        const std::string source = (mFolder.path() / "comma.src").string();
-        std::ofstream(source) << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\n"
-                                 "grouping -1\nEND LC_NUMERIC\n";
-        const std::string command =
-            "localedef -c -i " + source + " " + (mFolder.path() / "comma").string();
+        const std::string source =
+            mFolder.put("comma.src", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\n"
+                                     "grouping -1\nEND LC_NUMERIC\n");
+        const std::string command = "localedef -c -i " + source + " " + mFolder.in("comma");
         std::system((command + " 2>/dev/null").c_str()); // its warnings count as failure
         setenv("LOCPATH", mFolder.path().c_str(), 1);
         ASSERT_NE(std::setlocale(LC_NUMERIC, "comma"), nullptr) << command;
