@@ -36,70 +36,56 @@ protected:
         return storage;
     }
 
-    /// One item of each type, within two classes.
+    /// One item of each type, within two classes: written, or read and compared.
+    static void exchange(BinarySerializeStorage& storage) {
+        using S = BinarySerializeStorage;
+        const bool writes = storage.getSerializeMode() == SMODE_OUTPUT;
+        const auto item = [&](const char* name, auto value, auto write, auto read) {
+            if (writes)
+                return static_cast<void>((storage.*write)(name, value));
+            String foundName;
+            decltype(value) found{};
+            (storage.*read)(foundName, found);
+            EXPECT_EQ(found, value) << name;
+            EXPECT_STREQ(foundName.getConstCharPtr(), name);
+        };
+        const auto enter = [&](const char* name, const char* type, const char* type2,
+                               std::uint32_t version) {
+            if (writes)
+                return storage.writeClassEnter(name, type, type2, version);
+            String found[3];
+            std::uint32_t foundVersion = 0;
+            storage.readClassEnter(found[0], found[1], found[2], foundVersion);
+            EXPECT_TRUE(found[0] == name && found[1] == type && found[2] == type2) << name;
+            EXPECT_EQ(foundVersion, version);
+        };
+        const auto leave = [&] { writes ? storage.writeClassExit() : storage.readClassExit(); };
+        enter("outer", "T", "U", 25);
+        item("b", true, &S::writeBool, &S::readBool);
+        item("u8", std::uint8_t{200}, &S::writeUInt8, &S::readUInt8);
+        item("i8", std::int8_t{-100}, &S::writeInt8, &S::readInt8);
+        item("u16", std::uint16_t{60000}, &S::writeUInt16, &S::readUInt16);
+        item("i16", std::int16_t{-30000}, &S::writeInt16, &S::readInt16);
+        item("u32", 4000000000U, &S::writeUInt32, &S::readUInt32);
+        item("i32", -2000000000, &S::writeInt32, &S::readInt32);
+        enter("inner", "U", "T", 1);
+        item("u64", std::uint64_t{18000000000000000000U}, &S::writeUInt64, &S::readUInt64);
+        item("i64", std::int64_t{-9000000000000000000}, &S::writeInt64, &S::readInt64);
+        item("f", 0.1F, &S::writeFloat32, &S::readFloat32);
+        item("d", 0.1, &S::writeFloat64, &S::readFloat64);
+        leave();
+        item("b", String("text"), &S::writeBString, &S::readBString);
+        item("w", WideText({u'\u00e4', u'b'}, gObjectAllocator), &S::writeWString, &S::readWString);
+        item("nothing", WideText(gObjectAllocator), &S::writeWString, &S::readWString);
+        leave();
+        item("last", 7, &S::writeInt32, &S::readInt32);
+    }
     void writeAll(const char* name, int marker) {
         auto out = make(SMODE_OUTPUT, marker);
         out->open(open(name, 3));
-        out->writeClassEnter("outer", "T", "U", 25);
-        out->writeBool("b", true);
-        out->writeUInt8("u8", 200);
-        out->writeInt8("i8", -100);
-        out->writeUInt16("u16", 60000);
-        out->writeInt16("i16", -30000);
-        out->writeUInt32("u32", 4000000000U);
-        out->writeInt32("i32", -2000000000);
-        out->writeClassEnter("inner", "U", "T", 1);
-        out->writeUInt64("u64", 18000000000000000000U);
-        out->writeInt64("i64", -9000000000000000000);
-        out->writeFloat32("f", 0.1F);
-        out->writeFloat64("d", 0.1);
-        out->writeClassExit();
-        out->writeBString("b", "text");
-        out->writeWString("w", WideText({u'\u00e4', u'b'}, gObjectAllocator));
-        out->writeWString("nothing", WideText(gObjectAllocator));
-        out->writeClassExit();
-        out->writeInt32("last", 7);
+        exchange(*out);
         out->close();
         out->close(); // once more does nothing
-    }
-
-    void readAll(BinarySerializeStorage& in) {
-        String name;
-        String type;
-        String type2;
-        std::uint32_t version = 0;
-        in.readClassEnter(name, type, type2, version);
-        EXPECT_TRUE(name == "outer" && type == "T" && type2 == "U");
-        EXPECT_EQ(version, 25U);
-        const auto expect = [&](auto value, auto read, const char* expectedName) {
-            decltype(value) found{};
-            (in.*read)(name, found);
-            EXPECT_EQ(found, value);
-            EXPECT_STREQ(name.getConstCharPtr(), expectedName);
-        };
-        using S = BinarySerializeStorage;
-        expect(true, &S::readBool, "b");
-        expect(std::uint8_t{200}, &S::readUInt8, "u8");
-        expect(std::int8_t{-100}, &S::readInt8, "i8");
-        expect(std::uint16_t{60000}, &S::readUInt16, "u16");
-        expect(std::int16_t{-30000}, &S::readInt16, "i16");
-        expect(4000000000U, &S::readUInt32, "u32");
-        expect(-2000000000, &S::readInt32, "i32");
-        in.readClassEnter(name, type, type2, version);
-        EXPECT_TRUE(name == "inner" && type == "U" && type2 == "T");
-        expect(std::uint64_t{18000000000000000000U}, &S::readUInt64, "u64");
-        expect(std::int64_t{-9000000000000000000}, &S::readInt64, "i64");
-        expect(0.1F, &S::readFloat32, "f");
-        expect(0.1, &S::readFloat64, "d");
-        in.readClassExit();
-        expect(String("text"), &S::readBString, "b");
-        WideText wide(gObjectAllocator);
-        in.readWString(name, wide);
-        EXPECT_EQ(wide, WideText({u'\u00e4', u'b'}, gObjectAllocator));
-        in.readWString(name, wide);
-        EXPECT_TRUE(wide.empty());
-        in.readClassExit();
-        expect(7, &S::readInt32, "last");
     }
 
     MemoryFiles* mFiles;
@@ -132,7 +118,7 @@ TEST_F(SerializeTest, ReadsBackWhatItWroteInBothByteOrders) {
         writeAll("s", marker);
         auto in = reader("s");
         EXPECT_EQ(Reports::take().size(), marker == 1 ? 0U : 1U) << "a foreign byte order is told";
-        readAll(*in);
+        exchange(*in);
     }
 }
 
@@ -159,7 +145,7 @@ TEST_F(SerializeTest, SkipsAndReturns) {
     EXPECT_TRUE(name.isEmpty()) << "the end of a class has no name";
     in->setPosition(begin);
     EXPECT_TRUE(*in->getPosition() == *begin);
-    readAll(*in);
+    exchange(*in);
     in->setPosition({});
     auto out = make(SMODE_OUTPUT, 1);
     out->skipItem(name, type);
@@ -183,7 +169,7 @@ TEST_F(SerializeTest, AsksForNoMoreThanThereIsAndReturnsToTheLastItem) {
     const SharedPtr<IO::Stream> stream = open("s", 1);
     auto in = make(SMODE_INPUT, 2);
     in->open(stream);
-    readAll(*in);
+    exchange(*in);
     const auto end = stream->getPosition();
     in->close();
     EXPECT_GT(end, stream->getPosition());

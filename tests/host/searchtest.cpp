@@ -8,27 +8,37 @@
 
 namespace ZUNO::Tests {
 
-using SearchTest = HostTest;
-
-// Many searches side by side in slices of any size, closed and opened again.
-TEST_F(SearchTest, FindsThePlainWorldsPaths) {
-    struct Case {
-        Worlds::MeshModel mMesh;
-        std::size_t mWidth; ///< how many are open at a time
-    };
-    for (const Case& row : {Case{Worlds::makeHarbour(), 12},
-                            {Worlds::makeFloor(400, 5), 12},
-                            {Worlds::makeFloor(900, 8), 1}}) {
-        mFiles->mFiles["mesh"] = row.mMesh.toXML("mesh");
+class SearchTest : public HostTest {
+protected:
+    /// Searches, rays and heights: `width` searches at a time, in slices of up to `budget`.
+    void expectThePlainWorldsAnswers(const std::string& document, std::size_t width,
+                                     unsigned int budget) {
+        mFiles->mFiles["mesh"] = document;
         ASSERT_TRUE(start("mesh"));
         const auto mesh = HostKit::readMesh("mesh", mFileCallback);
         Reference::PlainWorld plain(mesh, Common::Memory::processHeap());
         Interface world;
-        Reference::Questions questions(2);
-        Reference::SearchComparison comparison(plain, world, questions);
-        EXPECT_EQ(comparison.run(questions.journeysOver(*mesh, 150), row.mWidth, 40), "");
-        EXPECT_GT(comparison.found(), 50U);
+        Reference::SearchComparison comparison(plain, world, mQuestions);
+        EXPECT_EQ(comparison.run(mQuestions.journeysOver(*mesh, 150), width, budget), "");
+        EXPECT_GT(comparison.found(), 20U);
+        Vec2<float> low;
+        Vec2<float> high;
+        Interface::getBoundingRectangle(low, high);
+        EXPECT_EQ(Reference::compareRays(plain, world, mQuestions.raysOver(low, high, 500)), "");
         Interface::close();
+    }
+
+    Reference::Questions mQuestions{3};
+};
+
+TEST_F(SearchTest, AnswersAsAWorldOfPlainPartsDoes) {
+    expectThePlainWorldsAnswers(Worlds::makeHarbour().toXML("harbour"), 12, 3);
+    expectThePlainWorldsAnswers(Worlds::makeFloor(400, 6).toXML("full of ties"), 12, 40);
+    expectThePlainWorldsAnswers(Worlds::makeFloor(3000, 7).toXML("large"), 20, 2000);
+    for (const unsigned int polygons : {60U, 600U}) {
+        NavMesh::NavMeshContainer mesh;
+        mQuestions.fill(mesh, {1, 0, 0.25F, polygons});
+        expectThePlainWorldsAnswers(HostKit::textOf(mesh), 7, 50);
     }
 }
 

@@ -1,8 +1,6 @@
 // What a world runs against the plain forms, bit for bit.
 #include "navmesh/nodelocator.h"
-#include "pathfinder/navmeshinstance.h"
 #include "reference/comparison.h"
-#include "reference/plainworld.h"
 #include "tests/support/navmeshlibrary.h"
 
 #include <cmath>
@@ -27,22 +25,6 @@ protected:
         EXPECT_LE(locator.getMemoryUsage(), 32 * mesh->mNodes.size() + 64);
         EXPECT_EQ(Reference::compareLocations(*mesh, locator, mQuestions.pointsAround(*mesh, 1500)),
                   "");
-    }
-
-    /// Searches, rays and heights of the mesh in file "m".
-    void expectSameWorld(const SharedPtr<NavMeshContainer>& mesh, std::size_t width,
-                         unsigned int budget) {
-        const std::unique_ptr<Pathfinder::NavMeshInstance> world(
-            Memory::createManaged<Pathfinder::NavMeshInstance>(gObjectAllocator));
-        ASSERT_TRUE(world->load("m", ""));
-        Reference::PlainWorld plain(mesh, gObjectAllocator);
-        Reference::SearchComparison comparison(plain, *world, mQuestions);
-        EXPECT_EQ(comparison.run(mQuestions.journeysOver(*mesh, 150), width, budget), "");
-        EXPECT_GT(comparison.found(), 20U);
-        Math::Vec2<float> low;
-        Math::Vec2<float> high;
-        world->getBoundingRectangle(low, high);
-        EXPECT_EQ(Reference::compareRays(plain, *world, mQuestions.raysOver(low, high, 500)), "");
     }
 
     Questions mQuestions{3};
@@ -91,16 +73,6 @@ TEST_F(FastFormsTest, BoundsWhatSimpleOutlinesHold) {
         const auto reach = NodeLocator::reachOf(*mesh, node);
         EXPECT_EQ(reach.has_value(), isBounded) << turns << " turns, " << corners << " corners";
         EXPECT_TRUE(depth < 1 || !isBounded || reach->largerExtent() < 8.3);
-    }
-}
-
-TEST_F(FastFormsTest, AnswersAsAWorldOfPlainPartsDoes) {
-    expectSameWorld(load(Worlds::makeHarbour()), 1, 3);
-    expectSameWorld(load(Worlds::makeFloor(400, 6)), 5, 40);
-    expectSameWorld(load(Worlds::makeFloor(3000, 7)), 20, 2000);
-    for (const unsigned int polygons : {60U, 600U}) {
-        saveNavMeshXML("m", fill({1, 0, 0.25F, polygons}));
-        expectSameWorld(loadNavMeshXML("m"), 7, 50);
     }
 }
 

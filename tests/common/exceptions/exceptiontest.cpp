@@ -119,31 +119,6 @@ TEST_F(ExceptionTest, CallStacksDrawFromTheirAllocatorAlone) {
     initLibrary(mCallback);
 }
 
-TEST_F(ExceptionTest, ExceptionsCanBeMadeWithoutAnyMemoryOfTheHosts) {
-    mMemory->mFailingRequest = mMemory->mRequests + 1;
-    mMemory->mFailsOnwards = true;
-    std::vector<void*> taken; // until the object allocator has nothing more to give
-    for (std::uint64_t size = 0; size < 252; size += 4)
-        while (void* const block = gObjectAllocator->allocate(size))
-            taken.push_back(block);
-    bool isRaised = false;
-    try {
-        Memory::throwOutOfMemory();
-    } catch (const Memory::OutOfMemoryException* exception) {
-        isRaised = true;
-        EXPECT_STREQ(exception->getMessage().getConstCharPtr(), "No Memory available");
-        delete exception;
-    }
-    EXPECT_TRUE(isRaised);
-    Reports::take();
-    for (void* const block : taken)
-        gObjectAllocator->free(block);
-    mMemory->mFailingRequest = 0;
-    closeLibrary(); // which reports the requests that failed: they count as outstanding
-    EXPECT_EQ(Reports::take().size(), 1U);
-    initLibrary(mCallback);
-}
-
 TEST_F(ExceptionTest, ReportsHaveNoLimitOfLength) {
     for (const std::size_t length : {1U, 2046U, 2047U, 2048U, 300000U}) {
         const std::string text(length, 'x');
