@@ -87,7 +87,7 @@ private:
 class Choices {
 public:
     Choices(const std::uint8_t* data, std::size_t size) : mInput(data, size) {}
-    bool goesOn() const { return mInput.remaining_bytes() != 0; }
+    bool goesOn() { return mInput.remaining_bytes() != 0; }
     std::size_t below(std::size_t count) {
         return mInput.ConsumeIntegralInRange<std::size_t>(0, count - 1);
     }

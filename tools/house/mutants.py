@@ -2,12 +2,14 @@
 """Plants small faults, one at a time, and lists those that no test notices.
 
 usage: mutants.py [N] [--seed S] [--only GLOB] [--jobs J]
+       mutants.py --again [--jobs J]
 
 N faults (60) at random places of src/ and hostkit/, or of the files that GLOB names, each kind of
 fault as often as any other. All happens in a copy, build/mutants/tree, which each run brings up to
 date: the sources stay as they are, whenever a run is stopped. What does not compile, and what
 compiles to the same machine code, is no fault: it is counted apart and another is planted in its
 place. A fault is noticed when a test fails, crashes, or takes eight times as long as it should.
+With --again those that survived the last time are planted once more, wherever they stand now.
 
 The exit status is 0 when all were noticed, 1 when some were not, 2 when nothing could be tried.
 """
@@ -29,7 +31,7 @@ from mutations import KINDS, faults_of
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 HOME = ROOT / "build/mutants"
-TREE, BUILD = HOME / "tree", HOME / "build"
+TREE, BUILD, SURVIVORS = HOME / "tree", HOME / "build", HOME / "survivors.txt"
 TESTS = ["unittests", "hosttests"]
 PROGRAMS = ["bin/unittests", "bin/hosttests", "bin/zunopath", "bin/zunotrace", "lib/libzunopathfinder.so"]
 
@@ -148,16 +150,28 @@ def describe(fault):
     return f"{fault.file}:{fault.line}: {fault.kind}\n    - {before}\n    + {after}"
 
 
-def choose(glob, seed):
-    """Faults in random order, their kinds taking turns at random; none twice."""
+def all_faults(glob="*"):
     files = sorted(path.relative_to(TREE).as_posix() for folder in ("src", "hostkit")
                    for path in (TREE / folder).rglob("*") if path.suffix in (".h", ".cpp"))
-    files = [name for name in files if fnmatch.fnmatch(name, glob)
-             and "/platform/win32/" not in name and "/platform/web/" not in name]
-    by_kind = {kind: [] for kind in KINDS}
     for name in files:
-        for fault in faults_of(name, (TREE / name).read_text()):
-            by_kind[fault.kind].append(fault)
+        if fnmatch.fnmatch(name, glob) and "/platform/win32/" not in name and "/platform/web/" not in name:
+            yield from faults_of(name, (TREE / name).read_text())
+
+
+def survivors_of_the_last_time():
+    def without_line(description):
+        return re.sub(r":\d+:", ":", description.strip(), count=1)
+    told = re.split(r"\n(?=\S)", SURVIVORS.read_text()) if SURVIVORS.is_file() else []
+    known = {without_line(description) for description in told}
+    files = {description.partition(":")[0] for description in told}
+    return [fault for fault in all_faults() if fault.file in files and without_line(describe(fault)) in known]
+
+
+def choose(glob, seed):
+    """Faults in random order, their kinds taking turns at random; none twice."""
+    by_kind = {kind: [] for kind in KINDS}
+    for fault in all_faults(glob):
+        by_kind[fault.kind].append(fault)
     chance = random.Random(seed)
     while any(by_kind.values()):
         faults = by_kind[chance.choice([kind for kind in KINDS if by_kind[kind]])]
@@ -169,6 +183,7 @@ def main():
     parser.add_argument("count", nargs="?", type=int, default=60)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--only", default="*")
+    parser.add_argument("--again", action="store_true")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     arguments = parser.parse_args()
     HOME.mkdir(parents=True, exist_ok=True)
@@ -178,9 +193,13 @@ def main():
     if wrong:
         print(wrong)
         return 2
+    faults = choose(arguments.only, arguments.seed)
+    if arguments.again:
+        faults = survivors_of_the_last_time()
+        arguments.count = len(faults)
     counts = {"killed": 0, "survived": 0, "uncompilable": 0, "same code": 0}
     survivors, begin = [], time.monotonic()
-    for fault in choose(arguments.only, arguments.seed):
+    for fault in faults:
         tried = counts["killed"] + counts["survived"]
         if tried == arguments.count:
             break
@@ -193,10 +212,11 @@ def main():
                   f"{outcome}{' by ' + by if by else ''}", flush=True)
         if outcome == "survived":
             survivors.append(describe(fault))
-            (HOME / "survivors.txt").write_text("\n".join(survivors) + "\n")
             print(survivors[-1], flush=True)
+    SURVIVORS.write_text("\n".join([*survivors, ""]))
     print("\n".join(["", *survivors]))
-    print(f"seed {arguments.seed}: {counts['killed']} of {counts['killed'] + counts['survived']} faults were "
+    which = "survivors of the last time" if arguments.again else f"seed {arguments.seed}"
+    print(f"{which}: {counts['killed']} of {counts['killed'] + counts['survived']} faults were "
           f"noticed; beside them {counts['uncompilable']} did not compile and {counts['same code']} gave the "
           "same machine code")
     if counts["killed"] + counts["survived"] == 0:
