@@ -200,29 +200,30 @@ TEST_F(SerializeTest, EndsWhateverTheHostThrows) {
 TEST_F(SerializeTest, SaysWhatIsWrong) {
     writeAll("s", 1);
     const std::string good = mFiles->mFiles["s"];
-    const auto opening = [&](const std::string& content) {
-        mFiles->mFiles["s"] = content;
-        return raisedBy([&] { reader("s"); });
+    const std::size_t tables =
+        static_cast<unsigned char>(good[5]) + 256U * static_cast<unsigned char>(good[6]);
+    const std::string version =
+        "VersionMismatchException: The input stream has a wrong version for "
+        "this serialize storage. We found version '";
+    struct Case {
+        std::size_t mAt;
+        std::string mBytes;
+        std::string mRaised;
     };
-    std::string version = good;
-    version[1] = 2;
-    EXPECT_EQ(opening(version),
-              "VersionMismatchException: The input stream has a wrong version for this serialize "
-              "storage. We found version '2' but expected version '1' {FoundVersion=2} "
-              "{ExpectedVersion=1}");
-    version.replace(1, 4, "\xFE\xFF\xFF\xFF");
-    EXPECT_NE(opening(version).find("{FoundVersion=4294967294} {ExpectedVersion=1}"),
-              std::string::npos);
-    std::string endless = good;
-    endless.replace(static_cast<unsigned char>(good[5]) +
-                        256U * static_cast<unsigned char>(good[6]),
-                    4, "\xFF\xFF\xFF\x0F");
-    EXPECT_EQ(opening(endless), "SerializeException: The stream is corrupted. A lookup table is "
-                                "longer than the stream");
-    std::string unfinished = good;
-    unfinished.replace(5, 8, 8, '\0');
-    EXPECT_EQ(opening(unfinished),
-              "SerializeException: Stream is corrupted, no lookup table stored in the stream");
+    for (const Case& row :
+         {Case{1, "\x02",
+               version + "2' but expected version '1' {FoundVersion=2} {ExpectedVersion=1}"},
+          {1, "\xFE\xFF\xFF\xFF",
+           version + "4294967294' but expected version '1' {FoundVersion=4294967294} "
+                     "{ExpectedVersion=1}"},
+          {tables, "\xFF\xFF\xFF\x0F",
+           "SerializeException: The stream is corrupted. A lookup table is longer than the stream"},
+          {5, std::string(8, '\0'),
+           "SerializeException: Stream is corrupted, no lookup table stored in the stream"}}) {
+        mFiles->mFiles["s"] = good;
+        mFiles->mFiles["s"].replace(row.mAt, row.mBytes.size(), row.mBytes);
+        EXPECT_EQ(raisedBy([&] { reader("s"); }), row.mRaised);
+    }
     mFiles->mFiles["s"] = good;
     EXPECT_EQ(raisedBy([&] {
                   String name;
