@@ -49,6 +49,9 @@ TEST_F(IoTest, OpensInEveryModeAndAccess) {
     const std::string denied =
         "UnAuthorizedAccessException: FileStream: Given path is a directory, or file is read-only, "
         "but an open-for-writing operation was attempted";
+    const std::string unknown = "ArgumentOutOfRangeException: FileStream: Unknown ";
+    const std::string unknownAccess = unknown + "access mode {ArgumentName=fAccess}";
+    const std::string unknownMode = unknown + "file open mode {ArgumentName=fMode}";
     const Case cases[] = {
         {"f", 1, 1, "", "0123456789"},
         {"f", 2, 1, "", "AB23456789"},
@@ -68,18 +71,10 @@ TEST_F(IoTest, OpensInEveryModeAndAccess) {
         {"new", 3, 5, "", "AB"},
         {"sub", 1, 1, denied, ""},
         {"sub", 3, 1, denied, ""},
-        {"f", 0, 0,
-         "ArgumentOutOfRangeException: FileStream: Unknown access mode {ArgumentName=fAccess}",
-         "0123456789"},
-        {"f", 4, 1,
-         "ArgumentOutOfRangeException: FileStream: Unknown access mode {ArgumentName=fAccess}",
-         "0123456789"},
-        {"f", 1, 0,
-         "ArgumentOutOfRangeException: FileStream: Unknown file open mode {ArgumentName=fMode}",
-         "0123456789"},
-        {"f", 1, 6,
-         "ArgumentOutOfRangeException: FileStream: Unknown file open mode {ArgumentName=fMode}",
-         "0123456789"},
+        {"f", 0, 0, unknownAccess, "0123456789"},
+        {"f", 4, 1, unknownAccess, "0123456789"},
+        {"f", 1, 0, unknownMode, "0123456789"},
+        {"f", 1, 6, unknownMode, "0123456789"},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(std::string(row.mName) + " " + std::to_string(row.mAccess) + " " +

@@ -13,40 +13,26 @@ namespace {
 /// Host files of which one call in many goes wrong.
 class FaultyFiles : public MemoryFiles {
 public:
-    enum class Fault { NONE, SHORT, NEGATIVE, EMPTY, TOO_LONG, GROWS, SHRINKS, LOSES_HANDLE };
-
     std::int32_t readFile(void* dstBuffer, std::uint32_t numBytes, Handle handle) override {
         const std::int32_t count = MemoryFiles::readFile(dstBuffer, numBytes, handle);
-        if (++mCalls != mFaultyCall)
-            return count;
-        switch (mFault) {
-        case Fault::SHORT:
-            return count - 1;
-        case Fault::NEGATIVE:
-            return -1;
-        case Fault::EMPTY:
-            return 0;
-        case Fault::TOO_LONG:
-            return count + 1;
-        default:
-            return count;
-        }
+        return isNow() && mWrongCount ? mWrongCount(count) : count;
     }
     std::int64_t getFileLength(Handle handle) override {
         const std::int64_t length = MemoryFiles::getFileLength(handle);
-        if (++mCalls != mFaultyCall)
-            return length;
-        return mFault == Fault::GROWS ? length + 7
-                                      : (mFault == Fault::SHRINKS ? length / 2 : length);
+        return isNow() && mWrongLength ? mWrongLength(length) : length;
     }
     bool isValidHandle(Handle handle) override {
-        return (++mCalls != mFaultyCall || mFault != Fault::LOSES_HANDLE) &&
-               MemoryFiles::isValidHandle(handle);
+        return !(isNow() && mLosesHandle) && MemoryFiles::isValidHandle(handle);
     }
 
-    Fault mFault = Fault::NONE;
+    std::function<std::int32_t(std::int32_t)> mWrongCount;
+    std::function<std::int64_t(std::int64_t)> mWrongLength;
+    bool mLosesHandle = false;
     unsigned int mFaultyCall = 0; ///< of all calls, from 1 on; 0: none
     unsigned int mCalls = 0;
+
+private:
+    bool isNow() { return ++mCalls == mFaultyCall; }
 };
 
 /// A digest of what a world answers.
@@ -208,22 +194,33 @@ TEST_F(FaultsTest, NoRequestForMemoryIsEssential) {
 }
 
 TEST_F(FaultsTest, NoAnswerAboutFilesIsTrusted) {
-    using Fault = FaultyFiles::Fault;
     const std::vector<std::string> names = {
         "IOException",        "FileNotFoundException", "UnAuthorizedAccessException",
         "XMLParserException", "InvalidStateException", "NotSupportedException"};
     Stderr reports;
-    for (const Fault fault : {Fault::SHORT, Fault::NEGATIVE, Fault::EMPTY, Fault::TOO_LONG,
-                              Fault::GROWS, Fault::SHRINKS, Fault::LOSES_HANDLE})
+    struct Fault {
+        decltype(FaultyFiles::mWrongCount) mWrongCount;
+        decltype(FaultyFiles::mWrongLength) mWrongLength = {};
+        bool mLosesHandle = false;
+    };
+    const auto read = [](std::int32_t factor, std::int32_t more) {
+        return Fault{[=](std::int32_t count) { return count * factor + more; }};
+    };
+    for (const Fault& fault :
+         {read(1, -1), read(0, -1), read(0, 0), read(1, 1),
+          Fault{{}, [](std::int64_t length) { return length + 7; }},
+          Fault{{}, [](std::int64_t length) { return length / 2; }}, Fault{{}, {}, true}})
         for (unsigned int n = 1;; ++n) {
-            mFaultyFiles->mFault = fault;
+            mFaultyFiles->mWrongCount = fault.mWrongCount;
+            mFaultyFiles->mWrongLength = fault.mWrongLength;
+            mFaultyFiles->mLosesHandle = fault.mLosesHandle;
             mFaultyFiles->mFaultyCall = n;
             mFaultyFiles->mCalls = 0;
             bool wasReached = false;
             survive(n, names, [&] {
                 wasReached = mFaultyFiles->mCalls >= n;
                 mFaultyFiles->mFaultyCall = 0;
-                if (fault == Fault::LOSES_HANDLE)
+                if (fault.mLosesHandle)
                     mFaultyFiles->closeAll(); // what the host itself lost
             });
             if (!wasReached || HasFatalFailure())

@@ -75,6 +75,8 @@ TEST_F(PosixFilesTest, AWriteThatFallsShortIsNotTriedAgain) {
 TEST_F(PosixFilesTest, TellsAMissingPathFromWhatIsNoFolder) {
     FileStream(in("f").c_str(), FACCESS_WRITE, FMODE_CREATE).close();
     fs::create_symlink("ring", mFolder.path() / "ring");
+    const std::string longName(300, 'n');
+    const char* const unknown = "retVal == 0|Internal error: Unhandled error code from open()";
     const struct {
         const char* mName;
         const char* mOnDeleting; ///< raised or reported
@@ -83,8 +85,8 @@ TEST_F(PosixFilesTest, TellsAMissingPathFromWhatIsNoFolder) {
         {"f", "|Unkown error code", ""},
         {"f/x", "ArgumentException", "FileNotFoundException"},
         {"no/x", "ArgumentException", "FileNotFoundException"},
-        {"ring", "|Unkown error code",
-         "retVal == 0|Internal error: Unhandled error code from open()"},
+        {"ring", "|Unkown error code", unknown},
+        {longName.c_str(), "|Unkown error code", unknown},
     };
     const auto outcomeOf = [](auto action) {
         const std::string raised = raisedBy(action);
