@@ -134,18 +134,4 @@ TEST_F(BlockingTest, MapsHostPositionsIntoTheMeshsPlane) {
     EXPECT_EQ(max, Vec2<float>(0, 0));
 }
 
-TEST_F(BlockingTest, StaysDefinedOnDegenerateGrids) {
-    for (const char* cube : {"<cubesize>20</cubesize>", "<cubesize>6</cubesize>"}) {
-        load(meshOf({{0, 0, 10, 0}},
-                    std::string("<xaxis>1/0/0</xaxis><yaxis>0/1/0</yaxis>") + cube));
-        Interface::isBlocked({5, 5});
-        EXPECT_LE(traced({1, 1}, {9, 9}), 20);
-        EXPECT_GE(Interface::initPathSearch({1, 1, 0}, {2, 2, 0}), 0);
-    }
-    load(meshOf({{3, 3, 0, 0}})); // all corners in one point
-    EXPECT_EQ(Interface::initPathSearch({3, 3, 0}, {3, 3, 0}), 0);
-    Interface::isBlocked({3, 3});
-    traced({3, 3}, {4, 4});
-}
-
 } // namespace ZUNO::Tests

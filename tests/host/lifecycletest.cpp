@@ -34,9 +34,6 @@ TEST_F(HostTest, RefusesFilesThatHoldNoMesh) {
         const std::size_t to = floor.find(end, from) + std::strlen(end);
         return floor.substr(0, from) + by + floor.substr(to);
     };
-    std::string deep = "<a>";
-    for (int i = 0; i < 5000; ++i)
-        deep += "<b>";
     const char* const ended =
         "XMLParserException: XMLParser: End of buffer reached. {Line=1} {Row=0}";
     const Case cases[] = {
@@ -52,7 +49,6 @@ TEST_F(HostTest, RefusesFilesThatHoldNoMesh) {
         {without("<polygon>", "</polygon>", "<polygon/>"), "node 0 has no corners", ""},
         {without("<vert_id>", "</vert_id>", "<vert_id>5000</vert_id>"),
          "node 0: corner 0 refers to vertex 5000 of ", ""},
-        {deep + "<c/>", "", "XMLParserException: XMLParser: Elements are nested deeper than 4096"},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.mContent.substr(0, 60) + " -> " + row.mReport);
@@ -95,8 +91,6 @@ TEST_F(HostTest, TurnsTheHostsFileErrorsIntoExceptions) {
            "UnAuthorizedAccessException: CallbackFileStream: Given path is a directory, or file is "
            "read-only, but an open-for-writing operation was attempted"},
           {"floor", -3, length, result, "IOException: CallbackFileStream: Unknown file open error"},
-          {"floor", 0, -1, result, incomplete},
-          {"floor", 0, std::int64_t{1} << 32, result, incomplete},
           {"floor", 0, 100000, result, incomplete},
           {"floor", 0, length, -1, incomplete}}) {
         mFiles->mOpenResult = row.mOpenResult;

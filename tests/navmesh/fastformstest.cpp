@@ -76,20 +76,6 @@ TEST_F(FastFormsTest, BoundsWhatSimpleOutlinesHold) {
     }
 }
 
-TEST_F(FastFormsTest, SavesMissingNeighboursAsNone) {
-    const SharedPtr<NavMeshContainer> mesh = fill({});
-    saveNavMeshBinary("b", mesh);
-    const SharedPtr<NavMeshContainer> read = loadNavMeshBinary("b");
-    unsigned int missing = 0;
-    for (std::size_t id = 0; id < mesh->mNodes.size(); ++id) {
-        auto expected = mesh->mNodes[id].mNeighbours;
-        missing += expected.size() < mesh->mNodes[id].mPolygon.size() ? 1 : 0;
-        expected.resize(mesh->mNodes[id].mPolygon.size(), -1);
-        EXPECT_EQ(read->mNodes[id].mNeighbours, expected);
-    }
-    EXPECT_GT(missing, 10U);
-}
-
 TEST_F(FastFormsTest, TestsPolygonsOfEitherTurn) {
     const SharedPtr<NavMeshContainer> mesh = fill({1, 0, 0.25F, 1});
     mesh->mVertices.clear();

@@ -214,25 +214,4 @@ TEST_F(MeshSearchTest, GoesOnAfterARefusedRequestAsIfNothingWere) {
     Reports::take(); // it has counted what was refused, too
 }
 
-// Searches of one world draw from one pool: what one gives back serves the next.
-TEST_F(MeshSearchTest, TakesNothingAnewFromThePool) {
-    const SharedPtr<NavMeshContainer> mesh = load(Worlds::makeFloor(3000, 7));
-    const MeshGraph graph(mesh, Memory::processHeap());
-    BlockPool pool(Common::getAllocator());
-    std::vector<std::unique_ptr<MeshSearch>> searches;
-    for (int i = 0; i < 30; ++i)
-        searches.push_back(std::make_unique<MeshSearch>(graph, pool, Memory::processHeap()));
-    for (int round = 0; round < 6; ++round) {
-        mMemory->mRequests = 0;
-        for (auto& search : searches) {
-            search->begin({{0, 0, 0}, {50, 0, 50}, 0, 2900});
-            search->run(50);
-        }
-        for (auto& search : searches)
-            search->end();
-        EXPECT_EQ(mMemory->mRequests == 0, round > 0);
-        std::ranges::reverse(searches);
-    }
-}
-
 } // namespace ZUNO::Tests

@@ -85,17 +85,6 @@ TEST_F(AllocatorTest, FreeListKeepsBlocksApartUnderRandomUse) {
     EXPECT_TRUE(mParent->isClean());
 }
 
-TEST_F(AllocatorTest, CompactKeepsChunksInUse) {
-    FreeListAllocator allocator(mHandle);
-    void* const used = allocator.allocate(1);
-    EXPECT_EQ(allocator.compact(), 0U);
-    EXPECT_TRUE(allocator.isClean()) << "it does not count its blocks";
-    EXPECT_EQ(mParent->mSizes.size(), 1U);
-    allocator.free(used);
-    EXPECT_EQ(allocator.compact(), FreeListLayout::chunkSize(1));
-    EXPECT_NE(allocator.allocate(1), nullptr) << "a new chunk comes";
-}
-
 TEST_F(AllocatorTest, FreeListPassesOnThatThereIsNoMemory) {
     FreeListAllocator allocator(mHandle);
     mParent->mIsEmpty = true;
