@@ -1,0 +1,61 @@
+/// What a host holds: numbers that look like pointers, and what they stand for.
+#pragma once
+
+#include "capi/check.h"
+
+#include <memory>
+#include <typeinfo>
+
+namespace ZUNO::CInterface {
+
+/// What a handle can stand for.
+class Object {
+public:
+    Object() = default;
+    virtual ~Object() = default;
+    Object(const Object&) = delete;
+    Object& operator=(const Object&) = delete;
+
+    /// Whether a running session is needed for it.
+    virtual bool isOfSession() const { return false; }
+};
+
+/// The handles that are open. A number that was used is used again only after all others, so that
+/// a handle that was destroyed is known to be none.
+/// Thread: any number at once.
+namespace Handles {
+
+/// Returns the new handle of an object.
+void* open(std::shared_ptr<Object> object);
+/// Returns null for a handle that is none.
+std::shared_ptr<Object> find(const void* handle);
+/// Takes an object out.
+void close(const void* handle);
+/// Takes out, and destroys, all objects that need a running session.
+void closeThoseOfSession();
+
+} // namespace Handles
+
+/// Makes an object, and its handle in `*handle`.
+template <typename T, typename Handle, typename... Arguments>
+zuno_status make(Handle** handle, Arguments&&... arguments) {
+    need(handle, "the place for the handle");
+    *handle = static_cast<Handle*>(
+        Handles::open(std::make_shared<T>(std::forward<Arguments>(arguments)...)));
+    return ZUNO_OK;
+}
+
+/// Returns what a handle stands for. Throws a Failure for one that is none of this kind.
+template <typename T>
+std::shared_ptr<T> get(const void* handle, const char* name) {
+    if (handle == nullptr)
+        throw Failure{ZUNO_BAD_HANDLE, std::string(name) + " is null"};
+    std::shared_ptr<Object> object = Handles::find(handle);
+    if (object == nullptr)
+        throw Failure{ZUNO_BAD_HANDLE, std::string(name) + " was destroyed, or never made"};
+    if (const Object& found = *object; typeid(found) != typeid(T))
+        throw Failure{ZUNO_BAD_HANDLE, std::string(name) + " is the handle of something else"};
+    return std::static_pointer_cast<T>(std::move(object));
+}
+
+} // namespace ZUNO::CInterface

@@ -1,0 +1,199 @@
+// The C interface as a whole: what it exports, its bits, and the mistakes of hosts.
+#include "tests/capi/capitest.h"
+#include "tests/platform/process.h"
+#include "tests/support/digest.h"
+
+#include <fstream>
+#include <functional>
+#include <random>
+#include <regex>
+#include <sstream>
+
+namespace ZUNO::Tests {
+
+namespace {
+
+std::string contentOf(const std::string& file) {
+    std::ifstream in(file, std::ios::binary);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return content.str();
+}
+
+} // namespace
+
+TEST(CInterface, ExportsWhatTheHeaderDeclares) {
+    const std::string header = contentOf(ZUNO_SOURCE_FOLDER "/capi/zuno.h");
+    EXPECT_LE(std::count(header.begin(), header.end(), '\n'), 400);
+    std::multiset<std::string> declared;
+    const std::regex declaration("ZUNO_API zuno_status (zuno_\\w+)\\(");
+    for (std::sregex_iterator match(header.begin(), header.end(), declaration), end; match != end;
+         ++match)
+        declared.insert((*match)[1]);
+    EXPECT_GE(declared.size(), 48U);
+    EXPECT_EQ(exportsOf(ZUNO_C_LIBRARY), declared);
+}
+
+TEST(CInterface, GivesAHostInCWhatTheExportsGiveAHostInCpp) {
+    const std::string mesh = " " ZUNO_SOURCE_FOLDER "/worlds/harbour.xml";
+    const Outcome inC = runCommand(ZUNO_TOOL_FOLDER "/host_c" + mesh);
+    EXPECT_EQ(inC.mStatus, 0);
+    EXPECT_NE(inC.mOutput.find("digest d4a99755f585e59a"), std::string::npos) << inC.mOutput;
+    EXPECT_EQ(inC.mOutput, runCommand(ZUNO_TOOL_FOLDER "/host_cpp" + mesh).mOutput);
+    EXPECT_NE(runCommand(ZUNO_TOOL_FOLDER "/host_c none.xml").mOutput.find("zuno_start: "),
+              std::string::npos);
+}
+
+namespace {
+
+/// The queries of tests/host/digests.txt, as its own test asks them of the exports.
+std::string askEverything(zuno_session* session, unsigned int queries) {
+    zuno_point2 low;
+    zuno_point2 high;
+    EXPECT_OK(zuno_bounds(session, &low, &high));
+    std::mt19937 random(11);
+    const auto between = [&](float from, float to) {
+        return from + (to - from) * (static_cast<float>(random() >> 8U) / 16777216.0F);
+    };
+    Digest grounds;
+    Digest rays;
+    Digest paths;
+    unsigned int found = 0;
+    for (unsigned int i = 0; i < queries; ++i) {
+        zuno_point ends[2];
+        for (zuno_point& end : ends) {
+            end.x = between(low.x, high.x);
+            end.z = between(low.y, high.y);
+        }
+        for (zuno_point& end : ends)
+            EXPECT_GE(zuno_ground_height(session, end.x, end.z, &end.y), 0);
+        grounds.add(ends[0].y);
+        std::int32_t number = 0;
+        EXPECT_OK(zuno_is_blocked(session, ends[1].x, ends[1].z, &number));
+        grounds.add(static_cast<std::uint32_t>(number));
+        float hit = 0;
+        EXPECT_GE(zuno_trace_ray(session, ends[0].x, ends[0].z, ends[1].x, ends[1].z, &hit), 0);
+        rays.add(hit);
+        zuno_search* search = nullptr;
+        if (zuno_search_open(session, &ends[0], &ends[1], &search) == ZUNO_NONE)
+            continue;
+        do {
+            EXPECT_OK(zuno_search_run(search, 7, &number));
+            paths.add(static_cast<std::uint32_t>(number));
+        } while (number == ZUNO_RUNNING);
+        found += number == ZUNO_FOUND ? 1U : 0U;
+        std::vector<zuno_point> waypoints(2000);
+        auto count = static_cast<std::uint32_t>(waypoints.size());
+        EXPECT_OK(zuno_search_waypoints(search, waypoints.data(), &count));
+        for (std::uint32_t k = 0; k < count; ++k)
+            for (const float coordinate : {waypoints[k].x, waypoints[k].y, waypoints[k].z})
+                paths.add(coordinate);
+        EXPECT_OK(zuno_search_cost(search, &hit));
+        paths.add(hit);
+        EXPECT_OK(zuno_destroy(search));
+    }
+    std::ostringstream text;
+    text << "grounds " << queries << ' ' << std::hex << grounds.value() << "\nrays " << std::dec
+         << queries << ' ' << std::hex << rays.value() << "\npaths " << std::dec << found << ' '
+         << std::hex << paths.value() << '\n';
+    return text.str();
+}
+
+} // namespace
+
+TEST_F(CApiTest, GivesTheBitsOfTheExports) {
+    std::string& turned = mFiles["turned"] = Worlds::makeFloor(1500, 5).toXML("turned");
+    turned = std::regex_replace(turned, std::regex("<xaxis>1/0/0<"), "<xaxis>0.8/0/0.6<");
+    turned = std::regex_replace(turned, std::regex("<yaxis>0/0/1<"), "<yaxis>-0.6/0/0.8<");
+    mFiles["harbour"] = Worlds::makeHarbour().toXML("harbour");
+    std::string made;
+    for (const char* const mesh : {"harbour", "turned"}) {
+        ASSERT_OK(start(mesh));
+        made += mesh + std::string("\n") + askEverything(mSession, 3000);
+        EXPECT_OK(zuno_close(mSession, nullptr));
+    }
+    mSession = nullptr;
+    EXPECT_EQ(made, contentOf(ZUNO_SOURCE_FOLDER "/tests/host/digests.txt"));
+}
+
+TEST_F(CApiTest, AnswersMisuseWithAStatusAndAText) {
+    ASSERT_OK(start());
+    zuno_mesh* mesh = nullptr;
+    ASSERT_OK(zuno_mesh_load(mSession, "floor", &mesh));
+    zuno_place place;
+    ASSERT_OK(zuno_mesh_random(mesh, 1, &place));
+    zuno_scheduler* scheduler = nullptr;
+    ASSERT_OK(zuno_scheduler_create(mSession, nullptr, &scheduler));
+    zuno_path* path = nullptr;
+    ASSERT_OK(zuno_path_create(mesh, &path));
+    zuno_search* closed = nullptr;
+    ASSERT_OK(zuno_search_open(mSession, &place.position, &place.position, &closed));
+    ASSERT_OK(zuno_destroy(closed));
+    auto request = sized<zuno_request>();
+    request.priority = 3;
+    auto answer = sized<zuno_answer>();
+    auto small = sized<zuno_memory>();
+    small.size = 4;
+    zuno_settings unset{};
+    const zuno_place nowhere{60000, {}};
+    zuno_point points[2];
+    std::uint32_t count = 2;
+    std::uint64_t id = 0;
+    std::int32_t number = 0;
+    zuno_session* second = nullptr;
+    const auto at = &place.position;
+    const struct {
+        std::function<zuno_status()> mCall;
+        zuno_status mStatus;
+        const char* mText; ///< a part of it
+    } rows[] = {
+        {[&] { return zuno_search_run(nullptr, 1, &number); }, ZUNO_BAD_HANDLE,
+         "zuno_search_run: the search is null"},
+        {[&] { return zuno_search_run(closed, 1, &number); }, ZUNO_BAD_HANDLE,
+         "the search was destroyed, or never made"},
+        {[&] { return zuno_destroy(closed); }, ZUNO_BAD_HANDLE, "was destroyed"},
+        {[&] { return zuno_destroy(mSession); }, ZUNO_BAD_HANDLE, "is closed by zuno_close"},
+        {[&] { return zuno_close(reinterpret_cast<zuno_session*>(mesh), nullptr); },
+         ZUNO_BAD_HANDLE, "the session is the handle of something else"},
+        {[&] { return zuno_start(&mSettings, "floor", &second); }, ZUNO_BUSY, "session is running"},
+        {[&] { return zuno_start(&unset, "floor", &second); }, ZUNO_BAD_SIZE,
+         "settings has the size 0 instead of "},
+        {[&] { return zuno_start(nullptr, nullptr, &second); }, ZUNO_BAD_ARGUMENT, "name is null"},
+        {[&] { return zuno_replay("r", nullptr, 0, nullptr, nullptr, nullptr); }, ZUNO_BUSY,
+         "close it"},
+        {[&] { return zuno_memory_figures(mSession, &small); }, ZUNO_BAD_SIZE, "size 4 instead of"},
+        {[&] { return zuno_ground_height(mSession, 0, 0, nullptr); }, ZUNO_BAD_ARGUMENT,
+         "zuno_ground_height: the height is null"},
+        {[&] { return zuno_search_open(mSession, at, nullptr, &closed); }, ZUNO_BAD_ARGUMENT,
+         "the goal is null"},
+        {[&] { return zuno_mesh_load(mSession, "none", &mesh); }, ZUNO_BAD_FILE, "none: "},
+        {[&] { return zuno_mesh_island(mesh, 60000, &count); }, ZUNO_BAD_ARGUMENT, "no node 60000"},
+        {[&] { return zuno_mesh_move(mesh, &nowhere, at, &place); }, ZUNO_BAD_ARGUMENT, "no node"},
+        {[&] { return zuno_mesh_outline(mesh, 0, points, &(count = 2)); }, ZUNO_TOO_SMALL,
+         "room for 2 of 4"},
+        {[&] { return zuno_path_straighten(path, at, at, nullptr, 1, 0); }, ZUNO_BAD_ARGUMENT,
+         "the waypoints is null"},
+        {[&] { return zuno_path_straighten(path, at, at, nullptr, 0, 2); }, ZUNO_BAD_ARGUMENT,
+         "no form 2"},
+        {[&] { return zuno_scheduler_add(scheduler, &request, &id); }, ZUNO_BAD_ARGUMENT,
+         "no priority 3"},
+        {[&] { return zuno_scheduler_cancel(scheduler, 7); }, ZUNO_BAD_ARGUMENT, "no request 7"},
+        {[&] { return zuno_scheduler_take(scheduler, 7, &answer, points, &(count = 2)); },
+         ZUNO_BAD_ARGUMENT, "no request 7"},
+        {[&] { return zuno_check_version(20000, nullptr); }, ZUNO_BAD_VERSION, "version 20000"},
+        {[&] { return zuno_check_version(10100, nullptr); }, ZUNO_BAD_VERSION, "of 10000"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.mCall(), row.mStatus) << row.mText;
+        const zuno_error error = lastError();
+        EXPECT_EQ(error.status, row.mStatus);
+        EXPECT_NE(std::string(error.text).find(row.mText), std::string::npos) << error.text;
+    }
+    EXPECT_OK(zuno_check_version(ZUNO_HEADER_VERSION, &count));
+    EXPECT_EQ(count, ZUNO_HEADER_VERSION);
+    for (void* const handle : {static_cast<void*>(path), static_cast<void*>(mesh)})
+        EXPECT_OK(zuno_destroy(handle));
+    EXPECT_TRUE(mMessages.empty()) << mMessages.front();
+}
+
+} // namespace ZUNO::Tests
