@@ -3,7 +3,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <zuno.h>
-
+/* clang-format off */
 static zuno_status check(zuno_status status) {
     zuno_error error = {.size = sizeof error};
     if (status >= 0) return status;

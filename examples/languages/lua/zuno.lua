@@ -149,13 +149,15 @@ local function call(name, ...)
     error(setmetatable(raised, failure), 0)
 end
 
---- What a call puts in its last argument, or nil.
+--- What a call puts in its last argument, or nil. Structs are made as such: an element of an array
+--- would not keep the array.
 local function value(kind, name, ...)
-    local box = ffi.new(kind .. "[1]")
+    local isStruct = kind == "zuno_point" or kind == "zuno_place"
+    local box = ffi.new(isStruct and kind or kind .. "[1]")
     local arguments = { ... }
     local count = select("#", ...)
     arguments[count + 1] = box
-    if call(name, unpack(arguments, 1, count + 1)) then return box[0] end
+    if call(name, unpack(arguments, 1, count + 1)) then return isStruct and box or box[0] end
 end
 
 --- An array, by the rule for arrays, and its length.
