@@ -129,8 +129,9 @@ private:
     void follow() {
         const auto last = mParser.get()["Last-Event-ID"];
         if (!last.empty() && std::ranges::all_of(last, [](char c) { return c >= '0' && c <= '9'; }))
-            mNext = std::min(std::size_t{std::strtoull(std::string(last).c_str(), nullptr, 10)} + 1,
-                             mBacklog.end());
+            mNext = std::min(
+                static_cast<std::size_t>(std::strtoull(std::string(last).c_str(), nullptr, 10)) + 1,
+                mBacklog.end());
         mPiece = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n"
                  "Cache-Control: no-store\r\nConnection: close\r\n\r\n";
         mIsFollowing = true;
