@@ -1,4 +1,5 @@
 // The command, from scene files to a mesh file and an exit status.
+#include "pathfinder/version.h"
 #include "tests/platform/process.h"
 #include "tests/support/tempfolder.h"
 #include "tools/picture/loadedmesh.h"
@@ -120,6 +121,8 @@ TEST_F(BakeCommandTest, OutputThatIsLostFails) {
                                     mMesh + " >/dev/full'");
     EXPECT_EQ(lost.mStatus, 2);
     EXPECT_EQ(lost.mOutput, "zunobake: standard output cannot be written\n");
+    EXPECT_EQ(runCommand(std::string(ZUNO_TOOL_FOLDER) + "/zunobake --version").mOutput,
+              "zunobake " ZUNO_VERSION_TEXT "\n");
 }
 
 TEST(LevelsTest, CutsWhereTheFewestPlacesArePartedAndNeverTooLate) {

@@ -1,6 +1,9 @@
 #include "tools/output/toolmain.h"
 
+#include "pathfinder/version.h"
+
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 #include <new>
 #include <stdexcept>
@@ -32,6 +35,8 @@ int runTool(const char* name, const std::function<int()>& action) {
 
 std::optional<int> parseWords(CLI::App& app, int argc, char** argv) {
     app.allow_windows_style_options(false); // a path may begin with a slash
+    const std::string name = std::filesystem::path(argv[0]).stem().string();
+    app.set_version_flag("--version", name + " " ZUNO_VERSION_TEXT, "print the version and end");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
