@@ -35,7 +35,7 @@ public:
         for (unsigned int i = 0; i < pairs; ++i) {
             Route route{points[mRandom() % points.size()], points[mRandom() % points.size()], 0, 0};
             const int id = open(route);
-            while (Interface::runPathSearch(id, 1000) == 1) {
+            while (Interface::runPathSearch(id, 1000) == Pathfinder::PATH_RUNNING) {
             }
             read(id, route.mCost, route.mWaypoints);
             Interface::closePathSearch(id);
@@ -124,7 +124,8 @@ private:
     bool advance(const Search& search) {
         if (mRandom() % 10 == 0)
             return false; // abandoned
-        if (Interface::runPathSearch(search.mId, static_cast<unsigned int>(mRandom() % 400)) == 1)
+        if (Interface::runPathSearch(search.mId, static_cast<unsigned int>(mRandom() % 400)) ==
+            Pathfinder::PATH_RUNNING)
             return true;
         float cost = 0;
         unsigned int waypoints = 0;

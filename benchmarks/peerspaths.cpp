@@ -1,11 +1,10 @@
 // Paths, locations and rays beside Detour.
 #include "benchmarks/detourpeer.h"
 #include "benchmarks/peers.h"
+#include "common/memory/globalallocators.h"
 #include "hostkit/session.h"
 #include "reference/comparison.h"
 #include "reference/plainworld.h"
-
-#include "navmesh/interface.h"
 
 #include <cmath>
 #include <filesystem>
@@ -23,7 +22,8 @@ constexpr std::size_t chunk = 200;
 /// A query from open to close; whether there was a path.
 bool ask(const Journey& journey) {
     const int id = Interface::initPathSearch(journey.mFrom, journey.mTo);
-    const bool isFound = id >= 0 && Interface::runPathSearch(id, 0xFFFFFFFF) == 0;
+    const bool isFound = id != Pathfinder::noSearch &&
+                         Interface::runPathSearch(id, 0xFFFFFFFF) == Pathfinder::PATH_FOUND;
     Vec3<float> waypoint;
     if (isFound) {
         Interface::getNextWaypoint(id, waypoint);
@@ -82,7 +82,7 @@ private:
         std::int64_t visited = 0;
         for (const Journey& journey : mJourneys) {
             const int id = Interface::initPathSearch(journey.mFrom, journey.mTo);
-            while (Interface::runPathSearch(id, 1) == 1)
+            while (Interface::runPathSearch(id, 1) == Pathfinder::PATH_RUNNING)
                 ++expansions;
             Interface::closePathSearch(id);
             mPeer.findPath(locate(journey.mFrom), locate(journey.mTo));
@@ -165,7 +165,7 @@ void compareWithDetour(const Sample& sample) {
 void compareWithPlainForms(const Sample& sample) {
     const HostKit::Session session(sample.file());
     Interface exports;
-    Reference::PlainWorld plain(sample.shared(), NavMesh::getAllocator());
+    Reference::PlainWorld plain(sample.shared(), Common::gObjectAllocator);
     Reference::Questions questions(6);
     Reference::SearchComparison searches(plain, exports, questions);
     std::string difference = searches.run(questions.journeysOver(sample.mesh(), 300), 4, 64);

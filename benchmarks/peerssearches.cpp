@@ -136,7 +136,7 @@ void measureDoomedSearches() {
                 const double whole = secondsOf([&] {
                     const int id = Interface::initPathSearch(sample.mesh().getNodeCenter(0), goal);
                     running = secondsOf([&] {
-                        while (Interface::runPathSearch(id, budget) == 1)
+                        while (Interface::runPathSearch(id, budget) == Pathfinder::PATH_RUNNING)
                             ++slices;
                     });
                     Interface::closePathSearch(id);

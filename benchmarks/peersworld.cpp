@@ -1,7 +1,7 @@
 // What the runtime costs by itself: growth, loading, memory.
 #include "benchmarks/peers.h"
+#include "common/memory/globalallocators.h"
 #include "hostkit/session.h"
-#include "navmesh/interface.h"
 #include "navmesh/meshsearch.h"
 #include "navmesh/nodelocator.h"
 
@@ -36,11 +36,11 @@ Speed measureSpeed(unsigned int nodes) {
             id = Interface::initPathSearch(query.mFrom, query.mTo);
             state = Interface::runPathSearch(id, 100);
         });
-        if (state == 1)
+        if (state == Pathfinder::PATH_RUNNING)
             searches.push_back(seconds);
-        if (state == 1) {
+        if (state == Pathfinder::PATH_RUNNING) {
             const double more = secondsOf([&] { state = Interface::runPathSearch(id, 200); });
-            if (state == 1)
+            if (state == Pathfinder::PATH_RUNNING)
                 expansions.push_back(more / 200);
         }
         Interface::closePathSearch(id);
@@ -85,7 +85,7 @@ void compareLoading() {
 
 void showMemory(const Sample& sample) {
     HostKit::Session session(sample.file());
-    const auto& allocator = NavMesh::getAllocator();
+    const auto& allocator = Common::gObjectAllocator;
     const NavMesh::MeshGraph graph(sample.shared(), allocator);
     const NavMesh::NodeLocator locator(sample.shared(), allocator);
     std::size_t borders = 0;

@@ -76,7 +76,8 @@ private:
         bool isFound = false;
         time(0, [&] {
             const int search = Interface::initPathSearch(start, goal);
-            isFound = search >= 0 && Interface::runPathSearch(search, 0xFFFFFFFF) == 0;
+            isFound = search >= 0 &&
+                      Interface::runPathSearch(search, 0xFFFFFFFF) == Pathfinder::PATH_FOUND;
             for (Position point; search >= 0 && Interface::getNextWaypoint(search, point);)
                 waypoints.push_back(point);
             Interface::closePathSearch(search);

@@ -22,6 +22,10 @@ install(FILES
   cmake/compilers.cmake
   DESTINATION ${package_folder} COMPONENT development)
 
+if(zuno_library_kind STREQUAL STATIC)
+  set(static_of_pc "-lzunonavmesh ")
+  set(define_of_pc " -DZUNO_PATHFINDER_STATIC")
+endif()
 file(RELATIVE_PATH prefix_of_pc /${CMAKE_INSTALL_LIBDIR}/pkgconfig /) # wherever it is unpacked
 foreach(library zunopathfinder zunohostkit)
   configure_file(cmake/${library}.pc.in ${library}.pc @ONLY)
@@ -46,7 +50,7 @@ endif()
 if(WIN32)
   install(FILES tools/debugger/zunopathfinder.natvis
     DESTINATION ${CMAKE_INSTALL_DATADIR}/zunopathfinder COMPONENT development)
-else()
+elseif(zuno_library_kind STREQUAL SHARED)
   install(FILES tools/debugger/zunopathfinder-gdb.py COMPONENT development
     DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load/usr/${CMAKE_INSTALL_LIBDIR}
     RENAME libzunopathfinder.so.${PROJECT_VERSION}-gdb.py)

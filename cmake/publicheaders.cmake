@@ -2,14 +2,15 @@
 # with only the others of this list; a test builds each so from an installed package.
 set(public_headers
   # the library
+  pathfinder/answers.h
   pathfinder/interface.h
-  pathfinder/noground.h
   pathfinder/version.h
   # the host's copy of the foundation: callbacks, texts, exceptions, reports, the log
   common/interface.h
   common/basicstring.h
   common/callback/fileiocallback.h
   common/callback/memorycallback.h
+  common/callback/reportcallback.h
   common/container/array.h
   common/debug/logdispatcher.h
   common/debug/logmanager.h
@@ -24,6 +25,7 @@ set(public_headers
   common/exceptions/stateexceptions.h
   common/geom/ray2d.h
   common/geom/ray3d.h
+  common/io/fileaccess.h
   common/io/ioexceptions.h
   common/math/vec2.h
   common/math/vec3.h

@@ -1,10 +1,11 @@
+#include "hostkit/meshloading.h"
 #include "hostkit/session.h"
 
 #include <cstdio>
 #include <exception>
 
-using ZUNO::Common::Math::Vec3;
-using ZUNO::Pathfinder::Interface;
+using namespace ZUNO::HostKit;
+using namespace ZUNO::Pathfinder;
 
 int main(int argc, char** argv) {
     if (argc != 2) {
@@ -12,25 +13,26 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        ZUNO::HostKit::Session session(argv[1]);
-        const Vec3<float> start(2, 0, 2);
-        const Vec3<float> goal(50, 5, 25);
-        const int search = Interface::initPathSearch(start, goal);
-        if (search < 0) {
-            std::puts("start or goal stands on no node");
-            return 1;
-        }
-        int result = 1;
-        while (result == 1)
+        Session session(argv[1]);
+        const MeshView mesh = loadMeshView(argv[1]); // for what the exports don't tell
+        std::uint32_t last = mesh.nodeCount() - 1;
+        while (mesh.islandOf(last) != mesh.islandOf(0))
+            --last;
+        const int search = Interface::initPathSearch(mesh.centreOf(0), mesh.centreOf(last));
+        int result = search == noSearch ? PATH_NONE : PATH_RUNNING;
+        while (result == PATH_RUNNING)
             result = Interface::runPathSearch(search, 20); // at most 20 expansions a frame
-        Vec3<float> waypoint;
-        while (Interface::getNextWaypoint(search, waypoint))
-            std::printf("to %g %g %g\n", waypoint.mX, waypoint.mY, waypoint.mZ);
-        std::printf("cost %g\n", Interface::getPathCost(search));
+        if (result == PATH_FOUND) {
+            Position waypoint;
+            while (Interface::getNextWaypoint(search, waypoint))
+                std::printf("to %g %g %g\n", waypoint.mX, waypoint.mY, waypoint.mZ);
+            std::printf("cost %g\n", Interface::getPathCost(search));
+        }
         Interface::closePathSearch(search);
+
         std::printf("left behind: %llu blocks\n",
                     static_cast<unsigned long long>(session.close().mBlocks));
-        return result;
+        return result == PATH_FOUND ? 0 : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "smallesthost: %s\n", error.what());
         return 2;

@@ -16,13 +16,13 @@ namespace {
 /// All waypoints of a path; whether there is one.
 bool searchPath(const Position& start, const Position& goal, std::vector<Position>& waypoints) {
     const int search = Interface::initPathSearch(start, goal);
-    if (search < 0)
+    if (search == ZUNO::Pathfinder::noSearch)
         return false;
-    const bool isFound = Interface::runPathSearch(search, 0xFFFFFFFF) == 0;
+    const int result = Interface::runPathSearch(search, 0xFFFFFFFF);
     for (Position point; Interface::getNextWaypoint(search, point);)
         waypoints.push_back(point);
     Interface::closePathSearch(search);
-    return isFound;
+    return result == ZUNO::Pathfinder::PATH_FOUND;
 }
 
 int walk(const char* mesh) {

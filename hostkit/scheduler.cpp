@@ -158,7 +158,7 @@ void Scheduler::start(std::uint32_t index, Frame& frame) {
     Slot& slot = mSlots[index];
     slot.mSearch = mExports.initPathSearch(slot.mRequest.mStart, slot.mRequest.mGoal);
     charge(index, 1, frame);
-    if (slot.mSearch < 0)
+    if (slot.mSearch == Pathfinder::noSearch)
         finish(index, PathResult::OFF_MESH);
     else
         slot.mState = State::RUNNING;
@@ -169,9 +169,9 @@ void Scheduler::search(std::uint32_t index, Frame& frame) {
     const std::uint32_t slice = frame.sliceOf(mSettings.mSlice);
     const int result = mExports.runPathSearch(slot.mSearch, slice);
     charge(index, slice, frame);
-    if (result == 0)
+    if (result == Pathfinder::PATH_FOUND)
         slot.mState = State::READING;
-    else if (result != 1)
+    else if (result != Pathfinder::PATH_RUNNING)
         finish(index, PathResult::NO_PATH);
 }
 
@@ -257,7 +257,7 @@ void Scheduler::restart() {
         Slot& slot = mSlots[index];
         if (slot.mState == State::FREE || slot.mState == State::CALLING_BACK)
             continue;
-        slot.mSearch = -1;
+        slot.mSearch = Pathfinder::noSearch;
         open(index, slot.mFrame);
     }
 }
@@ -318,9 +318,9 @@ void Scheduler::open(std::uint32_t index, std::uint64_t frame) {
 }
 
 void Scheduler::closeSearch(Slot& slot) {
-    if (slot.mSearch >= 0)
+    if (slot.mSearch != Pathfinder::noSearch)
         mExports.closePathSearch(slot.mSearch);
-    slot.mSearch = -1;
+    slot.mSearch = Pathfinder::noSearch;
 }
 
 void Scheduler::free(std::uint32_t index) {

@@ -120,7 +120,7 @@ private:
         std::uint64_t mOrder = 0;   ///< of being added; the id's upper part
         std::uint64_t mFrame = 0;   ///< in which it was added
         std::uint64_t mTurnEnd = 0; ///< the expansions that put it back by a frame
-        int mSearch = -1;
+        int mSearch = Pathfinder::noSearch;
         State mState = State::FREE;
     };
     class Frame;

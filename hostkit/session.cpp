@@ -1,5 +1,6 @@
 #include "hostkit/session.h"
 
+#include "common/callback/reportcallback.h"
 #include "hostkit/recorder.h"
 
 #include <stdexcept>
@@ -20,6 +21,19 @@ Exports::Files filesOf(const SessionSettings& settings) {
                               : new StdioFileCallback(settings.mBaseFolder));
 }
 
+/// Tells the host, in a heap that the library takes its memory from.
+class ReportingHeap : public HeapMemoryCallback, public Callback::ReportCallback {
+public:
+    explicit ReportingHeap(decltype(SessionSettings::mOnReport) onReport)
+        : mOnReport(std::move(onReport)) {}
+    void report(const char* text, const char* file, unsigned int line) noexcept override {
+        mOnReport(text, file, line);
+    }
+
+private:
+    decltype(SessionSettings::mOnReport) mOnReport;
+};
+
 std::unique_ptr<Exports> exportsOf(const SessionSettings& settings) {
     return settings.mRecording.empty() ? std::make_unique<Exports>()
                                        : std::make_unique<Recorder>(settings.mRecording);
@@ -32,7 +46,8 @@ Session::Session(const std::string& meshFile, const SessionSettings& settings) {
         throw std::logic_error(meshFile + ": a session is running already, and a process has one "
                                           "world: close it first, or reload it");
     mExports = exportsOf(settings);
-    auto* const heap = new HeapMemoryCallback;
+    auto* const heap = settings.mOnReport != nullptr ? new ReportingHeap(settings.mOnReport)
+                                                     : new HeapMemoryCallback;
     mHeap = heap;
     mMemory = SharedPtr<Callback::MemoryCallback>(heap);
     auto* const meshFiles = new MeshFileCallback(filesOf(settings));

@@ -8,6 +8,7 @@
 #include "hostkit/scheduler.h"
 #include "hostkit/stdiofilecallback.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -22,6 +23,10 @@ struct SessionSettings {
     Exports::Files mFiles = {};
     /// The file that every call through `Session::exports` is recorded in; empty: none.
     std::string mRecording = {};
+    /// Gets each report of the library's ("expression\nError Message: what is wrong", the source
+    /// file, the line) until the session is closed; empty: reports go to standard error. It must
+    /// neither throw nor call the library.
+    std::function<void(const char* text, const char* file, unsigned int line)> mOnReport = {};
 };
 
 /// A running library: starts the host's copy of the foundation and the world, and closes both in

@@ -51,7 +51,8 @@ void releaseAll() {
 } // namespace
 
 void initLibrary(const SharedPtr<Callback::MemoryCallback>& cbMemory,
-                 const SharedPtr<Callback::FileIOCallback>& cbFileIO) {
+                 const SharedPtr<Callback::FileIOCallback>& cbFileIO,
+                 const SharedPtr<Memory::Allocator>& parent) {
     ZUNO_CHECK_AS(cbMemory != nullptr, "cbMemory != NULL",
                   "Callback pointer for memory must not be a NULL pointer");
     ZUNO_CHECK_AS(cbFileIO != nullptr, "cbFileIO != NULL",
@@ -62,7 +63,7 @@ void initLibrary(const SharedPtr<Callback::MemoryCallback>& cbMemory,
     try {
         g.gNavMemCallback = cbMemory;
         g.gNavFileIOCallback = cbFileIO;
-        g.gNavAllocator = makeAllocator(Common::getAllocator());
+        g.gNavAllocator = makeAllocator(parent != nullptr ? parent : Common::getAllocator());
         makeResources();
         g.gNavBuilder = Memory::createManaged<NavMeshBuilder>(g.gNavAllocator);
         g.gNavOptimizer = Memory::createManaged<NavMeshOptimizer>(g.gNavAllocator);

@@ -8,11 +8,13 @@
 
 namespace ZUNO::NavMesh {
 
-/// Starts the library on the foundation, which must run: its allocator, its file access, and the
-/// generator's two objects. Null callbacks are reported; so is a second start, which keeps what
-/// runs. An exception (no memory) leaves the library closed.
+/// Starts the library on the foundation, which must run: its allocator over `parent` (null: the
+/// foundation's library allocator), its file access, and the generator's two objects.
+/// Reports null callbacks, and a second start, which keeps what runs.
+/// Throws an OutOfMemoryException, and the library is closed then.
 void initLibrary(const Common::SharedPtr<Common::Callback::MemoryCallback>& cbMemory,
-                 const Common::SharedPtr<Common::Callback::FileIOCallback>& cbFileIO);
+                 const Common::SharedPtr<Common::Callback::FileIOCallback>& cbFileIO,
+                 const Common::SharedPtr<Common::Memory::Allocator>& parent = {});
 
 /// Shuts the library down; everything taken from its allocator must have been released.
 /// While closed this is reported and changes nothing. A generator object that is still held

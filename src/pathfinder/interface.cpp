@@ -1,8 +1,7 @@
 #include "pathfinder/interface.h"
 
-#include "common/interface.h"
-#include "common/memory/globalallocators.h"
 #include "navmesh/interface.h"
+#include "pathfinder/hostground.h"
 #include "pathfinder/navmeshinstance.h"
 #include "pathfinder/raytracer/blockingmap.h"
 #include "pathfinder/resourceinterface.h"
@@ -10,6 +9,10 @@
 namespace ZUNO::Pathfinder {
 
 using namespace Common;
+
+static_assert(int{PATH_FOUND} == Astar::SEARCH_FOUND &&
+              int{PATH_RUNNING} == Astar::SEARCH_RUNNING &&
+              int{PATH_NONE} == Astar::SEARCH_NO_PATH);
 
 namespace {
 
@@ -38,9 +41,9 @@ bool Interface::initWorldRepresentation(const BasicString<char>& navMeshFile,
                                         const SharedPtr<Callback::MemoryCallback>& cbMemory,
                                         const SharedPtr<Callback::FileIOCallback>& cbFileIO,
                                         const BasicString<char>& blockingMapFile) {
-    Common::initLibrary(cbMemory);
-    NavMesh::initLibrary(cbMemory, cbFileIO);
-    const SharedPtr<Memory::Allocator> allocator = gAllocator;
+    enterHostGround(cbMemory);
+    const SharedPtr<Memory::Allocator> allocator = getWorldAllocator();
+    NavMesh::initLibrary(cbMemory, cbFileIO, allocator);
     makeResources(allocator, cbFileIO);
     NavMeshInstance::createInstance(allocator);
     NavMeshInstance* const world = NavMeshInstance::getInstance();
@@ -57,22 +60,22 @@ bool Interface::initWorldRepresentation(const BasicString<char>& navMeshFile,
 }
 
 void Interface::close() {
-    if (!isLibraryRunning())
+    if (!isOnHostGround())
         return;
     NavMeshInstance::destroyInstance();
     ResourceInterface::destroyInstance();
     NavMesh::closeLibrary();
-    Common::closeLibrary();
+    leaveHostGround();
 }
 
 int Interface::initPathSearch(const Math::Vec3<float>& start, const Math::Vec3<float>& goal) {
     NavMeshInstance* const world = findWorld();
-    return world != nullptr ? world->initPathSearch(start, goal) : -1;
+    return world != nullptr ? world->initPathSearch(start, goal) : noSearch;
 }
 
 int Interface::runPathSearch(int searchID, unsigned int budget) {
     NavMeshInstance* const world = findWorld();
-    return world != nullptr ? world->runPathSearch(searchID, budget) : Astar::SEARCH_NO_PATH;
+    return world != nullptr ? world->runPathSearch(searchID, budget) : PATH_NONE;
 }
 
 bool Interface::getNextWaypoint(int searchID, Math::Vec3<float>& waypoint) {
@@ -96,13 +99,13 @@ bool Interface::isBlocked(const Math::Vec2<float>& position) {
 }
 
 void Interface::traceRay(Geom::Ray2D<float, float>& ray) {
-    ray.mHitDistance = -1.0F;
+    ray.mHitDistance = noHit;
     if (NavMeshInstance* const world = findWorld(); world != nullptr)
         world->traceRay(ray);
 }
 
 void Interface::traceRay(Geom::Ray3D<float, float>& ray) {
-    ray.mHitDistance = -1.0F;
+    ray.mHitDistance = noHit;
     if (NavMeshInstance* const world = findWorld(); world != nullptr)
         world->traceRay(ray);
 }

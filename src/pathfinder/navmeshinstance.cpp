@@ -128,7 +128,7 @@ void NavMeshInstance::getBoundingRectangle(Vec2& min, Vec2& max) {
 
 float NavMeshInstance::trace(const Vec2& start, const Vec2& end) const {
     if (mRayTracer == nullptr)
-        return -1.0F;
+        return noHit;
     Ray2D ray(mPlaneTransform * start, mPlaneTransform * end);
     mRayTracer->traceRay(ray);
     return ray.mHitDistance;

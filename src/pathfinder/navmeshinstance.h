@@ -6,6 +6,7 @@
 #include "common/singleton.h"
 #include "navmesh/meshsearch.h"
 #include "navmesh/nodelocator.h"
+#include "pathfinder/answers.h"
 #include "pathfinder/pathsearch.h"
 #include "pathfinder/planetransform.h"
 #include "pathfinder/raytracer/raytracer.h"
@@ -37,7 +38,7 @@ public:
     /// world is as it was; only the first load keeps a mesh whose grid could not be had.
     bool load(const Common::String& navMeshFile, const Common::String& blockingMapFile);
 
-    /// Opens a search and returns its id, or -1 when one of the points stands on no node.
+    /// Opens a search and returns its id, or `noSearch` when one of the points stands on no node.
     std::int32_t initPathSearch(const Vec3& start, const Vec3& goal);
     /// Expands at most `budget` nodes and returns the search's SearchResult.
     /// Raises an ArgumentException for an id that names no search.
@@ -57,10 +58,10 @@ public:
 
     /// True outside the grid, and, after a report, without one.
     bool isBlocked(const Vec2& position);
-    /// These set the hit distance alone, in units of the mesh's plane; -1 without a grid.
+    /// These set the hit distance alone, in units of the mesh's plane; `noHit` without a grid.
     void traceRay(Ray2D& ray);
     void traceRay(Ray3D& ray);
-    /// 3.4028235e38 where there is no ground, and, after a report, without a grid.
+    /// `noGround` where there is none, and, after a report, without a grid.
     float getGroundHeight(const Vec2& position);
     /// The rectangle of the mesh's vertices; empty, after a report, without a grid.
     void getBoundingRectangle(Vec2& min, Vec2& max);

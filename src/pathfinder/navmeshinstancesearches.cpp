@@ -11,13 +11,13 @@ using NavMesh::MeshSearch;
 
 std::int32_t NavMeshInstance::initPathSearch(const Vec3& start, const Vec3& goal) {
     if (!ZUNO_CHECK_AS(mNavMesh != nullptr, "mNavMesh", "there is no mesh to search"))
-        return -1;
+        return noSearch;
     const std::int32_t startNode = mLocator->findNode(start);
     if (startNode == -1)
-        return -1;
+        return noSearch;
     const std::int32_t goalNode = mLocator->findNode(goal);
     if (goalNode == -1)
-        return -1;
+        return noSearch;
     reservePool();
     OwnedAStar aStar = takeAStar();
     aStar->begin(

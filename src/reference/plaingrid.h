@@ -1,7 +1,7 @@
 #pragma once
 
 #include "navmesh/navmeshcontainer.h"
-#include "pathfinder/noground.h"
+#include "pathfinder/answers.h"
 
 #include <cstdint>
 #include <vector>

@@ -12,7 +12,7 @@ std::int32_t PlainWorld::initPathSearch(const Point3& start, const Point3& goal)
     const std::int32_t startNode = mMesh->findNode(start);
     const std::int32_t goalNode = startNode != -1 ? mMesh->findNode(goal) : -1;
     if (goalNode == -1)
-        return -1;
+        return Pathfinder::noSearch;
     std::unique_ptr<Search> search(new Search{{mMesh, mMap, mAllocator}});
     search->mSearch.begin(
         {start, goal, static_cast<std::uint32_t>(startNode), static_cast<std::uint32_t>(goalNode)});

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pathfinder/answers.h"
 #include "pathfinder/planetransform.h"
 #include "reference/plainraytracer.h"
 #include "reference/plainsearch.h"

@@ -125,6 +125,22 @@ TEST_F(SessionTest, RefusesASecondOneAndLeavesTheFirstAlone) {
     EXPECT_EQ(second.exports().getGroundHeight({20, 20}), 5);
 }
 
+TEST_F(SessionTest, TellsTheHostWhatIsReportedUntilItIsClosed) {
+    std::vector<std::string> reports;
+    const auto keep = [&](const char* text, const char*, unsigned int) { reports.push_back(text); };
+    testing::internal::CaptureStderr();
+    Session session(at("harbour.xml"), SessionSettings{.mOnReport = keep});
+    session.exports().getPathCost(7);
+    session.close();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(reports, std::vector<std::string>{
+                           "isValidID(id)\nError Message: ID '7' points to an invalid item"});
+    testing::internal::CaptureStderr();
+    session.exports().getPathCost(7);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("no world"), std::string::npos);
+    EXPECT_EQ(reports.size(), 1U);
+}
+
 TEST_F(SessionTest, ReloadsAndCarriesOpenRequestsOver) {
     std::string recording;
     {

@@ -13,7 +13,7 @@ fi
 rm -rf "$root/host" && mkdir "$root/host"
 cp "$packages"/*.deb "$root/host"
 cp "$source/tests/package/CMakeLists.txt" "$source/worlds/harbour.xml" "$root/host"
-mkdir "$root/host/examples" && cp "$source/examples/smallesthost.cpp" "$root/host/examples"
+mkdir "$root/host/examples" && cp "$source"/examples/{smallesthost,owncallbacks}.cpp "$root/host/examples"
 chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root bash -euc '
     cd /host
     dpkg -i *.deb >/dev/null
@@ -23,6 +23,7 @@ chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root bash -euc '
         $way/consumer harbour.xml | tail -n 1 | grep -x "left behind: 0 blocks"
     done
     zunopath info harbour.xml | head -n 1
-    zunobake --help | head -n 1
+    find_package/owncallbacks harbour.xml | grep "^reported by"
+    zunobake --version
     dpkg -P zunopathfinder-tools libzunopathfinder-dev libzunopathfinder1 >/dev/null
     ! ls /usr/lib | grep zuno'

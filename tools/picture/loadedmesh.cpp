@@ -1,18 +1,16 @@
 #include "tools/picture/loadedmesh.h"
 
 #include "common/callback/openstream.h"
+#include "common/memory/globalallocators.h"
 #include "common/memory/objectcreation.h"
 #include "common/parser/xml/xmltreebuilder.h"
 #include "common/parser/xml/xmlwriter.h"
 #include "hostkit/exceptiontext.h"
-#include "hostkit/heapmemorycallback.h"
 #include "hostkit/memoryfilecallback.h"
 #include "hostkit/meshfile.h"
 #include "hostkit/stdiofilecallback.h"
-#include "navmesh/interface.h"
 #include "navmesh/meshdefects.h"
 #include "navmesh/meshforms.h"
-#include "navmesh/navmeshfiles.h"
 #include "tools/output/outputfile.h"
 
 #include <cstring>
@@ -56,6 +54,17 @@ bool isBinaryFile(const std::string& fileName) {
     return NavMesh::beginsBinaryForm(file.get());
 }
 
+SharedPtr<NavMesh::NavMeshContainer> makeMesh() {
+    return SharedPtr<NavMesh::NavMeshContainer>(
+        Memory::createManaged<NavMesh::NavMeshContainer>(gObjectAllocator));
+}
+
+/// Null, after a report, when something is missing.
+SharedPtr<NavMesh::NavMeshContainer> readBinary(const SharedPtr<IO::Stream>& stream) {
+    const SharedPtr<NavMesh::NavMeshContainer> mesh = makeMesh();
+    return mesh->readBinary(stream) ? mesh : SharedPtr<NavMesh::NavMeshContainer>();
+}
+
 } // namespace
 
 LoadedMesh::LoadedMesh(const std::string& fileName, Defects defects) {
@@ -63,30 +72,18 @@ LoadedMesh::LoadedMesh(const std::string& fileName, Defects defects) {
     try {
         load(fileName, defects);
     } catch (Exceptions::Exception* exception) {
-        const std::string message = fileName + ": " + HostKit::takeMessage(exception);
-        close();
-        throw std::runtime_error(message);
-    } catch (...) {
-        close();
-        throw;
+        throw std::runtime_error(fileName + ": " + HostKit::takeMessage(exception));
     }
 }
 
-LoadedMesh::LoadedMesh() {
-    startLibrary();
-    mMesh = Memory::createManaged<NavMesh::NavMeshContainer>(NavMesh::getAllocator());
-}
-
-void LoadedMesh::startLibrary() {
-    NavMesh::initLibrary(SharedPtr<Callback::MemoryCallback>(new HostKit::HeapMemoryCallback),
-                         SharedPtr<Callback::FileIOCallback>(new HostKit::StdioFileCallback));
-}
+LoadedMesh::LoadedMesh() : mMesh(makeMesh()) {}
 
 void LoadedMesh::load(const std::string& fileName, Defects defects) {
-    startLibrary();
+    const SharedPtr<Callback::FileIOCallback> files(new HostKit::StdioFileCallback);
     mIsBinary = isBinaryFile(fileName);
-    mMesh = mIsBinary ? NavMesh::loadNavMeshBinary(fileName.c_str())
-                      : NavMesh::loadNavMeshXML(fileName.c_str());
+    const SharedPtr<IO::Stream> stream =
+        Callback::openStream(gObjectAllocator, files, fileName.c_str(), IO::FACCESS_READ);
+    mMesh = mIsBinary ? readBinary(stream) : NavMesh::readMeshDocument(*stream, gObjectAllocator);
     if (mMesh == nullptr)
         throw std::runtime_error(fileName + ": " + lastReport());
     if (defects == Defects::REFUSED)
@@ -113,7 +110,7 @@ std::string LoadedMesh::contentIn(MeshForm form) const {
     auto* const memory = new HostKit::MemoryFileCallback;
     const SharedPtr<Callback::FileIOCallback> files(memory);
     const SharedPtr<IO::Stream> stream =
-        Callback::openStream(NavMesh::getAllocator(), files, "mesh", IO::FACCESS_WRITE);
+        Callback::openStream(gObjectAllocator, files, "mesh", IO::FACCESS_WRITE);
     if (form == MeshForm::BINARY) {
         mMesh->writeBinary(stream, 1);
     } else {
@@ -137,15 +134,6 @@ MeshForm formOf(const std::string& fileName) {
     if (suffix == ".bin")
         return MeshForm::BINARY;
     throw std::runtime_error(fileName + ": expected a name that ends in .xml or .bin");
-}
-
-void LoadedMesh::close() {
-    mMesh = nullptr;
-    NavMesh::closeLibrary();
-}
-
-LoadedMesh::~LoadedMesh() {
-    close();
 }
 
 } // namespace ZUNO::Tools

@@ -13,8 +13,7 @@ enum class MeshForm { XML, BINARY };
 MeshForm formOf(const std::string& fileName);
 
 /// A tool's own copy of a mesh, for what the exports don't tell: pictures, figures, conversion.
-/// Lifetime: it starts the foundation and the mesh library, and closes them at its end. They are
-/// the tool's own copies, beside those inside the runtime.
+/// Lifetime: keeps the tool's copy of the foundation running.
 class LoadedMesh {
 public:
     /// Whether a mesh that no world could run with is an error.
@@ -25,7 +24,6 @@ public:
     explicit LoadedMesh(const std::string& fileName, Defects defects = Defects::REFUSED);
     /// An empty mesh, to be filled and saved.
     LoadedMesh();
-    ~LoadedMesh();
     LoadedMesh(const LoadedMesh&) = delete;
     LoadedMesh& operator=(const LoadedMesh&) = delete;
 
@@ -46,9 +44,7 @@ public:
 
 private:
     std::string contentIn(MeshForm form) const;
-    static void startLibrary();
     void load(const std::string& fileName, Defects defects);
-    void close();
 
     HostKit::Foundation mFoundation;
     Common::SharedPtr<NavMesh::NavMeshContainer> mMesh;

@@ -58,7 +58,7 @@ Answer askPath(const Query& query) {
     answer.mPath.mStart = spaceOf(query.mFrom);
     answer.mPath.mGoal = spaceOf(query.mTo);
     const int search = Interface::initPathSearch(answer.mPath.mStart, answer.mPath.mGoal);
-    if (search < 0) {
+    if (search == Pathfinder::noSearch) {
         answer.mStatus = STATUS_NOTHING;
         answer.mText = "off the mesh: a point stands on no node";
         answer.mJson = {{"query", "path"}, {"result", "off the mesh"}};
@@ -66,11 +66,11 @@ Answer askPath(const Query& query) {
     }
     const unsigned int budget =
         query.mBudget != 0 ? query.mBudget : std::numeric_limits<unsigned int>::max();
-    int result = 1;
+    int result = Pathfinder::PATH_RUNNING;
     unsigned int calls = 0;
-    for (; result == 1; ++calls)
+    for (; result == Pathfinder::PATH_RUNNING; ++calls)
         result = Interface::runPathSearch(search, budget);
-    answer.mPath.mIsFound = result == 0;
+    answer.mPath.mIsFound = result == Pathfinder::PATH_FOUND;
     answer.mStatus = answer.mPath.mIsFound ? STATUS_OK : STATUS_NOTHING;
     ordered_json waypoints = ordered_json::array();
     Line line;
@@ -110,7 +110,7 @@ Answer askRay(const Query& query) {
         distance = ray.mHitDistance;
     }
     Answer answer;
-    const bool isHit = distance != -1.0F;
+    const bool isHit = distance != Pathfinder::noHit;
     answer.mJson = {{"query", "ray"}, {"hit", isHit}};
     if (isHit)
         answer.mJson["distance"] = distance;

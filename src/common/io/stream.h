@@ -1,14 +1,12 @@
 #pragma once
 
 #include "common/basicstring.h"
+#include "common/io/fileaccess.h"
 #include "common/memory/memorymanaged.h"
 
 #include <cstdint>
 
 namespace ZUNO::Common::IO {
-
-/// What a file is opened for.
-enum FileAccess : std::int32_t { FACCESS_READ = 1, FACCESS_READWRITE = 2, FACCESS_WRITE = 3 };
 
 /// How a file is opened.
 enum FileMode : std::int32_t {
@@ -18,9 +16,6 @@ enum FileMode : std::int32_t {
     FMODE_CREATENEW = 4,   ///< a new file; an existing one is an error
     FMODE_OPENORCREATE = 5 ///< an existing file, or a new one
 };
-
-/// What an offset counts from.
-enum SeekOrigin : std::int32_t { ORIGIN_CURRENT = 1, ORIGIN_END = 2, ORIGIN_BEGIN = 3 };
 
 /// A sequence of bytes that is read, written or both. Readers and writers of documents take a
 /// Stream and never touch files themselves. One thread at a time.

@@ -3,7 +3,7 @@
 #include "common/math/rect.h"
 #include "common/memory/allocator.h"
 #include "navmesh/planegrid.h"
-#include "pathfinder/noground.h"
+#include "pathfinder/answers.h"
 
 #include <cstdint>
 

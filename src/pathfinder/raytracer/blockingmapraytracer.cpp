@@ -16,12 +16,6 @@ using Common::Math::Vec2;
 using NavMesh::NavMeshContainer;
 using Ray = Common::Geom::Ray2D<float, float>;
 
-namespace {
-
-constexpr float noHit = -1.0F;
-
-} // namespace
-
 BlockingMapRayTracer::BlockingMapRayTracer(
     const Common::SharedPtr<NavMeshContainer>& navMesh,
     const Common::SharedPtr<Common::Memory::Allocator>& allocator, const Common::String& fileName,

@@ -2,6 +2,7 @@
 
 #include "common/basicstring.h"
 #include "navmesh/navmeshcontainer.h"
+#include "pathfinder/answers.h"
 #include "pathfinder/raytracer/bitwalk.h"
 #include "pathfinder/raytracer/distancefield.h"
 #include "pathfinder/raytracer/raytracer.h"
