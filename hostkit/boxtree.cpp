@@ -64,10 +64,10 @@ void BoxTree::build(const std::vector<PlaneBox>& boxes, std::uint32_t first, std
     if (last - first <= leafSize)
         return;
     const bool isWide = centres.mHigh[0] - centres.mLow[0] > centres.mHigh[1] - centres.mLow[1];
-    const auto begin = mItems.begin();
+    std::uint32_t* const items = mItems.data();
     const std::uint32_t middle = first + (last - first) / 2;
     std::nth_element(
-        begin + first, begin + middle, begin + last, [&](std::uint32_t a, std::uint32_t b) {
+        items + first, items + middle, items + last, [&](std::uint32_t a, std::uint32_t b) {
             return isWide ? centreOf(a).mX < centreOf(b).mX : centreOf(a).mY < centreOf(b).mY;
         });
     build(boxes, first, middle);

@@ -4,7 +4,6 @@
 #include "hostkit/meshfile.h"
 
 #include <atomic>
-#include <bit>
 
 namespace ZUNO::HostKit {
 
@@ -15,7 +14,7 @@ std::string_view cut(const char* text) {
 }
 
 void put(RecordingWriter& out, float number) {
-    out.bits(std::bit_cast<std::uint32_t>(number));
+    out.bits(bitsOf(number));
 }
 void put(RecordingWriter& out, const Exports::Vec2& p) {
     put(out, p.mX);

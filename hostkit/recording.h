@@ -19,6 +19,18 @@
 
 namespace ZUNO::HostKit {
 
+/// The browser's C++ library has no std::bit_cast.
+inline std::uint32_t bitsOf(float number) {
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &number, sizeof bits);
+    return bits;
+}
+inline float floatOf(std::uint32_t bits) {
+    float number = 0;
+    std::memcpy(&number, &bits, sizeof number);
+    return number;
+}
+
 /// The last character is the version.
 inline constexpr std::string_view recordingMagic{"ZUNOREC\1", 8};
 inline constexpr std::uint8_t recordingEnd = 0xFF;

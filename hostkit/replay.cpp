@@ -6,7 +6,6 @@
 #include "hostkit/meshfilecallback.h"
 #include "hostkit/stdiofilecallback.h"
 
-#include <bit>
 #include <memory>
 
 namespace ZUNO::HostKit {
@@ -16,7 +15,7 @@ namespace {
 using Floats = std::array<std::uint32_t, 6>;
 
 float floatAt(const Floats& bits, std::size_t index) {
-    return std::bit_cast<float>(bits[index]);
+    return floatOf(bits[index]);
 }
 Exports::Vec2 planeAt(const Floats& bits, std::size_t index) {
     return {floatAt(bits, index), floatAt(bits, index + 1)};
@@ -80,7 +79,7 @@ private:
 
     void make(const RecordedCall& call, RecordedAnswer& answer) {
         const auto put = [&](std::size_t index, float number) {
-            answer.mFloats[index] = std::bit_cast<std::uint32_t>(number);
+            answer.mFloats[index] = bitsOf(number);
         };
         const Floats& floats = call.mFloats;
         switch (call.mKind) {

@@ -2,16 +2,13 @@
 #include "common/utility/floatchars.h"
 #include "hostkit/replay.h"
 
-#include <bit>
-
 namespace ZUNO::HostKit {
 
 namespace {
 
 std::string textOf(std::uint32_t bits) {
     char digits[32];
-    char* const end =
-        Common::Utility::exactFloatToChars(digits, digits + 32, std::bit_cast<float>(bits));
+    char* const end = Common::Utility::exactFloatToChars(digits, digits + 32, floatOf(bits));
     return std::string(digits, end);
 }
 

@@ -119,16 +119,17 @@ bool PathStraightener::joinDetour(const StraightPath& path, const SurfaceMove& w
                    walked.mNodes.begin() + static_cast<std::ptrdiff_t>(walked.mNodeCount));
     if (path.mChain[joined] == last)
         mDetour.pop_back();
-    mDetour.insert(mDetour.end(), path.mChain.begin() + joined, path.mChain.begin() + to + 1);
+    const auto rest = std::span(path.mChain).subspan(joined, to + 1 - joined);
+    mDetour.insert(mDetour.end(), rest.begin(), rest.end());
     return joined > from;
 }
 
 /// Takes the detour instead of a part of the chain, if that makes the path shorter.
 bool PathStraightener::replacePart(StraightPath& path, std::uint32_t from, std::uint32_t to) {
-    mCandidate.mChain.assign(path.mChain.begin(), path.mChain.begin() + from);
+    const std::span chain(path.mChain);
+    mCandidate.mChain.assign(chain.begin(), chain.first(from).end());
     mCandidate.mChain.insert(mCandidate.mChain.end(), mDetour.begin(), mDetour.end());
-    mCandidate.mChain.insert(mCandidate.mChain.end(), path.mChain.begin() + to + 1,
-                             path.mChain.end());
+    mCandidate.mChain.insert(mCandidate.mChain.end(), chain.subspan(to + 1).begin(), chain.end());
     if (!pull(mCandidate) || !(mCandidate.mLength < path.mLength))
         return false;
     std::swap(mCandidate, path);

@@ -46,7 +46,11 @@ public:
     const HostKit::Place& placeOf(std::size_t character) const {
         return mCharacters[character].mCorridor.position();
     }
+    /// Whether the character waits for a path.
+    bool isWaiting(std::size_t character) const { return mCharacters[character].mIsWaiting; }
     const std::vector<Journey>& journeys() const { return mJourneys; }
+    /// For a crowd that walks for long.
+    void forgetJourneys() { mJourneys.clear(); }
     std::size_t goalsReached() const { return mGoalsReached; }
     double distanceWalked() const { return mDistanceWalked; }
 

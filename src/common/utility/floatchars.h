@@ -58,8 +58,14 @@ char* floatToChars(char* begin, char* end, T number, FloatFormat format) {
 }
 
 inline char* exactFloatToChars(char* begin, char* end, float number) {
-    return begin + std::snprintf(begin, static_cast<std::size_t>(end - begin), "%.9g",
-                                 static_cast<double>(number));
+    char* last = begin;
+    bool isExact = false;
+    for (int digits = 6; !isExact && digits <= 9; ++digits) { // as few as keep every bit
+        last = begin + std::snprintf(begin, static_cast<std::size_t>(end - begin), "%.*g", digits,
+                                     static_cast<double>(number));
+        isExact = std::strtof(begin, nullptr) == number;
+    }
+    return last;
 }
 
 #endif
