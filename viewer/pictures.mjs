@@ -1,6 +1,6 @@
 // Takes the pictures of the documentation: pictures.mjs PAGE_FOLDER PROGRAM_FOLDER OUTPUT_FOLDER
 import { execFileSync, spawn } from "node:child_process";
-import { mkdtempSync, rmSync } from "node:fs";
+import { mkdtempSync, readFileSync, rmSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { pathToFileURL } from "node:url";
@@ -30,10 +30,42 @@ await shoot("workbench-search", "mesh=courtyard&path=10,0,33;5,3.2,3&ray=12,0,14
         await page.click("#step");
     },
 });
-await shoot("workbench-spiral", "mesh=spiral&path=14,0,-10;0,11,-7&path=-14,0,10;0,7,-7", { isDark: true });
+await shoot("workbench-spiral", "mesh=spiral&path=14,0,-10;0,11,-7&path=-14,0,10;0,7,-7", {
+    isDark: true,
+    work: async (page) => {
+        await page.locator("#speed").fill("12");
+        await page.click("#walk");
+        await page.waitForFunction(() => parseFloat(document.getElementById("walked").textContent) > 12);
+        await page.click("#walk");
+    },
+});
+await shoot("workbench-why", "mesh=harbour&path=2,0,2;100,1,75");
 await shoot("workbench-grid", "mesh=harbour&view=top&grid", {
     work: (page) => page.click('[data-tab="mesh"]'),
 });
+await shoot("workbench-crowd", "mesh=harbour", {
+    work: async (page) => {
+        await page.click('[data-tab="crowd"]');
+        await page.click("#crowdWalk");
+        await page.waitForFunction(() => window.workbench.open.engine.crowdFigures().frames > 290);
+        await page.click("#crowdWalk");
+    },
+});
+
+// a recording of the demo's, with a bit of a waypoint turned
+const recordings = mkdtempSync(join(tmpdir(), "recording"));
+const recording = join(recordings, "demo.rec");
+execFileSync(join(programs, "zunodemo"), ["worlds/harbour.xml", "--seconds", "10", "--record", recording]);
+const bytes = readFileSync(recording);
+bytes[Math.floor(bytes.length * 0.51)] ^= 1;
+await shoot("workbench-calls", "mesh=harbour", {
+    isDark: true,
+    work: async (page) => {
+        await page.setInputFiles("#file", { name: "demo.rec", mimeType: "", buffer: bytes });
+        await page.waitForSelector("#recordingResult.bad");
+    },
+});
+rmSync(recordings, { recursive: true });
 
 // the trace log, with a host that says what a game might
 const channel = mkdtempSync(join(tmpdir(), "zunotrace"));

@@ -1,13 +1,10 @@
 // The runtime as a page sees it: one world, asked through the same functions as by any host.
-#include "common/memory/defaultallocator.h"
-#include "hostkit/heapmemorycallback.h"
-#include "hostkit/memoryfilecallback.h"
-#include "hostkit/session.h"
 #include "navmesh/planegrid.h"
-#include "pathfinder/interface.h"
 #include "pathfinder/navmeshinstance.h"
 #include "tools/picture/meshfigures.h"
+#include "viewer/engine/guarded.h"
 #include "viewer/engine/meshdescription.h"
+#include "viewer/engine/world.h"
 
 #include <cmath>
 #include <emscripten/bind.h>
@@ -16,62 +13,11 @@
 
 namespace ZUNO::Viewer {
 
-using Common::SharedPtr;
 using Common::Math::Vec2;
 using Common::Math::Vec3;
 using emscripten::val;
-using Pathfinder::Interface;
 
 namespace {
-
-/// Runs an action; what it raises becomes the page's own kind of error.
-template <typename Action>
-auto guarded(Action action) {
-    std::string message;
-    try {
-        return action();
-    } catch (Common::Exceptions::Exception* exception) {
-        message = HostKit::takeMessage(exception);
-    } catch (const std::exception& error) {
-        message = error.what();
-    }
-    val::global("Error").new_(message).throw_();
-    __builtin_unreachable();
-}
-
-std::string& lastReport() {
-    static std::string report;
-    return report;
-}
-
-void keepReport(const char* text, const char*, unsigned int) {
-    lastReport() = text;
-}
-
-struct World {
-    HostKit::HeapMemoryCallback* mHeap = nullptr;
-    SharedPtr<Common::Callback::MemoryCallback> mMemory;
-};
-
-World& theWorld() {
-    static World world;
-    return world;
-}
-
-void startWorld(const std::string& xml) {
-    World& world = theWorld();
-    world.mHeap = new HostKit::HeapMemoryCallback;
-    world.mMemory = SharedPtr<Common::Callback::MemoryCallback>(world.mHeap);
-    const SharedPtr<Common::Callback::FileIOCallback> files(
-        new HostKit::MemoryFileCallback("mesh", xml));
-    // before the library runs, texts need an allocator of their own
-    const SharedPtr<Common::Memory::Allocator> heap(new Common::Memory::DefaultAllocator);
-    const Common::String name("mesh", heap);
-    const Common::String noFile("", heap);
-    Common::Debug::setReportHandler(keepReport);
-    if (!Interface::initWorldRepresentation(name, world.mMemory, files, noFile))
-        throw std::runtime_error(lastReport());
-}
 
 /// Opens a mesh file of either form, given by its bytes, and starts a world over it if it is fit
 /// for one. Once in an engine's life.
@@ -85,9 +31,11 @@ val openMesh(const std::string& bytes) {
             const Tools::LoadedMesh mesh(path, Tools::LoadedMesh::Defects::ACCEPTED);
             description = describe(mesh);
             xml = mesh.isBinary() ? mesh.toXML() : bytes;
+            if (description["isFit"].as<bool>())
+                theWorld().mView = std::make_unique<const HostKit::MeshView>(*mesh);
         }
         std::remove(path);
-        if (description["isFit"].as<bool>())
+        if (theWorld().mView != nullptr)
             startWorld(xml);
         return description;
     });
@@ -107,17 +55,18 @@ val memory() {
 /// Closes the world and tells what memory it left behind.
 val closeWorld() {
     return guarded([] {
-        Interface::close();
+        endCrowd();
+        theWorld().mExports.close();
         return memory();
     });
 }
 
 int openSearch(const Vec3<float>& start, const Vec3<float>& goal) {
-    return guarded([&] { return Interface::initPathSearch(start, goal); });
+    return guarded([&] { return theWorld().mExports.initPathSearch(start, goal); });
 }
 
 int runSearch(int id, unsigned int budget) {
-    return guarded([&] { return Interface::runPathSearch(id, budget); });
+    return guarded([&] { return theWorld().mExports.runPathSearch(id, budget); });
 }
 
 /// The waypoints that were not given yet, as x, y and z of each.
@@ -125,18 +74,18 @@ val takeWaypoints(int id) {
     return guarded([&] {
         std::vector<float> points;
         Vec3<float> waypoint;
-        while (Interface::getNextWaypoint(id, waypoint))
+        while (theWorld().mExports.getNextWaypoint(id, waypoint))
             points.insert(points.end(), {waypoint.mX, waypoint.mY, waypoint.mZ});
         return copyOf(points);
     });
 }
 
 float pathCost(int id) {
-    return guarded([&] { return Interface::getPathCost(id); });
+    return guarded([&] { return theWorld().mExports.getPathCost(id); });
 }
 
 bool closeSearch(int id) {
-    return guarded([&] { return Interface::closePathSearch(id); });
+    return guarded([&] { return theWorld().mExports.closePathSearch(id); });
 }
 
 /// For each node 0: not visited, 1: open, 2: closed.
@@ -162,18 +111,18 @@ int nodeAt(const Vec3<float>& point) {
 }
 
 bool isBlocked(const Vec2<float>& position) {
-    return guarded([&] { return Interface::isBlocked(position); });
+    return guarded([&] { return theWorld().mExports.isBlocked(position); });
 }
 
 float groundHeight(const Vec2<float>& position) {
-    return guarded([&] { return Interface::getGroundHeight(position); });
+    return guarded([&] { return theWorld().mExports.getGroundHeight(position); });
 }
 
 /// How far a ray gets, or -1 for all of its way.
 float traceRay(const Vec3<float>& start, const Vec3<float>& end) {
     return guarded([&] {
         Common::Geom::Ray3D<float, float> ray(start, end);
-        Interface::traceRay(ray);
+        theWorld().mExports.traceRay(ray);
         return ray.mHitDistance;
     });
 }
@@ -197,8 +146,9 @@ val blockingGrid(double mostCells) {
                 const float x = grid.mBounds.mMin.mX + (static_cast<float>(column) + 0.5F) * side;
                 const float y = grid.mBounds.mMin.mY + (static_cast<float>(row) + 0.5F) * side;
                 const Vec2<float> position = Tools::positionAt(mesh, {x, y});
-                heights.push_back(
-                    Interface::isBlocked(position) ? NAN : Interface::getGroundHeight(position));
+                heights.push_back(theWorld().mExports.isBlocked(position)
+                                      ? NAN
+                                      : theWorld().mExports.getGroundHeight(position));
             }
         val out = val::object();
         out.set("columns", columns);

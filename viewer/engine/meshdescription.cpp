@@ -2,6 +2,7 @@
 
 #include "navmesh/meshdefects.h"
 #include "tools/picture/meshfigures.h"
+#include "viewer/engine/guarded.h"
 
 namespace ZUNO::Viewer {
 

@@ -1,5 +1,6 @@
 import type { Vec3 } from "./engine";
 import { parsePoint, pointText, shortText } from "./format";
+import type { StraightForm } from "./searches";
 
 /** What the page's address tells: enough for a colleague to see the same. */
 export interface AddressState {
@@ -12,7 +13,12 @@ export interface AddressState {
     isTopView: boolean;
     showsGrid: boolean;
     showsLabels: boolean;
+    form: StraightForm;
+    /** The height above which nothing is shown. */
+    cut: number | null;
 }
+
+const forms: StraightForm[] = ["improved", "plain", "centres"];
 
 function parsePair(text: string | null): [Vec3, Vec3] | null {
     const [first, second] = (text ?? "").split(";");
@@ -32,7 +38,14 @@ export function readAddress(): AddressState {
         isTopView: fields.get("view") === "top",
         showsGrid: fields.has("grid"),
         showsLabels: fields.has("labels"),
+        form: forms.find((form) => form === fields.get("way")) ?? "improved",
+        cut: fields.has("cut") && Number.isFinite(Number(fields.get("cut"))) ? Number(fields.get("cut")) : null,
     };
+}
+
+/** What of an address the browser's Back goes back to: mesh and queries, not how they are seen. */
+function queriesOf(hash: string): string {
+    return hash.replace(/^#/, "").split("&").filter((field) => /^(mesh|file|path|ray)=/.test(field)).join("&");
 }
 
 export function writeAddress(state: AddressState): void {
@@ -47,5 +60,10 @@ export function writeAddress(state: AddressState): void {
     if (state.isTopView) fields.push("view=top");
     if (state.showsGrid) fields.push("grid");
     if (state.showsLabels) fields.push("labels");
-    history.replaceState(null, "", `#${fields.join("&")}`);
+    if (state.form !== "improved") fields.push(`way=${state.form}`);
+    if (state.cut !== null) fields.push(`cut=${shortText(state.cut)}`);
+    const hash = `#${fields.join("&")}`;
+    const isNew = location.hash.length > 1 && queriesOf(location.hash) !== queriesOf(hash);
+    if (isNew) history.pushState(null, "", hash);
+    else history.replaceState(null, "", hash);
 }

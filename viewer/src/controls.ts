@@ -12,23 +12,46 @@ export function bindButtons(actions: Actions): void {
         });
 }
 
-/** Gives keys their actions, where nobody types. */
+/** What a control that has the focus does with a key itself. */
+function isForControl(target: EventTarget | null, key: string): boolean {
+    if (!(target instanceof HTMLElement)) return false;
+    if (target.matches("select, textarea, input:not([type=range], [type=checkbox])")) return key !== "Escape";
+    if (target.matches("input[type=range]")) return key.startsWith("Arrow") || key === "Home" || key === "End";
+    return target.matches("input, button, summary") && (key === " " || key === "Enter");
+}
+
+/** Gives keys their actions, where nobody types and no dialog is open. */
 export function bindKeys(actions: Actions): void {
     document.addEventListener("keydown", (event) => {
-        const action = actions[event.key.length === 1 ? event.key.toLowerCase() : event.key];
-        if (!action || event.ctrlKey || event.metaKey || event.altKey) return;
-        const isOnControl = event.target instanceof HTMLElement && event.target.matches("input, select, dialog *, button");
-        if (isOnControl && (event.key === " " || event.key === "Enter")) return;
+        const { key } = event;
+        const name = (event.ctrlKey || event.metaKey ? "Ctrl+" : "") + (key.length === 1 ? key.toLowerCase() : key);
+        const action = actions[name];
+        if (!action || event.altKey || document.querySelector("dialog[open]") || isForControl(event.target, key)) return;
         event.preventDefault();
         action();
     });
 }
 
-/** Takes files: by the file button, or dropped anywhere. */
-export function bindFiles(open: (file: File) => void): void {
+/** Keeps what lies over the picture away from the pointer. */
+export function keepClear(stage: HTMLElement, covers: HTMLElement[]): void {
+    const margin = 14; // pixels
+    const look = (event: PointerEvent) => {
+        for (const cover of covers) {
+            const { left, right, top, bottom } = cover.getBoundingClientRect();
+            const isNear = event.type !== "pointerleave" &&
+                event.clientX > left - margin && event.clientX < right + margin &&
+                event.clientY > top - margin && event.clientY < bottom + margin;
+            cover.classList.toggle("aside", isNear);
+        }
+    };
+    for (const kind of ["pointermove", "pointerdown", "pointerleave"] as const) stage.addEventListener(kind, look);
+}
+
+/** Takes files: by the file button, or dropped anywhere; several at once, too. */
+export function bindFiles(open: (files: File[]) => void): void {
     const input = element<HTMLInputElement>("file");
     input.addEventListener("change", () => {
-        if (input.files?.[0]) open(input.files[0]);
+        if (input.files?.length) open([...input.files]);
         input.value = "";
     });
     const dropHere = element("dropHere");
@@ -42,7 +65,7 @@ export function bindFiles(open: (file: File) => void): void {
     addEventListener("drop", (event) => {
         event.preventDefault();
         dropHere.hidden = true;
-        const file = event.dataTransfer?.files[0];
-        if (file) open(file);
+        const files = [...(event.dataTransfer?.files ?? [])];
+        if (files.length) open(files);
     });
 }

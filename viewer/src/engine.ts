@@ -47,6 +47,28 @@ export function centreOf({ centres }: MeshDescription, node: number): Vec3 {
     return [centres[node * 3], centres[node * 3 + 1], centres[node * 3 + 2]];
 }
 
+/** The axis that a position in the plane leaves out. */
+function upAxisOf({ normal }: MeshDescription): number {
+    const size = normal.map(Math.abs);
+    return size.indexOf(Math.max(...size));
+}
+
+/** The host's position of a point: without its up component. */
+export function withoutUp(mesh: MeshDescription, point: Vec3): Vec2 {
+    const up = upAxisOf(mesh);
+    return point.filter((_, axis) => axis !== up) as Vec2;
+}
+
+/** A position in the plane, put as high as the mesh is lowest. */
+export function liftToMesh(mesh: MeshDescription, position: Vec2): Vec3 {
+    const up = upAxisOf(mesh);
+    let lowest = Infinity;
+    for (let i = up; i < mesh.vertices.length; i += 3) lowest = Math.min(lowest, mesh.vertices[i]);
+    const point: number[] = [...position];
+    point.splice(up, 0, lowest);
+    return point as Vec3;
+}
+
 export interface MemoryFigures {
     blocks: number;
     bytes: number;
@@ -71,6 +93,65 @@ export enum SearchResult {
     NoPath = 2,
 }
 
+export interface StraightPath {
+    /** From the start to the goal, three numbers each. */
+    corners: Float32Array;
+    length: number;
+}
+
+/** Why there is, or is not, a path. */
+export interface Explanation {
+    /** Sentences, a line each. */
+    text: string;
+    /** The places nearest to start and goal from which a search can begin. */
+    start: Vec3 | null;
+    goal: Vec3 | null;
+    /** Where the islands of the two come nearest to each other, when they are two. */
+    startShore: Vec3 | null;
+    goalShore: Vec3 | null;
+}
+
+export interface WalkerStep {
+    point: Vec3;
+    walked: number;
+    isThere: boolean;
+}
+
+export interface CrowdFigures {
+    frames: number;
+    queue: number;
+    longestQueue: number;
+    found: number;
+    noPath: number;
+    offMesh: number;
+    /** Of all answers together. */
+    framesWaited: number;
+    mostFramesWaited: number;
+    goalsReached: number;
+    distance: number;
+    centresLength: number;
+    straightLength: number;
+}
+
+/** A host's calls, in arrays with an entry for each: six arguments, four floats of an answer. */
+export interface RecordedCalls {
+    isWhole: boolean;
+    /** The file that the host named. */
+    mesh: string;
+    kinds: Uint8Array;
+    ids: Int32Array;
+    answers: Int32Array;
+    arguments: Float32Array;
+    answerFloats: Float32Array;
+}
+
+export interface ReplayOutcome {
+    calls: number;
+    searches: number;
+    /** The first call that answers otherwise, by its number from 1. */
+    difference: { call: number; text: string } | null;
+}
+
 /** One world over one mesh. Functions raise an Error with the runtime's own message. */
 export interface Engine {
     openMesh(bytes: Uint8Array): MeshDescription;
@@ -90,6 +171,28 @@ export interface Engine {
     /** Below 0 when nothing is hit. */
     traceRay(start: Vec3, end: Vec3): number;
     blockingGrid(mostCells: number): BlockingGrid;
+
+    /** Null when nothing is within the radius, seen from above. */
+    findNearest(point: Vec3, radius: number): { point: Vec3; distance: number } | null;
+    explain(start: Vec3, goal: Vec3): Explanation;
+    /** Of a found path; null for what is none on this mesh. */
+    straighten(start: Vec3, goal: Vec3, waypoints: Float32Array, isImproved: boolean): StraightPath | null;
+    sendWalker(start: Vec3, goal: Vec3, waypoints: Float32Array, isImproved: boolean): boolean;
+    stepWalker(distance: number): WalkerStep;
+
+    startCrowd(characters: number, seed: number, speed: number): void;
+    /** Returns the expansions that were charged. */
+    runCrowdFrame(budget: number): number;
+    /** Of each character its place, and 1 when it waits for a path. */
+    crowdPlaces(): Float32Array;
+    crowdFigures(): CrowdFigures;
+    endCrowd(): void;
+
+    openRecording(bytes: Uint8Array): RecordedCalls;
+    callText(index: number): string;
+    answerText(index: number): string;
+    /** For an engine without a world; the mesh by its file's bytes. */
+    runRecording(mesh: Uint8Array): ReplayOutcome;
 }
 
 declare global {

@@ -18,9 +18,10 @@ export function shortText(value: number): string {
     return String(Number(value.toFixed(3)));
 }
 
+/** Three numbers with commas or spaces between them. */
 export function parsePoint(text: string | null): Vec3 | null {
-    const numbers = (text ?? "").split(",").map(Number);
-    return text && numbers.length === 3 && numbers.every(Number.isFinite)
+    const numbers = (text ?? "").trim().split(/[\s,;]+/).map(Number);
+    return text?.trim() && numbers.length === 3 && numbers.every((value) => Number.isFinite(Math.fround(value)))
         ? (numbers.map(Math.fround) as Vec3)
         : null;
 }

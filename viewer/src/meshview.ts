@@ -13,6 +13,9 @@ export interface Palette {
     path: number;
     mark: number;
     blocked: number;
+    /** A character that walks, and one that waits for a path. */
+    walker: number;
+    waiting: number;
 }
 
 /** The direction up; where a broken mesh has none, y. */
@@ -39,6 +42,7 @@ export class MeshView {
     private readonly baseColours: Float32Array;
     private readonly colours: Float32Array;
     private readonly up: THREE.Vector3;
+    private hiddenIslands = new Set<number>();
     /** The scale of what is drawn on the mesh: the side of a cube. */
     readonly unit: number;
 
@@ -51,17 +55,12 @@ export class MeshView {
         // a vertex for each corner of each node, so that nodes have colours of their own
         const positions = new Float32Array(mesh.corners.length * 3);
         mesh.corners.forEach((vertex, i) => positions.set(mesh.vertices.subarray(vertex * 3, vertex * 3 + 3), i * 3));
-        const triangles: number[] = [];
-        for (let node = 0; node < this.nodeCount; ++node) {
-            const first = mesh.firstCorners[node];
-            for (let i = first + 2; i < mesh.firstCorners[node + 1]; ++i) triangles.push(first, i - 1, i);
-        }
         this.baseColours = new Float32Array(positions.length);
         this.colours = new Float32Array(positions.length);
         const geometry = new THREE.BufferGeometry();
         geometry.setAttribute("position", new THREE.BufferAttribute(positions, 3));
         geometry.setAttribute("color", new THREE.BufferAttribute(this.colours, 3));
-        geometry.setIndex(triangles);
+        geometry.setIndex(this.makeTriangles());
         this.unit = unitOf(mesh, positions);
         this.fill = new THREE.Mesh(
             geometry,
@@ -94,6 +93,24 @@ export class MeshView {
 
     centreOf(node: number): THREE.Vector3 {
         return this.group.localToWorld(new THREE.Vector3(...centreOf(this.mesh, node)));
+    }
+
+    isShown(node: number): boolean {
+        return !this.hiddenIslands.has(this.mesh.islands[node]);
+    }
+
+    /** Leaves islands out, by their numbers. */
+    hideIslands(islands: Set<number>): void {
+        this.hiddenIslands = islands;
+        this.fill.geometry.setIndex(this.makeTriangles());
+        for (const [part, geometry] of [
+            [this.links, this.makeLinks()],
+            [this.walls, this.makeWalls()],
+            [this.wallLines, this.makeWallLines()],
+        ] as const) {
+            part.geometry.dispose();
+            part.geometry = geometry;
+        }
     }
 
     /** Sets the colours of the palette, and none for what a search does. */
@@ -165,11 +182,22 @@ export class MeshView {
         return vertices.subarray(vertex * 3, vertex * 3 + 3);
     }
 
-    /** Calls `visit` for every border with the node beyond, or below 0. */
+    /** Calls `visit` for every border that is shown, with the node beyond, or below 0. */
     private forEachBorder(visit: (node: number, corner: number, beyond: number) => void): void {
         for (let node = 0; node < this.nodeCount; ++node)
-            for (let i = 0; i < this.cornerCount(node); ++i)
+            for (let i = 0; i < this.cornerCount(node) && this.isShown(node); ++i)
                 visit(node, i, this.mesh.neighbours[this.mesh.firstCorners[node] + i]);
+    }
+
+    private makeTriangles(): number[] {
+        const { firstCorners } = this.mesh;
+        const triangles: number[] = [];
+        for (let node = 0; node < this.nodeCount; ++node) {
+            if (!this.isShown(node)) continue;
+            const first = firstCorners[node];
+            for (let i = first + 2; i < firstCorners[node + 1]; ++i) triangles.push(first, i - 1, i);
+        }
+        return triangles;
     }
 
     private makeLinks(): THREE.BufferGeometry {

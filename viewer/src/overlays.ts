@@ -7,11 +7,12 @@ import type { Palette } from "./meshview";
 
 /** A line of the same width from afar and near, a little above the ground. */
 export function makePolyline(points: Vec3[], colour: THREE.ColorRepresentation, mesh: MeshDescription,
-                             style: { width: number; isDashed?: boolean }): Line2 {
+                             style: { width: number; isDashed?: boolean; opacity?: number }): Line2 {
     const lift = new THREE.Vector3(...mesh.normal).multiplyScalar(mesh.cubeSize * 0.8);
     const geometry = new LineGeometry();
     geometry.setPositions(points.flatMap(([x, y, z]) => [x + lift.x, y + lift.y, z + lift.z]));
     const material = new LineMaterial({ color: colour, linewidth: style.width, dashed: !!style.isDashed,
+                                        transparent: style.opacity !== undefined, opacity: style.opacity ?? 1,
                                         dashSize: mesh.cubeSize * 3, gapSize: mesh.cubeSize * 2 });
     const line = new Line2(geometry, material);
     line.computeLineDistances();

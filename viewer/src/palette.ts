@@ -12,6 +12,8 @@ export const lightPalette: Palette = {
     path: 0x1565c0,
     mark: 0xe03131,
     blocked: 0xc92a2a,
+    walker: 0x7b1fa2,
+    waiting: 0xe8590c,
 };
 
 export const darkPalette: Palette = {
@@ -26,4 +28,18 @@ export const darkPalette: Palette = {
     path: 0x74c0fc,
     mark: 0xff6b6b,
     blocked: 0xff6b6b,
+    walker: 0xe599f7,
+    waiting: 0xffa94d,
 };
+
+// none that nodes have while a search goes on
+const firstPaths = ["#f76707", "#e64980", "#e8a200", "#ae3ec9", "#0c8599", "#868e96"];
+
+/** The colour of the n-th path, told apart from those before it. */
+export function pathColour(index: number): string {
+    if (index < firstPaths.length) return firstPaths[index];
+    // turned by the golden angle, around the greens and blues of open and closed nodes
+    const turn = (index * 0.618034) % 1;
+    const hue = turn < 0.35 ? turn * 240 : turn < 0.45 ? 165 + (turn - 0.35) * 200 : 250 + (turn - 0.45) * 200;
+    return `hsl(${Math.round(hue)}, 75%, ${index % 2 ? 42 : 56}%)`;
+}

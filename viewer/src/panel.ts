@@ -1,6 +1,6 @@
-import type { MeshDescription } from "./engine";
+import type { MeshDescription, Vec3 } from "./engine";
 import { byteText, pointText, shortText } from "./format";
-import type { Search } from "./searches";
+import type { Search, StraightForm } from "./searches";
 
 export function element<T extends HTMLElement = HTMLElement>(id: string): T {
     const found = document.getElementById(id);
@@ -30,15 +30,45 @@ function timeText(milliseconds: number): string {
     return milliseconds < 0.1 ? "below 0.1 ms" : `${milliseconds.toFixed(1)} ms`;
 }
 
-/** Shows one search's figures; null: none. */
-export function showFigures(search: Search | null): void {
+/** Shows names and values; the list keeps its lines when they are the same. */
+export function showRows(id: string, rows: [string, string][]): void {
+    const list = element(id);
+    const key = JSON.stringify(rows);
+    if (list.dataset.key === key) return;
+    list.dataset.key = key;
+    list.replaceChildren(
+        ...rows.flatMap(([name, value]) => {
+            const term = document.createElement("dt");
+            term.textContent = name;
+            const text = document.createElement("dd");
+            text.textContent = value;
+            return [term, text];
+        }),
+    );
+}
+
+/** A field with a point; what somebody is typing stays. */
+function showPoint(id: string, point: Vec3 | null): void {
+    const field = element<HTMLInputElement>(id);
+    if (field !== document.activeElement) field.value = point?.map(shortText).join(", ") ?? "";
+}
+
+/** Shows one search's figures; null: none. A start may be known before its goal. */
+export function showFigures(search: Search | null, form: StraightForm, pendingStart: Vec3 | null): void {
+    const found = search?.state === "found" ? search : null;
     setText("state", search?.state ?? "–");
-    setText("cost", search?.state === "found" ? shortText(search.cost) : "–");
-    setText("waypointCount", search?.state === "found" ? String(search.waypoints.length) : "–");
+    setText("cost", found ? shortText(found.cost) : "–");
+    setText("waypointCount", found ? String(found.waypoints.length) : "–");
     setText("expansions", search ? search.expansions.toLocaleString("en") : "–");
     setText("time", search ? timeText(search.milliseconds) : "–");
-    setText("from", search ? search.start.map(shortText).join(", ") : "–");
-    setText("to", search ? search.goal.map(shortText).join(", ") : "–");
+    const centres = found?.wayIn("centres");
+    setText("centresLength", centres ? shortText(centres.length) : "–");
+    const straight = found && form !== "centres" ? found.wayIn(form) : null;
+    const part = straight && centres!.length > 0 ? `, ${((100 * straight.length) / centres!.length).toFixed(0)} %` : "";
+    setText("straightLength", straight ? `${shortText(straight.length)}${part}, ${straight.points.length} corners` : "–");
+    showPoint("fromPoint", pendingStart ?? search?.start ?? null);
+    showPoint("toPoint", pendingStart ? null : (search?.goal ?? null));
+    showWhy(search);
     const list = element("waypoints");
     const shown = search?.waypoints ?? [];
     if (list.dataset.path === String(search?.cost) && list.childElementCount === Math.min(shown.length, 500)) return;
@@ -51,6 +81,16 @@ export function showFigures(search: Search | null): void {
             return item;
         }),
     );
+}
+
+/** Why a search found nothing, in words. */
+function showWhy(search: Search | null): void {
+    const hasNone = search?.state === "off mesh" || search?.state === "no path";
+    element("why").hidden = !hasNone;
+    if (!hasNone) return;
+    const { text, start, goal } = search.explanation;
+    setText("whyText", text.trim());
+    element("useNearest").hidden = search.state !== "off mesh" || !start || !goal;
 }
 
 /** The list of searches; an entry can be chosen, and closed. */
@@ -124,15 +164,7 @@ export function showMesh(mesh: MeshDescription, figures: [string, string][]): vo
         ["Mesh memory", byteText(mesh.memory)],
         ...figures,
     );
-    element("meshFigures").replaceChildren(
-        ...rows.flatMap(([name, value]) => {
-            const term = document.createElement("dt");
-            term.textContent = name;
-            const text = document.createElement("dd");
-            text.textContent = value;
-            return [term, text];
-        }),
-    );
+    showRows("meshFigures", rows);
     const { heights, characters, surfaces } = mesh.tables;
     const nodesOfClass = (number: number) => mesh.heightClasses.filter((id) => id === number).length;
     element("tables").replaceChildren(

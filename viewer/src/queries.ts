@@ -6,6 +6,14 @@ import { Search, SearchBoard } from "./searches";
 /** What clicks do: begin or end a path, begin or end a ray, or nothing. */
 export type Tool = "path" | "ray" | "look";
 
+/** What there was before something was closed or replaced. */
+interface Memory {
+    searches: { start: Vec3; goal: Vec3; colour: string }[];
+    ray: Ray | null;
+}
+
+const longestMemory = 50;
+
 /** What is asked of one world: searches, the one that is looked at, and a ray. */
 export class Queries {
     readonly board: SearchBoard;
@@ -17,6 +25,7 @@ export class Queries {
     /** The next path gets a search of its own instead of the active one's place. */
     addsNext = false;
     isPlaying = false;
+    private readonly memories: Memory[] = [];
 
     constructor(
         private readonly engine: Engine,
@@ -29,12 +38,59 @@ export class Queries {
         return this.board.all;
     }
 
+    get canUndo(): boolean {
+        return this.memories.length > 0;
+    }
+
     click(tool: Tool, point: Vec3): void {
         if (tool === "path") {
             if (!this.pendingStart) this.pendingStart = point;
             else this.startSearch(this.pendingStart, point);
         } else if (!this.pendingRay) this.pendingRay = point;
-        else this.traceRay(this.pendingRay, point);
+        else {
+            this.remember();
+            this.traceRay(this.pendingRay, point);
+        }
+    }
+
+    /** Gives the path, or the one that begins, a start or a goal; the rest is as it was. */
+    setEnd(end: "start" | "goal", point: Vec3): void {
+        const search = this.addsNext ? null : this.active;
+        if (search && !this.pendingStart) {
+            this.remember();
+            this.active = this.board.replace(search, end === "start" ? point : search.start, end === "goal" ? point : search.goal);
+            this.active.finish();
+        } else if (end === "start") this.pendingStart = point;
+        else if (this.pendingStart) this.startSearch(this.pendingStart, point);
+    }
+
+    /** Keeps what there is, for `undo`. */
+    remember(): void {
+        this.memories.push({ searches: this.all.map(({ start, goal, colour }) => ({ start, goal, colour })), ray: this.ray });
+        if (this.memories.length > longestMemory) this.memories.shift();
+    }
+
+    /** Brings back what there was before the last change. */
+    undo(): void {
+        const memory = this.memories.pop();
+        if (!memory) return;
+        this.dropAll();
+        for (const { start, goal, colour } of memory.searches) this.active = this.board.open(start, goal, colour);
+        this.board.finish();
+        this.ray = memory.ray;
+    }
+
+    /** Asks for these alone, if they are others than those that there are. */
+    replaceAll(searches: [Vec3, Vec3][], ray: [Vec3, Vec3] | null): void {
+        const isSame = searches.length === this.all.length &&
+            searches.every(([start, goal], i) => String(start) === String(this.all[i].start) && String(goal) === String(this.all[i].goal));
+        if (!isSame) {
+            if (this.all.length) this.remember();
+            this.dropAll();
+            this.solve(searches);
+        }
+        this.ray = null;
+        if (ray) this.traceRay(...ray);
     }
 
     /** Moves what a sign belongs to; returns the owner of the sign that takes its place. */
@@ -60,6 +116,7 @@ export class Queries {
     }
 
     clearRay(): void {
+        if (this.ray) this.remember();
         this.ray = this.pendingRay = null;
     }
 
@@ -76,9 +133,10 @@ export class Queries {
     }
 
     /** Twenty searches between nodes picked at random. */
-    addCrowd(): void {
+    addTwenty(): void {
+        this.remember();
         const nodeCount = this.mesh.firstCorners.length - 1;
-        const pick = () => centreOf(this.mesh, Math.floor(Math.random() * nodeCount));
+        const pick = () => this.tidy(centreOf(this.mesh, Math.floor(Math.random() * nodeCount)));
         for (let i = 0; i < 20; ++i) this.active = this.board.open(pick(), pick());
         this.isPlaying = true;
     }
@@ -92,11 +150,24 @@ export class Queries {
     }
 
     close(search: Search): void {
+        this.remember();
         this.board.close(search);
         if (this.active === search) this.active = this.all.at(-1) ?? null;
     }
 
     clear(): void {
+        this.remember();
+        this.dropAll();
+    }
+
+    /** The point in as few digits as people need, where it stands on the same node then. */
+    tidy(point: Vec3): Vec3 {
+        const digits = Math.min(Math.max(-Math.floor(Math.log10(this.mesh.cubeSize / 20)), 0), 20);
+        const rounded = point.map((value) => Math.fround(Number(value.toFixed(digits)))) as Vec3;
+        return this.engine.nodeAt(rounded) === this.engine.nodeAt(point) ? rounded : point;
+    }
+
+    private dropAll(): void {
         for (const search of [...this.all]) this.board.close(search);
         this.active = this.pendingStart = null;
         this.isPlaying = false;
@@ -123,6 +194,7 @@ export class Queries {
     }
 
     private startSearch(start: Vec3, goal: Vec3): void {
+        this.remember();
         this.pendingStart = null;
         if (this.active && !this.addsNext) this.active = this.board.replace(this.active, start, goal);
         else this.active = this.board.open(start, goal);

@@ -1,6 +1,24 @@
-import { Engine, SearchResult, Vec3 } from "./engine";
+import { Engine, Explanation, SearchResult, Vec3 } from "./engine";
+import { pathColour } from "./palette";
 
 export type SearchState = "off mesh" | "running" | "found" | "no path";
+
+export type StraightForm = "improved" | "plain" | "centres";
+
+export interface Corners {
+    points: Vec3[];
+    length: number;
+}
+
+export function toPoints(numbers: Float32Array): Vec3[] {
+    const points: Vec3[] = [];
+    for (let i = 0; i < numbers.length; i += 3) points.push([numbers[i], numbers[i + 1], numbers[i + 2]]);
+    return points;
+}
+
+function lengthOf(points: Vec3[]): number {
+    return points.slice(1).reduce((sum, point, i) => sum + Math.hypot(...point.map((value, axis) => value - points[i][axis])), 0);
+}
 
 /** One search of the runtime's, and what is known of it. */
 export class Search {
@@ -9,6 +27,10 @@ export class Search {
     cost = 0;
     waypoints: Vec3[] = [];
     milliseconds = 0;
+    /** The waypoints, as the engine takes them. */
+    private path = new Float32Array();
+    private readonly ways = new Map<StraightForm, Corners>();
+    private reason: Explanation | null = null;
     private readonly id: number;
 
     constructor(
@@ -47,6 +69,27 @@ export class Search {
         this.run(0xffffffff);
     }
 
+    /** The way of a found path in a form, start and goal included. */
+    wayIn(form: StraightForm): Corners {
+        const known = this.ways.get(form);
+        if (known) return known;
+        const straight = form === "centres" ? null : this.engine.straighten(this.start, this.goal, this.path, form === "improved");
+        const points = straight ? toPoints(straight.corners) : [this.start, ...this.waypoints, this.goal];
+        const way = { points, length: straight?.length ?? lengthOf(points) };
+        this.ways.set(form, way);
+        return way;
+    }
+
+    /** Why there is no path. */
+    get explanation(): Explanation {
+        return (this.reason ??= this.engine.explain(this.start, this.goal));
+    }
+
+    /** Puts the engine's character at the start of the path. */
+    sendWalker(form: StraightForm): boolean {
+        return this.engine.sendWalker(this.start, this.goal, this.path, form === "improved");
+    }
+
     /** Of each node 0: not visited, 1: open, 2: closed. */
     nodeStates(): Uint8Array {
         return this.id < 0 ? new Uint8Array() : this.engine.nodeStates(this.id);
@@ -58,15 +101,11 @@ export class Search {
 
     private readPath(): void {
         this.state = "found";
-        const points = this.engine.takeWaypoints(this.id);
-        for (let i = 0; i < points.length; i += 3)
-            this.waypoints.push([points[i], points[i + 1], points[i + 2]]);
+        this.path = this.engine.takeWaypoints(this.id);
+        this.waypoints = toPoints(this.path);
         this.cost = this.engine.pathCost(this.id);
     }
 }
-
-// none that nodes have while a search goes on
-const colours = ["#f76707", "#e64980", "#e8a200", "#ae3ec9", "#0c8599", "#868e96"];
 
 /** All open searches, run side by side with one budget a frame, as a host would. */
 export class SearchBoard {
@@ -75,8 +114,8 @@ export class SearchBoard {
 
     constructor(private readonly engine: Engine) {}
 
-    open(start: Vec3, goal: Vec3): Search {
-        const search = new Search(this.engine, start, goal, colours[this.colourCount++ % colours.length]);
+    open(start: Vec3, goal: Vec3, colour = pathColour(this.colourCount++)): Search {
+        const search = new Search(this.engine, start, goal, colour);
         this.all.push(search);
         return search;
     }

@@ -1,28 +1,17 @@
 import * as THREE from "three";
-import { OrbitControls } from "three/examples/jsm/controls/OrbitControls.js";
 import type { Line2 } from "three/examples/jsm/lines/Line2.js";
+import { Eye } from "./camera";
+import type { Characters } from "./characters";
 import type { Vec3 } from "./engine";
+import { Labels } from "./labels";
 import { MeshView, Palette } from "./meshview";
-import { disposeLine, Marker, MarkerKind } from "./overlays";
+import { disposeLine, Marker } from "./overlays";
+import { Pickable, Pointer, PointerListener } from "./pointer";
 
-/**
- * What is under the pointer, in the mesh's own coordinates: a place on the mesh, or, beside it, one
- * as high as the lowest floor.
- */
-export interface Pick {
-    point: Vec3;
-    isOnMesh: boolean;
-}
-
-export interface ViewListener {
-    onHover(pick: Pick | null): void;
-    onClick(pick: Pick | null): void;
-    /** While a sign is dragged; `isLast` when it is let go. */
-    onDrag(marker: Marker, pick: Pick, isLast: boolean): void;
+export interface ViewListener extends PointerListener {
     onCameraMoved(): void;
 }
 
-const clickTolerance = 4; // pixels
 const slowFrame = 22; // milliseconds: below 45 frames a second
 const toleratedFrames = 4; // slow ones, until the picture gets coarser
 const manyNodes = 5000; // more than a processor draws in a frame's time
@@ -36,25 +25,21 @@ function isDrawnByProcessor(): boolean {
     return /swiftshader|llvmpipe|software/i.test(name);
 }
 
-/** The picture: camera, controls, what is drawn, and what the pointer does on it. */
-export class View {
-    readonly camera = new THREE.PerspectiveCamera(45, 1, 0.1, 1e5);
+/** The picture: what is drawn, and when. */
+export class View implements Pickable {
+    readonly eye: Eye;
+    readonly pointer: Pointer;
     private readonly isDrawnByProcessor = isDrawnByProcessor();
     private readonly renderer: THREE.WebGLRenderer;
     private readonly scene = new THREE.Scene();
-    private readonly controls: OrbitControls;
-    private readonly raycaster = new THREE.Raycaster();
-    private readonly labels: CanvasRenderingContext2D;
+    private readonly labels: Labels;
+    private readonly cut = new THREE.Plane(new THREE.Vector3(0, -1, 0), Infinity);
     private meshView: MeshView | null = null;
     private lines: Line2[] = [];
-    private markers: Marker[] = [];
+    private signs: Marker[] = [];
+    private characters: Characters | null = null;
     private overlay: THREE.Mesh<THREE.BufferGeometry, THREE.MeshBasicMaterial> | null = null;
     private isStale = true;
-    private showsLabels = false;
-    private labelColour = "#000";
-    private topView = false;
-    private pressed: { x: number; y: number; marker: Marker | null; isMoved: boolean } | null = null;
-    private hoverAt: PointerEvent | null = null;
     private lastMovement = 0;
     private lastFrame = 0;
     private wasMoving = false;
@@ -67,23 +52,30 @@ export class View {
         private readonly listener: ViewListener,
     ) {
         this.renderer = new THREE.WebGLRenderer({ canvas, antialias: !this.isDrawnByProcessor });
-        this.labels = labelCanvas.getContext("2d")!;
-        this.controls = new OrbitControls(this.camera, canvas);
-        this.controls.maxPolarAngle = Math.PI * 0.495;
-        this.controls.zoomToCursor = true;
-        this.controls.addEventListener("change", () => {
+        this.labels = new Labels(labelCanvas);
+        this.eye = new Eye(canvas, () => {
             this.noteMovement();
             this.listener.onCameraMoved();
         });
+        this.pointer = new Pointer(canvas, this, listener);
         new ResizeObserver(() => this.resize()).observe(canvas.parentElement!);
-        canvas.addEventListener("pointerdown", (event) => this.press(event), { capture: true });
-        canvas.addEventListener("pointermove", (event) => this.move(event));
-        canvas.addEventListener("pointerup", (event) => this.release(event));
-        canvas.addEventListener("pointerleave", () => {
-            this.hoverAt = null;
-            this.listener.onHover(null);
-        });
         this.resize();
+    }
+
+    get camera(): THREE.Camera {
+        return this.eye.camera;
+    }
+
+    get shownMesh(): MeshView | null {
+        return this.meshView;
+    }
+
+    get markers(): Marker[] {
+        return this.signs;
+    }
+
+    setCameraFree(isFree: boolean): void {
+        this.eye.controls.enabled = isFree;
     }
 
     /** Shows a mesh instead of the last one. */
@@ -94,16 +86,29 @@ export class View {
         }
         this.setOverlay(null);
         this.setSigns([], []);
+        this.setCharacters(null);
+        this.cutHeight = Infinity;
         this.meshView = meshView;
         const isTooMuch = this.isDrawnByProcessor && (meshView?.nodeCount ?? 0) > manyNodes;
         this.slowFrames = isTooMuch ? toleratedFrames + 1 : 0; // nothing to learn by dropping frames
-        if (meshView) this.scene.add(meshView.group);
+        if (meshView) {
+            this.scene.add(meshView.group);
+            this.eye.setBounds(meshView.bounds);
+        }
+        this.isStale = true;
+    }
+
+    /** Those who walk, instead of the last ones. */
+    setCharacters(characters: Characters | null): void {
+        this.characters?.dispose();
+        this.characters = characters;
+        if (characters) this.scene.add(characters.mesh);
         this.isStale = true;
     }
 
     setPalette(palette: Palette): void {
         this.scene.background = new THREE.Color(palette.background);
-        this.labelColour = palette.background > 0x808080 ? "#1c2733" : "#e6edf3";
+        this.labels.colour = palette.background > 0x808080 ? "#1c2733" : "#e6edf3";
         this.isStale = true;
     }
 
@@ -113,21 +118,15 @@ export class View {
             line.removeFromParent();
             disposeLine(line);
         }
-        for (const marker of this.markers) {
+        for (const marker of this.signs) {
             marker.mesh.removeFromParent();
             marker.dispose();
         }
         this.lines = lines;
-        this.markers = markers;
+        this.signs = markers;
         for (const line of lines) this.meshView?.group.add(line);
         for (const marker of markers) this.scene.add(marker.mesh);
         this.isStale = true;
-    }
-
-    /** Goes on dragging with the sign that took the place of the one that was dragged. */
-    regrip(kind: MarkerKind, owner: unknown): void {
-        if (this.pressed?.marker)
-            this.pressed.marker = this.markers.find((marker) => marker.kind === kind && marker.owner === owner) ?? null;
     }
 
     setOverlay(overlay: THREE.Mesh<THREE.BufferGeometry, THREE.MeshBasicMaterial> | null): void {
@@ -144,7 +143,7 @@ export class View {
     }
 
     setLabels(isOn: boolean): void {
-        this.showsLabels = isOn;
+        this.labels.isOn = isOn;
         this.isStale = true;
     }
 
@@ -152,62 +151,28 @@ export class View {
         this.isStale = true;
     }
 
-    get isTopView(): boolean {
-        return this.topView;
-    }
-
-    setTopView(isTop: boolean): void {
-        this.topView = isTop;
-        this.controls.enableRotate = !isTop;
-        this.controls.mouseButtons.LEFT = isTop ? THREE.MOUSE.PAN : THREE.MOUSE.ROTATE;
-        this.fit();
-    }
-
-    /** Moves the camera so that the whole mesh is seen. */
     fit(): void {
-        const bounds = this.meshView?.bounds;
-        if (!bounds || bounds.isEmpty()) return;
-        const centre = bounds.getCenter(new THREE.Vector3());
-        const size = bounds.getSize(new THREE.Vector3()).length();
-        const corners = [0, 1, 2, 3, 4, 5, 6, 7].map(
-            (i) =>
-                new THREE.Vector3(
-                    (i & 1 ? bounds.max : bounds.min).x,
-                    (i & 2 ? bounds.max : bounds.min).y,
-                    (i & 4 ? bounds.max : bounds.min).z,
-                ),
-        );
-        // from straight above the picture has the plane's first axis to the right
-        const direction = (this.topView ? new THREE.Vector3(0, 1, 1e-4) : new THREE.Vector3(0.3, 0.8, 0.8)).normalize();
-        this.camera.near = size / 500;
-        this.camera.far = size * 20;
-        this.camera.updateProjectionMatrix();
-        this.controls.maxDistance = size * 8;
-        // nearer and nearer, as long as everything is seen
-        const room = 0.93;
-        for (let distance = size * 4; distance > size * 0.2; distance *= 0.97) {
-            this.place(centre.clone().addScaledVector(direction, distance), centre);
-            this.camera.updateMatrixWorld();
-            const seen = corners.map((corner) => corner.clone().project(this.camera));
-            if (seen.some((point) => Math.abs(point.x) > room || Math.abs(point.y) > room)) break;
-        }
+        this.eye.fit();
     }
 
     /** Looks at a node from near. */
     lookAtNode(node: number): void {
-        if (!this.meshView) return;
-        const centre = this.meshView.centreOf(node);
-        const away = this.camera.position.clone().sub(this.controls.target);
-        away.setLength(Math.min(away.length(), this.meshView.unit * 60));
-        this.place(centre.clone().add(away), centre);
+        if (this.meshView) this.eye.lookAt(this.meshView.centreOf(node), this.meshView.unit * 60);
     }
 
-    get cameraState(): [Vec3, Vec3] {
-        return [this.camera.position.toArray(), this.controls.target.toArray()];
+    lookAtPoint(point: Vec3): void {
+        if (this.meshView) this.eye.lookAt(this.toScene(point), this.meshView.unit * 160);
     }
 
-    set cameraState([position, target]: [Vec3, Vec3]) {
-        this.place(new THREE.Vector3(...position), new THREE.Vector3(...target));
+    /** Hides what lies above a height of the scene's. */
+    set cutHeight(height: number) {
+        this.cut.constant = height;
+        this.renderer.clippingPlanes = Number.isFinite(height) ? [this.cut] : [];
+        this.isStale = true;
+    }
+
+    get cutHeight(): number {
+        return this.cut.constant;
     }
 
     /** A point of the mesh's in the scene. */
@@ -228,12 +193,13 @@ export class View {
 
     /** Draws if something changed; returns whether it did. `time` is the frame's. */
     draw(time: number): boolean {
-        this.controls.update();
-        this.hover();
+        this.eye.controls.update();
+        this.pointer.hover();
         this.adaptToMachine(time);
         if (!this.isStale) return false;
         this.isStale = false;
-        for (const marker of this.markers) marker.keepSize((place) => this.unitsPerPixel(place));
+        for (const marker of this.signs) marker.keepSize((place) => this.eye.unitsPerPixel(place));
+        this.characters?.keepSize((place) => this.eye.unitsPerPixel(place));
         this.renderer.render(this.scene, this.camera);
         this.drawLabels();
         return true;
@@ -270,20 +236,6 @@ export class View {
         return new Promise((resolve) => sheet.toBlob(resolve));
     }
 
-    private place(position: THREE.Vector3, target: THREE.Vector3): void {
-        this.camera.position.copy(position);
-        this.controls.target.copy(target);
-        this.controls.update();
-        this.noteMovement();
-        this.listener.onCameraMoved();
-    }
-
-    private unitsPerPixel(point: THREE.Vector3): number {
-        const distance = this.camera.position.distanceTo(point);
-        const tangent = Math.tan((this.camera.fov * Math.PI) / 360);
-        return (2 * distance * tangent) / this.canvas.clientHeight;
-    }
-
     private resize(): void {
         const box = this.canvas.parentElement!.getBoundingClientRect();
         const ratio = Math.min(devicePixelRatio, 2);
@@ -291,97 +243,12 @@ export class View {
         this.renderer.setSize(box.width, box.height, false);
         this.labels.canvas.width = box.width * ratio;
         this.labels.canvas.height = box.height * ratio;
-        this.camera.aspect = box.width / Math.max(box.height, 1);
-        this.camera.updateProjectionMatrix();
+        this.eye.resize(box.width, box.height);
         this.isStale = true;
     }
 
-    private aim(event: PointerEvent): void {
-        const box = this.canvas.getBoundingClientRect();
-        const x = ((event.clientX - box.left) / box.width) * 2 - 1;
-        const y = 1 - ((event.clientY - box.top) / box.height) * 2;
-        this.raycaster.setFromCamera(new THREE.Vector2(x, y), this.camera);
-    }
-
-    private pick(event: PointerEvent): Pick | null {
-        if (!this.meshView) return null;
-        this.aim(event);
-        const [hit] = this.raycaster.intersectObject(this.meshView.fill, false);
-        const floor = new THREE.Plane(new THREE.Vector3(0, 1, 0), -this.meshView.bounds.min.y);
-        const place = hit?.point ?? this.raycaster.ray.intersectPlane(floor, new THREE.Vector3());
-        if (!place) return null;
-        const local = this.meshView.group.worldToLocal(place.clone());
-        return { point: local.toArray().map(Math.fround) as Vec3, isOnMesh: !!hit };
-    }
-
-    private pickMarker(event: PointerEvent): Marker | null {
-        this.aim(event);
-        const [hit] = this.raycaster.intersectObjects(this.markers.map((marker) => marker.mesh), false);
-        return this.markers.find((marker) => marker.mesh === hit?.object && marker.owner !== null) ?? null;
-    }
-
-    private press(event: PointerEvent): void {
-        if (event.button !== 0) return;
-        const marker = this.pickMarker(event);
-        this.pressed = { x: event.clientX, y: event.clientY, marker, isMoved: false };
-        this.controls.enabled = marker === null;
-        if (marker) this.canvas.setPointerCapture(event.pointerId);
-    }
-
-    private move(event: PointerEvent): void {
-        this.hoverAt = event;
-        if (!this.pressed) return;
-        const { x, y } = this.pressed;
-        this.pressed.isMoved ||= Math.hypot(event.clientX - x, event.clientY - y) > clickTolerance;
-    }
-
-    private release(event: PointerEvent): void {
-        const pressed = this.pressed;
-        this.pressed = null;
-        this.controls.enabled = true;
-        if (!pressed || event.button !== 0) return;
-        const pick = this.pick(event);
-        if (pressed.marker) {
-            if (pick) this.listener.onDrag(pressed.marker, pick, true);
-        } else if (!pressed.isMoved) {
-            this.listener.onClick(pick);
-        }
-    }
-
-    /** At most once a frame: looking for what is under the pointer costs more than moving it. */
-    private hover(): void {
-        const event = this.hoverAt;
-        if (!event) return;
-        this.hoverAt = null;
-        if (this.pressed && !this.pressed.marker) return; // the camera moves
-        const pick = this.pick(event);
-        if (this.pressed?.marker && this.pressed.isMoved && pick)
-            this.listener.onDrag(this.pressed.marker, pick, false);
-        this.canvas.style.cursor = this.pressed?.marker || this.pickMarker(event) ? "grab" : "crosshair";
-        this.listener.onHover(pick);
-    }
-
     private drawLabels(): void {
-        const { canvas } = this.labels;
-        this.labels.clearRect(0, 0, canvas.width, canvas.height);
-        if (!this.showsLabels || !this.meshView) return;
-        const ratio = canvas.width / Math.max(this.canvas.clientWidth, 1);
-        this.labels.font = `${11 * ratio}px ui-monospace, monospace`;
-        this.labels.textAlign = "center";
-        this.labels.textBaseline = "middle";
-        this.labels.fillStyle = this.labelColour;
-        // one label in each patch of the picture: more could not be read
-        const taken = new Set<number>();
-        const place = new THREE.Vector3();
-        for (let node = 0; node < this.meshView.nodeCount; ++node) {
-            place.copy(this.meshView.centreOf(node)).project(this.camera);
-            if (Math.abs(place.x) > 1 || Math.abs(place.y) > 1 || place.z > 1) continue;
-            const x = ((place.x + 1) / 2) * canvas.width;
-            const y = ((1 - place.y) / 2) * canvas.height;
-            const patch = Math.floor(x / (34 * ratio)) * 4096 + Math.floor(y / (16 * ratio));
-            if (taken.has(patch)) continue;
-            taken.add(patch);
-            this.labels.fillText(String(node), x, y);
-        }
+        const ratio = this.labels.canvas.width / Math.max(this.canvas.clientWidth, 1);
+        this.labels.draw(this.meshView, this.camera, ratio, (node, centre) => centre.y <= this.cutHeight && !!this.meshView?.isShown(node));
     }
 }

@@ -1,63 +1,70 @@
 import { AddressState, readAddress, writeAddress } from "./address";
-import { Actions, bindButtons, bindFiles, bindKeys } from "./controls";
-import { Engine, MeshDescription, noGround, Vec2, Vec3 } from "./engine";
-import { byteText, pointText, shortText } from "./format";
-import { MeshView, Palette } from "./meshview";
+import { connectControls } from "./commands";
+import { Vec3 } from "./engine";
+import { Floors } from "./floors";
+import { byteText } from "./format";
+import { OpenMesh, openMesh, unpackSample } from "./meshes";
+import type { Palette } from "./meshview";
+import { resultsOf, scriptText } from "./outputs";
 import { makeGridPicture, Marker } from "./overlays";
 import { darkPalette, lightPalette } from "./palette";
-import { element, save, setPressed, setText, showDefects, showFigures, showLegend, showMesh, showSearches, showTab } from "./panel";
-import { Queries, Tool } from "./queries";
+import { element, save, setPressed, setText, showDefects, showFigures, showMesh, showSearches, showTab } from "./panel";
+import { Placing } from "./placing";
+import type { Pick } from "./pointer";
+import type { Tool } from "./queries";
 import { showRay } from "./rays";
-import { Search } from "./searches";
+import { RecordingPanel } from "./recordingpanel";
+import { isRecording, replayRecording } from "./replay";
+import type { Search, StraightForm } from "./searches";
 import { showSigns } from "./signs";
-import { Pick, View } from "./view";
-
-interface OpenMesh {
-    name: string;
-    sample: string | null;
-    engine: Engine;
-    mesh: MeshDescription;
-    view: MeshView;
-    queries: Queries;
-}
+import { showColours, showControls, showPointer } from "./status";
+import { View } from "./view";
 
 const mostGridCells = 4e6;
 
-async function unpack(base64: string): Promise<Uint8Array> {
-    const packed = Uint8Array.from(atob(base64), (letter) => letter.charCodeAt(0));
-    const stream = new Blob([packed]).stream().pipeThrough(new DecompressionStream("gzip"));
-    return new Uint8Array(await new Response(stream).arrayBuffer());
-}
+const sliderOf = (id: string) => 10 ** (Number(element<HTMLInputElement>(id).value) / 10);
+const messageOf = (error: unknown) => (error instanceof Error ? error.message.replace(/^\/mesh: /, "") : String(error));
 
 /** The page: what is open, what is chosen, and what the controls do with it. */
 export class Workbench {
     readonly view: View;
-    private open: OpenMesh | null = null;
+    readonly floors: Floors;
+    readonly recording: RecordingPanel;
+    readonly placing = new Placing(this);
+    open: OpenMesh | null = null;
+    showsGrid = false;
+    showsLabels = false;
+    isDark = matchMedia("(prefers-color-scheme: dark)").matches;
+    /** Where the pointer was last on the mesh. */
+    lastPoint: Vec3 | null = null;
     private tool: Tool = "path";
-    private showsGrid = false;
-    private showsLabels = false;
-    private isDark = matchMedia("(prefers-color-scheme: dark)").matches;
+    private chosenForm: StraightForm = "improved";
     private focus: number | null = null;
     private frames: number[] = [];
+    private lastFrame = 0;
     private timings: [string, string][] = [];
     private openings = 0;
+    private isDragging = false;
     private isAddressStale = false;
+    private addressTimer = 0;
     /** What an address told about a file that is not open yet. */
     private awaited: AddressState | null = null;
 
     constructor() {
         this.view = new View(element<HTMLCanvasElement>("scene"), element<HTMLCanvasElement>("names"), {
-            onHover: (pick) => this.showPointer(pick),
+            onHover: (pick) => this.hover(pick),
             onClick: (pick) => this.click(pick),
             onDrag: (marker, pick, isLast) => this.drag(marker, pick, isLast),
             onCameraMoved: () => (this.isAddressStale = true),
         });
+        this.floors = new Floors(this.view, () => this.showAll(true));
+        this.recording = new RecordingPanel(() => this.showAll(true));
         const samples = element<HTMLSelectElement>("sample");
         samples.add(new Option("–", ""));
         for (const name of Object.keys(zunoSamples)) samples.add(new Option(name, name));
-        this.connectControls();
+        connectControls(this);
         this.setTheme(this.isDark);
-        this.setBudget();
+        this.showSliders();
         this.showAll();
         requestAnimationFrame((time) => this.frame(time));
     }
@@ -67,48 +74,70 @@ export class Workbench {
     }
 
     /** What is open, if a world runs over it. */
-    private get world(): OpenMesh | null {
+    get world(): OpenMesh | null {
         return this.open?.mesh.isFit ? this.open : null;
     }
 
-    private get budget(): number {
-        return Math.max(1, Math.round(10 ** (Number(element<HTMLInputElement>("budget").value) / 10)));
+    get budget(): number {
+        return Math.max(1, Math.round(sliderOf("budget")));
     }
 
-    // ---- meshes -------------------------------------------------------------------------------
+    private get crowdBudget(): number {
+        return Math.max(1, Math.round(sliderOf("crowdBudget")));
+    }
+
+    private get speed(): number {
+        return sliderOf("speed");
+    }
+
+    /** The way that is drawn of a found path. */
+    get form(): StraightForm {
+        return this.chosenForm;
+    }
+
+    set form(form: StraightForm) {
+        this.chosenForm = form;
+        element<HTMLSelectElement>("form").value = form;
+    }
+
+    // ---- meshes and recordings ----------------------------------------------------------------
 
     async openSample(name: string): Promise<void> {
         this.awaited = null;
         if (!zunoSamples[name]) return this.fail(`There is no sample “${name}”.`);
-        await this.openBytes(name, await unpack(zunoSamples[name]), name);
+        await this.openBytes(name, await unpackSample(name), name);
     }
 
-    async openFile(file: File): Promise<void> {
-        await this.openBytes(file.name, new Uint8Array(await file.arrayBuffer()), null);
+    /** Opens what was dropped: a mesh, then a recording over it. */
+    async openFiles(files: File[]): Promise<void> {
+        const contents = await Promise.all(files.map(async (file) => ({ name: file.name, bytes: new Uint8Array(await file.arrayBuffer()) })));
+        const mesh = contents.find(({ bytes }) => !isRecording(bytes));
+        if (mesh) await this.openBytes(mesh.name, mesh.bytes, null);
         if (this.awaited && this.awaited.file === this.open?.name) this.apply(this.awaited);
+        const recording = contents.find(({ bytes }) => isRecording(bytes));
+        if (recording) await this.openRecording(recording.name, recording.bytes);
     }
 
     /** Opens a mesh in a new engine; on an error what was open stays. */
     async openBytes(name: string, bytes: Uint8Array, sample: string | null): Promise<void> {
         const begin = performance.now();
         const turn = ++this.openings;
-        let engine: Engine;
-        let mesh: MeshDescription;
+        let opened: OpenMesh;
         try {
-            engine = await createEngine();
-            mesh = engine.openMesh(bytes);
+            opened = await openMesh(name, sample, bytes, this.view, this.palette);
         } catch (error) {
-            this.fail(`${name}: ${error instanceof Error ? error.message.replace(/^\/mesh: /, "") : String(error)}`);
+            this.fail(`${name}: ${messageOf(error)}`);
             element<HTMLSelectElement>("sample").value = this.open?.sample ?? "";
             return;
         }
         if (turn !== this.openings) return; // another was asked for meanwhile
         const loaded = performance.now();
         this.closeMesh();
-        const view = new MeshView(mesh, this.palette);
-        this.open = { name, sample, engine, mesh, view, queries: new Queries(engine, mesh) };
-        this.view.show(view);
-        this.view.fit();
+        this.open = opened;
+        const { mesh } = opened;
+        this.view.show(opened.view);
+        this.view.eye.fit();
+        this.floors.show(mesh);
         this.view.draw(begin);
         element<HTMLSelectElement>("sample").value = sample ?? "";
         if (mesh.isFit) this.hideError();
@@ -128,64 +157,75 @@ export class Workbench {
     }
 
     private closeMesh(): void {
+        this.recording.close();
+        this.open?.walker.stop();
+        this.open?.crowd.end();
         this.open?.engine.closeWorld();
-        this.open = null;
-        this.focus = null;
+        this.open = this.lastPoint = this.focus = null;
+    }
+
+    private async openRecording(name: string, bytes: Uint8Array): Promise<void> {
+        try {
+            this.recording.open(await replayRecording(this, name, bytes));
+            this.hideError();
+            showTab("recording");
+        } catch (error) {
+            this.fail(`${name}: ${messageOf(error).replace(/; mesh has/, `; ${this.open?.name} has`)}`);
+        }
+        this.showAll();
     }
 
     // ---- the pointer --------------------------------------------------------------------------
 
+    private hover(pick: Pick | null): void {
+        if (pick?.isOnMesh) this.lastPoint = pick.point;
+        showPointer(pick, this.open);
+    }
+
     private click(pick: Pick | null): void {
         if (!pick || !this.world || this.tool === "look") return;
-        if (this.tool === "path" && !pick.isOnMesh) return; // most likely a slip
-        this.world.queries.click(this.tool, pick.point);
+        const point = this.tool === "path" ? this.placing.settle(pick.point) : pick.point;
+        if (!point) return;
+        this.world.queries.click(this.tool, point);
         this.showToolTab();
         this.showAll();
     }
 
     private drag(marker: Marker, pick: Pick, isLast: boolean): void {
-        const owner = this.world?.queries.drag(marker, pick.point);
+        const { queries } = this.world!;
+        const isRay = marker.kind === "rayStart" || marker.kind === "rayEnd";
+        const point = isRay ? pick.point : this.placing.settle(pick.point);
+        if (point && !this.isDragging) queries.remember();
+        this.isDragging = !isLast;
+        const owner = point ? queries.drag(marker, point) : marker.owner;
         this.showAll(!isLast);
-        this.view.regrip(marker.kind, owner);
+        this.view.pointer.regrip(marker.kind, owner);
     }
 
-    private showPointer(pick: Pick | null): void {
-        const open = this.open;
-        if (!pick || !open) {
-            for (const id of ["pointer", "node", "ground"]) setText(id, "");
-            return;
-        }
-        const { mesh, engine } = open;
-        setText("pointer", pick.point.map(shortText).join(", "));
-        if (!mesh.isFit) return setText("node", "no world");
-        // what a search would start from: where floors meet, the lowest id
-        const node = engine.nodeAt(pick.point);
-        const surface = mesh.tables.surfaces.find((type) => type.id === mesh.surfaceTypes[node]);
-        setText("node", node < 0 ? "no node" : `node ${node} · class ${mesh.heightClasses[node]}${surface ? ` · ${surface.name}` : ""}`);
-        const position = this.withoutUp(pick.point);
-        const height = engine.groundHeight(position);
-        setText("ground", engine.isBlocked(position) ? "blocked" : height === noGround ? "no ground" : `ground ${shortText(height)}`);
-    }
-
-    private withoutUp(point: Vec3): Vec2 {
-        const size = this.open!.mesh.normal.map(Math.abs);
-        const up = size.indexOf(Math.max(...size));
-        return point.filter((_, axis) => axis !== up) as Vec2;
+    moveView(right: number, up: number): void {
+        element("cross").hidden = false;
+        this.view.eye.pan(right, up);
     }
 
     // ---- what is shown ------------------------------------------------------------------------
 
     /** Brings the picture and the panels up to date; a short look leaves out what takes time. */
-    private showAll(isShort = false): void {
-        this.showSigns();
+    showAll(isShort = false): void {
         const { open } = this;
         const active = open?.queries.active ?? null;
+        open?.walker.keepTo(active, this.form);
+        this.showSigns();
         open?.view.showStates(active?.nodeStates() ?? new Uint8Array(), this.palette);
         this.view.invalidate();
-        showFigures(active);
+        showFigures(active, this.form, open?.queries.pendingStart ?? null);
         showSearches(open?.queries.all ?? [], active, (search) => this.choose(search), (search) => this.closeSearch(search));
         showRay(open?.queries.ray ?? null);
-        this.showControls();
+        showControls(open, this.tool, this.awaited?.file ?? null, !!open?.crowd.isOut || this.recording.isOpen);
+        showColours(this.palette, open, this.showsGrid);
+        this.showMovement();
+        setPressed(element("grid"), this.showsGrid);
+        setPressed(element("labels"), this.showsLabels);
+        setPressed(element("top"), this.view.eye.isTopView);
         this.isAddressStale = true;
         if (isShort) return;
         setText("title", open ? open.name : "Navigation workbench");
@@ -200,44 +240,13 @@ export class Workbench {
 
     private showSigns(): void {
         if (!this.open) return this.view.setSigns([], []);
-        showSigns(this.view, this.open.mesh, this.palette, this.open.queries, this.focus);
+        const { mesh, queries } = this.open;
+        showSigns(this.view, mesh, this.palette, { queries, form: this.form, focus: this.focus, calls: this.recording.shown });
     }
 
-    private showLegend(): void {
-        const { palette } = this;
-        const entries: [number, string][] = [
-            [palette.lowFloor, "lowest floor"],
-            [palette.highFloor, "highest floor"],
-            [palette.wall, "border without neighbour"],
-        ];
-        if (this.open?.mesh.islands.some((island) => island > 0)) entries.push([palette.islands[0], "island apart"]);
-        if (this.open?.queries.active) entries.push([palette.open, "open"], [palette.closed, "closed"]);
-        if (this.showsGrid) entries.push([palette.blocked, "blocked"]);
-        showLegend(entries);
-    }
-
-    private showControls(): void {
-        const queries = this.world?.queries;
-        const hints: Record<Tool, [string, string]> = {
-            path: ["Click where the path starts", "Click the goal"],
-            ray: ["Click where the ray begins", "Click where it ends"],
-            look: ["", ""],
-        };
-        const isPending = !!(this.tool === "path" ? queries?.pendingStart : queries?.pendingRay);
-        const isDone = this.tool === "path" ? queries?.active && !queries.addsNext : queries?.ray;
-        const invitation = this.awaited ? `This address is about ${this.awaited.file}: drop that file here` : "Choose a sample, or drop a mesh file";
-        setText("hint", !this.open || this.awaited ? invitation : queries && (isPending || !isDone) ? hints[this.tool][isPending ? 1 : 0] : "");
-        setText("play", queries?.isPlaying ? "Pause" : "Play");
-        for (const id of ["play", "step", "finish"]) element<HTMLButtonElement>(id).disabled = !queries?.board.isRunning;
-        for (const id of ["restart", "clear"]) element<HTMLButtonElement>(id).disabled = !queries?.all.length;
-        for (const id of ["another", "crowd", "script", "grid"]) element<HTMLButtonElement>(id).disabled = !queries;
-        setPressed(element("another"), !!queries?.addsNext);
-        setPressed(element("grid"), this.showsGrid);
-        setPressed(element("labels"), this.showsLabels);
-        setPressed(element("top"), this.view.isTopView);
-        for (const button of document.querySelectorAll<HTMLElement>("[data-tool]"))
-            setPressed(button, button.dataset.tool === this.tool);
-        this.showLegend();
+    private showMovement(): void {
+        this.open?.walker.show(this.speed);
+        this.open?.crowd.show();
     }
 
     private choose(search: Search): void {
@@ -248,6 +257,10 @@ export class Workbench {
     private closeSearch(search: Search): void {
         this.open!.queries.close(search);
         this.showAll();
+    }
+
+    closeActive(): void {
+        if (this.open?.queries.active) this.closeSearch(this.open.queries.active);
     }
 
     private jumpTo(node: number): void {
@@ -266,7 +279,7 @@ export class Workbench {
         this.view.setOverlay(makeGridPicture(engine.blockingGrid(mostGridCells), mesh, this.palette, lowest));
     }
 
-    private setTheme(isDark: boolean): void {
+    setTheme(isDark: boolean): void {
         this.isDark = isDark;
         document.documentElement.dataset.theme = isDark ? "dark" : "light";
         this.view.setPalette(this.palette);
@@ -274,36 +287,61 @@ export class Workbench {
         if (this.showsGrid) this.showGrid();
     }
 
-    private setBudget(): void {
+    showSliders(): void {
         setText("budgetText", this.budget.toLocaleString("en"));
+        setText("crowdBudgetText", this.crowdBudget.toLocaleString("en"));
+        this.showMovement();
     }
 
-    private fail(message: string): void {
+    fail(message: string): void {
         setText("errorText", message);
         element("error").hidden = false;
     }
 
-    private hideError(): void {
+    hideError(): void {
         element("error").hidden = true;
     }
 
-    // ---- frames, files, controls --------------------------------------------------------------
+    // ---- those who walk -----------------------------------------------------------------------
+
+    walk(): void {
+        if (!this.world) return;
+        if (this.world.crowd.isOut) this.world.crowd.end();
+        this.world.walker.toggle(this.world.queries.active, this.form);
+    }
+
+    walkCrowd(): void {
+        if (!this.world) return;
+        if (!this.world.crowd.isOut) this.world.walker.stop();
+        const count = Number(element<HTMLInputElement>("crowdCount").value);
+        this.world.crowd.toggle(Math.min(Math.max(Math.round(count) || 1, 1), 2000));
+    }
 
     private frame(time: number): void {
-        const open = this.open;
+        const { open } = this;
+        const seconds = Math.min((time - this.lastFrame) / 1000, 0.1);
+        this.lastFrame = time;
         if (open?.queries.isPlaying) {
             open.queries.playFrame(this.budget);
             this.showAll(open.queries.isPlaying);
         }
+        this.recording.frame(seconds);
+        if (open?.walker.isWalking || open?.crowd.isWalking) {
+            open.walker.frame(seconds, this.speed, this.palette);
+            open.crowd.frame(seconds, this.crowdBudget, this.palette);
+            this.showMovement();
+        }
         if (this.view.draw(time)) this.frames.push(time);
         this.frames = this.frames.filter((each) => time - each < 1000);
         setText("rate", this.frames.length > 5 ? `${this.frames.length} fps` : "");
-        if (this.isAddressStale && open) {
+        if (this.isAddressStale && open && !this.isDragging) {
             this.isAddressStale = false;
             this.keepAddress(open);
         }
         requestAnimationFrame((next) => this.frame(next));
     }
+
+    // ---- the address, scripts, pictures -------------------------------------------------------
 
     private keepAddress({ sample, name, queries: { all, ray } }: OpenMesh): void {
         clearTimeout(this.addressTimer);
@@ -315,78 +353,68 @@ export class Workbench {
                     file: sample ? null : name,
                     searches: all.slice(0, 30).map(({ start, goal }) => [start, goal]),
                     ray: ray && [ray.from, ray.to],
-                    camera: this.view.cameraState,
-                    isTopView: this.view.isTopView,
+                    camera: this.view.eye.state,
+                    isTopView: this.view.eye.isTopView,
                     showsGrid: this.showsGrid,
                     showsLabels: this.showsLabels,
+                    form: this.form,
+                    cut: this.floors.cut,
                 }),
             200,
         );
     }
-    private addressTimer = 0;
 
     /** Shows what the page's address tells; what belongs to a file waits for that file. */
     async followAddress(): Promise<void> {
+        clearTimeout(this.addressTimer);
         const state = readAddress();
-        this.awaited = state.file && !state.sample ? state : null;
+        const isOpen = this.open !== null && (state.sample ?? state.file) === this.open.name;
+        this.awaited = state.file && !state.sample && !isOpen ? state : null;
         if (this.awaited) return this.showAll();
         const sample = state.sample ?? Object.keys(zunoSamples)[0];
-        await this.openSample(sample);
-        if (this.open?.sample === sample) this.apply(state);
+        if (!isOpen) await this.openSample(sample);
+        if (isOpen || this.open?.sample === sample) this.apply(state);
     }
 
     private apply(state: AddressState): void {
         this.awaited = null;
         if (!this.world) return;
-        const { queries } = this.world;
-        queries.solve(state.searches);
-        if (state.ray) queries.traceRay(...state.ray);
+        this.form = state.form;
+        this.world.queries.replaceAll(state.searches, state.ray);
         if (state.searches.length || state.ray) showTab(state.searches.length ? "search" : "ray");
-        if (state.isTopView) this.view.setTopView(true);
-        if (state.camera) this.view.cameraState = state.camera;
+        if (state.isTopView !== this.view.eye.isTopView) this.view.eye.setTopView(state.isTopView);
+        if (state.camera) this.view.eye.state = state.camera;
+        this.floors.cutAt(state.cut);
         this.setLabels(state.showsLabels);
         this.setGrid(state.showsGrid);
         this.showAll();
     }
 
-    private setLabels(isOn: boolean): void {
+    setLabels(isOn: boolean): void {
         this.showsLabels = isOn;
         this.view.setLabels(isOn);
     }
 
-    private setGrid(isOn: boolean): void {
+    setGrid(isOn: boolean): void {
         this.showsGrid = isOn;
         this.showGrid();
     }
 
-    /** The searches and the ray, as zunopath run reads them. */
-    scriptText(): string {
-        const lines = [`# queries over ${this.open?.name ?? "no mesh"}`];
-        for (const { start, goal } of this.open?.queries.all ?? []) lines.push(`path ${pointText(start)} ${pointText(goal)}`);
-        const ray = this.open?.queries.ray;
-        if (ray) lines.push(`ray ${pointText(ray.from)} ${pointText(ray.to)}`);
-        return lines.join("\n") + "\n";
-    }
-
     /** All that was answered, to the bit. */
-    results(): { searches: { state: string; cost: number; waypoints: Vec3[]; expansions: number }[]; hit: number | null } {
-        const queries = this.open?.queries;
-        return {
-            searches: (queries?.all ?? []).map(({ state, cost, waypoints, expansions }) => ({ state, cost, waypoints, expansions })),
-            hit: queries?.ray?.hit ?? null,
-        };
+    results() {
+        return resultsOf(this.open);
     }
 
-    private async savePicture(): Promise<void> {
+    async savePicture(): Promise<void> {
         const picture = await this.view.toPicture();
         if (picture) save(`${this.open?.name ?? "workbench"}.png`, picture);
     }
 
-    private saveScript(): void {
-        save(`${this.open?.name ?? "workbench"}.txt`, new Blob([this.scriptText()], { type: "text/plain" }));
+    saveScript(): void {
+        save(`${this.open?.name ?? "workbench"}.txt`, new Blob([scriptText(this.open)], { type: "text/plain" }));
     }
 
-    private setTool(tool: Tool): void {
+    setTool(tool: Tool): void {
         this.tool = tool;
         this.open?.queries.cancel();
         this.showToolTab();
@@ -396,72 +424,11 @@ export class Workbench {
         if (this.tool !== "look") showTab(this.tool === "path" ? "search" : "ray");
     }
 
-    private escape(): void {
+    escape(): void {
         this.hideError();
+        this.placing.say("");
         this.focus = null;
+        element("cross").hidden = true;
         this.open?.queries.cancel();
-    }
-
-    private connectControls(): void {
-        const actions: Actions = {
-            open: () => element("file").click(),
-            fit: () => this.view.fit(),
-            top: () => this.view.setTopView(!this.view.isTopView),
-            labels: () => this.setLabels(!this.showsLabels),
-            grid: () => this.setGrid(!this.showsGrid),
-            picture: () => void this.savePicture(),
-            script: () => this.saveScript(),
-            link: () => void navigator.clipboard?.writeText(location.href),
-            theme: () => this.setTheme(!this.isDark),
-            help: () => element<HTMLDialogElement>("keys").showModal(),
-            play: () => this.world?.queries.togglePlay(),
-            step: () => this.world?.queries.step(this.budget),
-            finish: () => this.world?.queries.finish(),
-            restart: () => this.world?.queries.restart(),
-            another: () => {
-                if (this.world) this.world.queries.addsNext = !this.world.queries.addsNext;
-            },
-            crowd: () => this.world?.queries.addCrowd(),
-            clear: () => this.world?.queries.clear(),
-            clearRay: () => this.world?.queries.clearRay(),
-            errorClose: () => this.hideError(),
-        };
-        const shown = (action: () => void) => () => {
-            action();
-            this.showAll();
-        };
-        const withShow = (all: Actions) => Object.fromEntries(Object.entries(all).map(([name, action]) => [name, shown(action)]));
-        bindButtons(withShow(actions));
-        for (const button of document.querySelectorAll<HTMLElement>("[data-tool]"))
-            button.addEventListener("click", shown(() => this.setTool(button.dataset.tool as Tool)));
-        for (const tab of document.querySelectorAll<HTMLElement>("[data-tab]"))
-            tab.addEventListener("click", () => showTab(tab.dataset.tab!));
-        element("budget").addEventListener("input", () => this.setBudget());
-        element("sample").addEventListener("change", () => {
-            const name = element<HTMLSelectElement>("sample").value;
-            if (name) void this.openSample(name);
-        });
-        bindFiles((file) => void this.openFile(file));
-        const keys: Actions = {
-            s: () => this.setTool("path"),
-            r: () => this.setTool("ray"),
-            v: () => this.setTool("look"),
-            f: actions.fit,
-            t: actions.top,
-            l: actions.labels,
-            g: actions.grid,
-            p: actions.picture,
-            q: actions.script,
-            d: actions.theme,
-            n: actions.step,
-            " ": actions.play,
-            Enter: actions.finish,
-            Escape: () => this.escape(),
-            Delete: () => {
-                if (this.open?.queries.active) this.closeSearch(this.open.queries.active);
-            },
-            "?": actions.help,
-        };
-        bindKeys(withShow(keys));
     }
 }
