@@ -164,6 +164,8 @@ TEST_F(MeshFilesTest, BinaryHasTheseBytes) {
           {0x3FFFFFFF, 1, endless, "OutOfMemoryException"}, // 0xFFFFFFFC
           {0x40000000, 1, endless, "OutOfMemoryException"},
           {1, 0xFFFFFFEF / sizeof(mesh->mNodes[0]) + 1, endless, "OutOfMemoryException"}}) {
+        if (sizeof(void*) == 4 && row.mLength == endless)
+            continue; // no table is so large there
         mFiles->mFiles["b"] = expected(row.mHeights, row.mNodes);
         mFiles->mLength = row.mLength;
         const std::string raised = raisedBy([] { NavMesh::loadNavMeshBinary("b"); });

@@ -80,6 +80,7 @@ TEST_F(NavMeshTest, FindsTheLowestNodeWithinItsHeights) {
     EXPECT_FLOAT_EQ(mMesh->getDistanceToBorder({2, 5, 9}, 0), 2);
     EXPECT_FLOAT_EQ(mMesh->getDistanceToBorder({13, 14, 0}, 0), 5) << "beyond a corner";
     EXPECT_FALSE(mMesh->isPointInNode({0, 0, 0}, 99));
+    EXPECT_EQ(mMesh->getDistanceToBorder({0, 0, 0}, 10000000), 3.4028235e38F);
     mMesh->getNodeCenter(4);
     mMesh->isPointInNode({0, 0, 0}, -1);
     mMesh->getDistanceToBorder({0, 0, 0}, -1);
