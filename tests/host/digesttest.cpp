@@ -1,6 +1,7 @@
 // Floating point is a promise: every system gives the same bits.
 #include "tests/support/digest.h"
 #include "tests/host/hosttest.h"
+#include "tests/support/turnedmesh.h"
 
 #include <charconv>
 #include <cstdlib>
@@ -128,14 +129,7 @@ std::string keepLog(const std::string& log, bool isAsExpected) {
 } // namespace
 
 TEST_F(HostTest, GivesTheSameBitsOnEverySystem) {
-    std::string turned = Worlds::makeFloor(1500, 5).toXML("axes that no number holds exactly");
-    const auto replace = [&](const std::string& what, const std::string& by) {
-        ASSERT_NE(turned.find(what), std::string::npos);
-        turned.replace(turned.find(what), what.size(), by);
-    };
-    replace("<xaxis>1/0/0<", "<xaxis>0.8/0/0.6<");
-    replace("<yaxis>0/0/1<", "<yaxis>-0.6/0/0.8<");
-    mFiles->mFiles["turned"] = turned;
+    mFiles->mFiles["turned"] = turned(Worlds::makeFloor(1500, 5));
     mFiles->mFiles["harbour"] = Worlds::makeHarbour().toXML("harbour");
     std::string made;
     std::string log;

@@ -3,6 +3,7 @@
 #include "reference/plainworld.h"
 #include "tests/host/hosttest.h"
 #include "tests/support/heaprequests.h"
+#include "tests/support/turnedmesh.h"
 
 #include <cmath>
 
@@ -35,6 +36,7 @@ TEST_F(SearchTest, AnswersAsAWorldOfPlainPartsDoes) {
     expectThePlainWorldsAnswers(Worlds::makeHarbour().toXML("harbour"), 12, 3);
     expectThePlainWorldsAnswers(Worlds::makeFloor(400, 6).toXML("full of ties"), 12, 40);
     expectThePlainWorldsAnswers(Worlds::makeFloor(3000, 7).toXML("large"), 20, 2000);
+    expectThePlainWorldsAnswers(turned(Worlds::makeFloor(400, 5)), 1, 40);
     for (const unsigned int polygons : {60U, 600U}) {
         NavMesh::NavMeshContainer mesh;
         mQuestions.fill(mesh, {1, 0, 0.25F, polygons});

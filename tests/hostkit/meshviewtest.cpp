@@ -1,5 +1,6 @@
 // The host's view of a mesh against the mesh itself.
 #include "tests/hostkit/walkingworld.h"
+#include "tests/support/turnedmesh.h"
 #include "tools/picture/loadedmesh.h"
 #include "tools/picture/meshfigures.h"
 
@@ -12,8 +13,10 @@ using HostKit::MeshView;
 using HostKit::Position;
 
 TEST(MeshView, FindsTheWorldsNodesAndCentres) {
-    for (const auto& model : {Worlds::makeHarbour(), Worlds::makeFloor(300, 5)}) {
-        const WalkingWorld world(model);
+    const Worlds::MeshModel floor = Worlds::makeFloor(300, 5);
+    for (const std::string& document :
+         {Worlds::makeHarbour().toXML("harbour"), floor.toXML("floor"), turned(floor)}) {
+        const WalkingWorld world(document);
         const Tools::LoadedMesh mesh(world.file());
         const MeshView& view = world.view();
         std::mt19937 random(1);

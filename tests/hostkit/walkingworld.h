@@ -7,16 +7,16 @@
 #include "tests/support/tempfolder.h"
 #include "worlds/meshmodel.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
 #include <optional>
 
 namespace ZUNO::Tests {
 
-/// A running world over a model, and the host's view of the same file.
+/// A running world over a mesh, and the host's view of the same file.
 class WalkingWorld {
 public:
-    explicit WalkingWorld(const Worlds::MeshModel& model) : mFile(save(model)) {
+    explicit WalkingWorld(const Worlds::MeshModel& model) : WalkingWorld(model.toXML("test")) {}
+    explicit WalkingWorld(const std::string& document) : mFile(mFolder.put("mesh.xml", document)) {
         mSession.emplace(mFile);
         mView.emplace(HostKit::loadMeshView(mFile));
     }
@@ -40,12 +40,6 @@ public:
     const std::string& file() const { return mFile; }
 
 private:
-    std::string save(const Worlds::MeshModel& model) const {
-        const std::string file = (mFolder.path() / "mesh.xml").string();
-        std::ofstream(file, std::ios::binary) << model.toXML("test");
-        return file;
-    }
-
     TempFolder mFolder;
     std::string mFile;
     std::optional<HostKit::Session> mSession;
