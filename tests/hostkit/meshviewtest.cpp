@@ -83,28 +83,35 @@ TEST(MeshView, SaysWhatIsWrongWithAFile) {
 
 /// Links of odd neighbours: part of a border, none, a vertex in the middle, only one way.
 TEST(MeshView, FindsWhatNeighboursShareByTheirOutlines) {
-    const WalkingWorld world(flatMesh({
+    Worlds::MeshModel model = flatMesh({
         {{{0, 0}, {8, 0}, {8, 8}, {0, 8}}, {1, -1, 2, 3}}, // 0: neighbours in any order
         {{{8, 2}, {16, 2}, {16, 20}, {8, 20}}, {0}},       // 1: beside it, from 2 to 8
         {{{0, 8}, {4, 8}, {8, 8}, {8, 12}, {0, 12}}, {0}}, // 2: above it, with a vertex more
         {{{40, 0}, {48, 0}, {48, 8}}, {-1}},               // 3: far away, and no way back
-    }));
+    });
+    // 4 and 5: side by side on a slope, from 4 to 12
+    model.addPolygon({{80, 0, 0}, {88, 0, 0}, {88, 16, 16}, {80, 16, 16}}, 0, 0xFFFF);
+    model.addPolygon({{88, 4, 4}, {96, 4, 4}, {96, 12, 12}, {88, 12, 12}}, 0, 0xFFFF);
+    model.mNodes[4].mNeighbours = {5};
+    model.mNodes[5].mNeighbours = {4};
+    const WalkingWorld world(model);
     const MeshView& view = world.view();
     std::map<std::uint32_t, std::vector<double>> shared;
-    for (const MeshView::Link& link : view.linksOf(0)) {
-        const auto border = view.borderOf(0, link);
-        shared[link.mTarget].push_back(
-            border.mLeft == HostKit::NO_VERTEX
-                ? -1
-                : distance(view.planeOf(border.mLeft), view.planeOf(border.mRight)));
-    }
-    EXPECT_EQ(shared, (decltype(shared){{1, {1.5}}, {2, {1, 1}}, {3, {-1}}}));
+    for (const std::uint32_t node : {0U, 4U})
+        for (const MeshView::Link& link : view.linksOf(node)) {
+            const auto border = view.borderOf(node, link);
+            shared[link.mTarget].push_back(
+                border.mLeft == HostKit::NO_VERTEX
+                    ? -1
+                    : distance(view.planeOf(border.mLeft), view.planeOf(border.mRight)));
+        }
+    EXPECT_EQ(shared, (decltype(shared){{1, {1.5}}, {2, {1, 1}}, {3, {-1}}, {5, {2}}}));
     std::map<std::uint32_t, double> walls;
     for (std::uint32_t node = 0; node < view.nodeCount(); ++node)
         view.visitWalls(node, [&](const auto& a, const auto& b) { walls[node] += distance(a, b); });
     EXPECT_EQ(walls[0], 2 + 0.5 + 2);
     EXPECT_EQ(walls[1], 2 * 2 + 4.5 + 3);
-    EXPECT_EQ(view.islandSizes(), (std::vector<std::uint32_t>{4}));
+    EXPECT_EQ(view.islandSizes(), (std::vector<std::uint32_t>{4, 2}));
 }
 
 } // namespace
