@@ -46,3 +46,8 @@ for host in consumer owncallbacks withouttypes; do
     withouttypes) grep -q "Assertion failed: isValidID" "$work/errors" ;;
     esac
 done
+if [ "$way" = pkg-config ]; then # and a host in C, by zuno.h alone
+    export PKG_CONFIG_PATH=$prefix/lib/pkgconfig LD_LIBRARY_PATH=$prefix/lib
+    cc -std=c99 "$source/examples/languages/c/host.c" -o "$work/host" $(pkg-config --cflags --libs zunoc)
+    "$work/host" "$source/worlds/harbour.xml" | grep '^digest'
+fi
