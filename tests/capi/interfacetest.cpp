@@ -1,11 +1,11 @@
 // The C interface as a whole: what it exports, its bits, and the mistakes of hosts.
+#include "reference/fixedqueries.h"
 #include "tests/capi/capitest.h"
 #include "tests/platform/process.h"
-#include "tests/support/digest.h"
+#include "tests/support/turnedmesh.h"
 
 #include <fstream>
 #include <functional>
-#include <random>
 #include <sstream>
 
 namespace ZUNO::Tests {
@@ -46,70 +46,81 @@ TEST(CInterface, GivesAHostInCWhatTheExportsGiveAHostInCpp) {
 
 namespace {
 
-/// The queries of tests/host/digests.txt, as its own test asks them of the exports.
-std::string askEverything(zuno_session* session, unsigned int queries) {
-    zuno_point2 low;
-    zuno_point2 high;
-    EXPECT_OK(zuno_bounds(session, &low, &high));
-    std::mt19937 random(11);
-    const auto between = [&](float from, float to) {
-        return from + (to - from) * (static_cast<float>(random() >> 8U) / 16777216.0F);
-    };
-    Digest grounds;
-    Digest rays;
-    Digest paths;
-    unsigned int found = 0;
-    for (unsigned int i = 0; i < queries; ++i) {
-        zuno_point ends[2];
-        for (zuno_point& end : ends) {
-            end.x = between(low.x, high.x);
-            end.z = between(low.y, high.y);
-        }
-        for (zuno_point& end : ends)
-            EXPECT_GE(zuno_ground_height(session, end.x, end.z, &end.y), 0);
-        grounds.add(ends[0].y);
-        std::int32_t number = 0;
-        EXPECT_OK(zuno_is_blocked(session, ends[1].x, ends[1].z, &number));
-        grounds.add(static_cast<std::uint32_t>(number));
-        float hit = 0;
-        EXPECT_GE(zuno_trace_ray(session, ends[0].x, ends[0].z, ends[1].x, ends[1].z, &hit), 0);
-        rays.add(hit);
-        zuno_search* search = nullptr;
-        if (zuno_search_open(session, &ends[0], &ends[1], &search) == ZUNO_NONE)
-            continue;
-        do {
-            EXPECT_OK(zuno_search_run(search, 7, &number));
-            paths.add(static_cast<std::uint32_t>(number));
-        } while (number == ZUNO_RUNNING);
-        found += number == ZUNO_FOUND ? 1U : 0U;
-        std::vector<zuno_point> waypoints(2000);
-        auto count = static_cast<std::uint32_t>(waypoints.size());
-        EXPECT_OK(zuno_search_waypoints(search, waypoints.data(), &count));
-        for (std::uint32_t k = 0; k < count; ++k)
-            for (const float coordinate : {waypoints[k].x, waypoints[k].y, waypoints[k].z})
-                paths.add(coordinate);
-        EXPECT_OK(zuno_search_cost(search, &hit));
-        paths.add(hit);
-        EXPECT_OK(zuno_destroy(search));
+using Vec2 = Common::Math::Vec2<float>;
+using Vec3 = Common::Math::Vec3<float>;
+
+/// A session with the exports' functions, one search at a time.
+class CWorld {
+public:
+    explicit CWorld(zuno_session* session) : mSession(session) {}
+
+    void getBoundingRectangle(Vec2& min, Vec2& max) {
+        zuno_point2 corners[2];
+        EXPECT_OK(zuno_bounds(mSession, &corners[0], &corners[1]));
+        min = {corners[0].x, corners[0].y};
+        max = {corners[1].x, corners[1].y};
     }
-    std::ostringstream text;
-    text << "grounds " << queries << ' ' << std::hex << grounds.value() << "\nrays " << std::dec
-         << queries << ' ' << std::hex << rays.value() << "\npaths " << std::dec << found << ' '
-         << std::hex << paths.value() << '\n';
-    return text.str();
-}
+    float getGroundHeight(const Vec2& at) {
+        EXPECT_GE(zuno_ground_height(mSession, at.mX, at.mY, &mNumber), 0);
+        return mNumber;
+    }
+    bool isBlocked(const Vec2& at) {
+        EXPECT_OK(zuno_is_blocked(mSession, at.mX, at.mY, &mState));
+        return mState != 0;
+    }
+    void traceRay(Common::Geom::Ray2D<float, float>& ray) {
+        EXPECT_GE(zuno_trace_ray(mSession, ray.mStart.mX, ray.mStart.mY, ray.mEnd.mX, ray.mEnd.mY,
+                                 &ray.mHitDistance),
+                  0);
+    }
+    int initPathSearch(const Vec3& from, const Vec3& to) {
+        const zuno_point ends[] = {{from.mX, from.mY, from.mZ}, {to.mX, to.mY, to.mZ}};
+        mWaypoints.clear();
+        mNext = 0;
+        return zuno_search_open(mSession, &ends[0], &ends[1], &mSearch) == ZUNO_NONE ? -1 : 0;
+    }
+    int runPathSearch(int, std::uint32_t budget) {
+        EXPECT_OK(zuno_search_run(mSearch, budget, &mState));
+        return mState;
+    }
+    bool getNextWaypoint(int, Vec3& waypoint) {
+        if (mNext == 0) {
+            mWaypoints.resize(2000);
+            auto count = static_cast<std::uint32_t>(mWaypoints.size());
+            EXPECT_OK(zuno_search_waypoints(mSearch, mWaypoints.data(), &count));
+            mWaypoints.resize(count);
+        }
+        if (mNext == mWaypoints.size())
+            return false;
+        const zuno_point& next = mWaypoints[mNext++];
+        waypoint = {next.x, next.y, next.z};
+        return true;
+    }
+    float getPathCost(int) {
+        EXPECT_OK(zuno_search_cost(mSearch, &mNumber));
+        return mNumber;
+    }
+    void closePathSearch(int) { EXPECT_OK(zuno_destroy(mSearch)); }
+
+private:
+    zuno_session* mSession;
+    zuno_search* mSearch = nullptr;
+    std::vector<zuno_point> mWaypoints;
+    std::size_t mNext = 0;
+    std::int32_t mState = 0;
+    float mNumber = 0;
+};
 
 } // namespace
 
 TEST_F(CApiTest, GivesTheBitsOfTheExports) {
-    std::string& turned = mFiles["turned"] = Worlds::makeFloor(1500, 5).toXML("turned");
-    turned.replace(turned.find("<xaxis>1/0/0<"), 13, "<xaxis>0.8/0/0.6<");
-    turned.replace(turned.find("<yaxis>0/0/1<"), 13, "<yaxis>-0.6/0/0.8<");
+    mFiles["turned"] = turned(Worlds::makeFloor(1500, 5));
     mFiles["harbour"] = Worlds::makeHarbour().toXML("harbour");
     std::string made;
     for (const char* const mesh : {"harbour", "turned"}) {
         ASSERT_OK(start(mesh));
-        made += mesh + std::string("\n") + askEverything(mSession, 3000);
+        CWorld world(mSession);
+        made += mesh + std::string("\n") + Reference::FixedQueries(world, mesh).ask(3000);
         EXPECT_OK(zuno_close(mSession, nullptr));
     }
     mSession = nullptr;

@@ -1,6 +1,6 @@
 // What the host's callbacks do wrong, at every place where they can.
+#include "reference/digest.h"
 #include "tests/host/hosttest.h"
-#include "tests/support/digest.h"
 
 #include <algorithm>
 #include <functional>
@@ -37,7 +37,7 @@ private:
 
 /// A digest of what a world answers.
 std::uint64_t askFiftyQueries() {
-    Digest digest;
+    Reference::Digest digest;
     std::mt19937 random(1);
     const auto place = [&] {
         const float x = static_cast<float>(random() % 32) / 2;

@@ -3,7 +3,7 @@
 #include <bit>
 #include <cstdint>
 
-namespace ZUNO::Tests {
+namespace ZUNO::Reference {
 
 /// FNV-1a over 32-bit words, so that many answers can be compared to the bit at once.
 class Digest {
@@ -16,4 +16,4 @@ private:
     std::uint64_t mHash = 0xCBF29CE484222325U;
 };
 
-} // namespace ZUNO::Tests
+} // namespace ZUNO::Reference
