@@ -9,6 +9,7 @@ export class Labels {
     private readonly context: CanvasRenderingContext2D;
     isOn = false;
     colour = "#000";
+    background = "#fff";
 
     constructor(readonly canvas: HTMLCanvasElement) {
         this.context = canvas.getContext("2d")!;
@@ -23,6 +24,9 @@ export class Labels {
         context.textAlign = "center";
         context.textBaseline = "middle";
         context.fillStyle = this.colour;
+        context.strokeStyle = this.background;
+        context.lineWidth = 3 * ratio;
+        context.lineJoin = "round";
         const digit = context.measureText("0").width;
         const taken = new Map<number, [number, number][]>(); // of each line: from and to
         const place = new THREE.Vector3();
@@ -40,6 +44,7 @@ export class Labels {
             if (row.some(([from, to]) => x - half < to && x + half > from)) continue;
             row.push([x - half, x + half]);
             taken.set(line, row);
+            context.strokeText(text, x, line * lineHeight * ratio);
             context.fillText(text, x, line * lineHeight * ratio);
         }
     }

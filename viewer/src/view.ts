@@ -109,6 +109,7 @@ export class View implements Pickable {
     setPalette(palette: Palette): void {
         this.scene.background = new THREE.Color(palette.background);
         this.labels.colour = palette.background > 0x808080 ? "#1c2733" : "#e6edf3";
+        this.labels.background = `#${palette.background.toString(16).padStart(6, "0")}`;
         this.isStale = true;
     }
 

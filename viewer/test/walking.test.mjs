@@ -75,7 +75,7 @@ test("a crowd walks within its budget, waits when that is small, and stops", asy
 /** The demo's recording, and the same with a bit of an answer turned, as the native tool finds it. */
 function makeRecordings() {
     const [whole, faulty] = ["whole.rec", "faulty.rec"].map((name) => join(bench.folder, name));
-    run("zunodemo", sample("harbour"), "--seconds", "10", "--record", whole);
+    run("zunodemo", sample("harbour"), "--seconds", "100", "--characters", "600", "--record", whole);
     const native = (file) => run("zunopath", "replay", file, "--mesh", sample("harbour"));
     const bytes = readFileSync(whole);
     for (let at = Math.floor(bytes.length / 2); ; ++at) {
