@@ -2,24 +2,13 @@
 #include "reference/fixedqueries.h"
 #include "tests/capi/capitest.h"
 #include "tests/platform/process.h"
+#include "tests/support/tempfolder.h"
 #include "tests/support/turnedmesh.h"
 
-#include <fstream>
 #include <functional>
 #include <sstream>
 
 namespace ZUNO::Tests {
-
-namespace {
-
-std::string contentOf(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
-}
-
-} // namespace
 
 TEST(CInterface, ExportsWhatTheHeaderDeclares) {
     const std::string header = contentOf(ZUNO_SOURCE_FOLDER "/capi/zuno.h");

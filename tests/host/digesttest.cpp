@@ -1,11 +1,11 @@
 // Floating point is a promise: every system gives the same bits.
 #include "reference/fixedqueries.h"
 #include "tests/host/hosttest.h"
+#include "tests/support/tempfolder.h"
 #include "tests/support/turnedmesh.h"
 
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 
 namespace ZUNO::Tests {
 
@@ -36,11 +36,9 @@ TEST_F(HostTest, GivesTheSameBitsOnEverySystem) {
         log += queries.log();
         Interface::close();
     }
-    std::ifstream committed(ZUNO_SOURCE_FOLDER "/tests/host/digests.txt");
-    std::ostringstream expected;
-    expected << committed.rdbuf();
-    const std::string note = keepLog(log, made == expected.str());
-    EXPECT_EQ(made, expected.str()) << note;
+    const std::string expected = contentOf(ZUNO_SOURCE_FOLDER "/tests/host/digests.txt");
+    const std::string note = keepLog(log, made == expected);
+    EXPECT_EQ(made, expected) << note;
 }
 
 } // namespace ZUNO::Tests

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 namespace ZUNO::Tests {
 
@@ -17,14 +16,10 @@ class HostKitTest : public testing::Test {
 protected:
     HostKitTest() : mFolder(mTemporary.path()) {
         fs::create_directories(mFolder / "base" / "sub");
-        write(mFolder / "base" / "sub" / "in", "0123456789");
-        write(mFolder / "out", "secret");
+        mTemporary.put("base/sub/in", "0123456789");
+        mTemporary.put("out", "secret");
         std::error_code ignored; // where there are no links, there is no such file
         fs::create_symlink(mFolder / "out", mFolder / "base" / "link", ignored);
-    }
-
-    static void write(const fs::path& file, const std::string& content) {
-        std::ofstream(file, std::ios::binary) << content;
     }
 
     HostKit::Foundation mFoundation;

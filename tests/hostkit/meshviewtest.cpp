@@ -35,6 +35,11 @@ TEST(MeshView, FindsTheWorldsNodesAndCentres) {
         for (const Position& point : points)
             ASSERT_EQ(static_cast<std::int32_t>(view.findNode(point)), mesh->findNode(point))
                 << point.mX << ' ' << point.mY << ' ' << point.mZ;
+        for (std::uint32_t vertex = 0; vertex < view.vertexCount(); ++vertex) {
+            const auto expected = mesh->projectToPlane(view.positionOf(vertex));
+            for (const auto& place : {view.planeOf(vertex), view.planeOf(view.positionOf(vertex))})
+                ASSERT_LT(distance(place, {expected.mX, expected.mY}), 1e-4);
+        }
         const auto islands = Tools::findIslands(*mesh);
         for (std::uint32_t node = 0; node < view.nodeCount(); ++node) {
             EXPECT_EQ(view.centreOf(node), mesh->getNodeCenter(static_cast<std::int32_t>(node)));
@@ -56,15 +61,12 @@ TEST(MeshView, ComesOfEitherFormAndTakesLittle) {
 
 TEST(MeshView, SaysWhatIsWrongWithAFile) {
     const TempFolder folder;
-    const auto write = [&](const char* name, const std::string& content) {
-        std::ofstream(folder.path() / name, std::ios::binary) << content;
-    };
-    write("none.xml", "<ZUNO><a>1</a></ZUNO>");
-    write("no.xml", "no document");
-    write("cut.bin", std::string("\1\1\0\0", 4));
+    folder.put("none.xml", "<ZUNO><a>1</a></ZUNO>");
+    folder.put("no.xml", "no document");
+    folder.put("cut.bin", std::string("\1\1\0\0", 4));
     auto model = Worlds::makeFloor(4, 1);
     model.mNodes[2].mPolygon[1] = 99;
-    write("defect.xml", model.toXML(""));
+    folder.put("defect.xml", model.toXML(""));
     for (const auto& [name, text] : {std::pair("missing.xml", "missing.xml"),
                                      {"none.xml", "no usable navigation mesh"},
                                      {"no.xml", "no.xml: "},
@@ -72,7 +74,7 @@ TEST(MeshView, SaysWhatIsWrongWithAFile) {
                                      {"defect.xml", "node 2: corner 1 refers to vertex 99 of"}}) {
         testing::internal::CaptureStderr(); // what is missing is reported
         try {
-            HostKit::loadMeshView((folder.path() / name).string());
+            HostKit::loadMeshView(folder.in(name));
             ADD_FAILURE() << name;
         } catch (const std::runtime_error& error) {
             EXPECT_NE(std::string(error.what()).find(text), std::string::npos) << error.what();

@@ -26,9 +26,9 @@ protected:
         write("cut.bin", std::string(1, '\1'));
     }
 
-    std::string at(const std::string& name) const { return (mFolder.path() / name).string(); }
+    std::string at(const std::string& name) const { return mFolder.in(name); }
     void write(const std::string& name, const std::string& content) const {
-        std::ofstream(at(name), std::ios::binary) << content;
+        mFolder.put(name, content);
     }
     /// What a start, or a reload, throws.
     template <typename Action>
@@ -165,11 +165,8 @@ TEST_F(SessionTest, ReloadsAndCarriesOpenRequestsOver) {
         scheduler.advance(FrameBudget::expansions(100000));
         EXPECT_EQ(scheduler.find(id)->mResult, PathResult::FOUND);
     }
-    std::ifstream file(at("recording"), std::ios::binary);
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
     Exports exports;
-    const ReplayOutcome outcome = replay(bytes.str(), exports, {});
+    const ReplayOutcome outcome = replay(mFolder.get("recording"), exports, {});
     EXPECT_FALSE(outcome.mDifference) << describe(*outcome.mDifference);
     EXPECT_TRUE(outcome.mIsWhole);
     EXPECT_EQ(outcome.mSearches, 6U);

@@ -10,6 +10,13 @@
 
 namespace ZUNO::Tests {
 
+/// What a file holds; nothing when it can't be read.
+inline std::string contentOf(const std::filesystem::path& file) {
+    std::ostringstream content;
+    content << std::ifstream(file, std::ios::binary).rdbuf();
+    return content.str();
+}
+
 /// An empty folder of this object's own; goes with it. Tests run side by side.
 class TempFolder {
 public:
@@ -34,11 +41,7 @@ public:
         std::ofstream(mPath / name, std::ios::binary) << content;
         return in(name);
     }
-    std::string get(const std::string& name) const {
-        std::ostringstream content;
-        content << std::ifstream(mPath / name, std::ios::binary).rdbuf();
-        return content.str();
-    }
+    std::string get(const std::string& name) const { return contentOf(mPath / name); }
     /// How many files and folders lie in it.
     std::ptrdiff_t count() const {
         return std::distance(std::filesystem::directory_iterator(mPath),
