@@ -7,7 +7,7 @@
 namespace ZUNO::Tools {
 namespace {
 
-struct Options {
+struct ReplayOptions {
     std::string mRecording;
     std::vector<std::string> mMeshes;
     bool mIsScript = false;
@@ -16,7 +16,7 @@ struct Options {
 } // namespace
 
 void addReplayCommand(CommandLine& line) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ReplayOptions>();
     CLI::App* const command = line.addWithoutMesh(
         "replay", "Make the calls of a recording again, and compare the answers", [options] {
             return options->mIsScript ? printScript(options->mRecording)

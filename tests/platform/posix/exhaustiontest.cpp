@@ -18,7 +18,7 @@ TEST_F(ExhaustionTest, ExceptionsCanStillBeMade) {
     };
     for (const Case& row : {Case{false, false}, {true, false}, {true, true}})
         expectWithLittleMemory([&] {
-            closeLibrary();
+            Common::closeLibrary();
             initLibrary(row.mHasCallback ? mCallback : SharedPtr<Callback::MemoryCallback>());
             const std::string text(5000, 'x');
             mMemory->mFailingRequest = 1;
