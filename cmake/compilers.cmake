@@ -8,6 +8,7 @@ function(zuno_check_compiler)
   endif()
   message(FATAL_ERROR "zunopathfinder's C++ interface needs g++ 12 or clang++ 14, or newer, on every "
     "system (on Windows MinGW's): its strings, shared pointers and exceptions cross the library's "
-    "border. This is ${id} ${version}.")
+    "border. This is ${id} ${version}. Other compilers take the C interface: "
+    "find_package(zunopathfinder COMPONENTS c) and zuno::c.")
 endfunction()
 zuno_check_compiler()
