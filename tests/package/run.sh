@@ -33,7 +33,7 @@ export PKG_CONFIG_PATH=$prefix/lib/pkgconfig LD_LIBRARY_PATH=$prefix/lib
 configure "$source/tests/package" "$work/build" "${ways[@]}"
 make "$work/build"
 if [ "$way" = find_package ]; then # in a project without C++, too
-    configure "$source/tests/package/c" "$work/c" "${ways[@]}"
+    configure "$source/tests/package/c" "$work/c" -DZUNO_SOURCE="$source" -Dzunopathfinder_ROOT="$prefix"
     make "$work/c"
 fi
 if [ -e "$work/build/consumer.exe" ]; then # finds its libraries beside itself

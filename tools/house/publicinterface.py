@@ -27,9 +27,11 @@ def describe(member, scope):
     name = "::".join(part for part in (scope, text(member.find("name"))) if part)
     kind = member.get("kind")
     if kind == "enum":
-        values = [f"enumerator {name}::{text(value.find('name'))} {text(value.find('initializer'))}".rstrip()
-                        for value in member.findall("enumvalue")]
-        return [f"enum {name}"] + values
+        values = [(text(value.find("name")), text(value.find("initializer")))
+                  for value in member.findall("enumvalue")]
+        if not text(member.find("name")) or name.startswith("@"):  # C's constants
+            return [f"enumerator {value} {number}".rstrip() for value, number in values]
+        return [f"enum {name}"] + [f"enumerator {name}::{value} {number}".rstrip() for value, number in values]
     if kind == "define":
         parameters = [text(p.find("defname")) for p in member.findall("param")]
         return [f"macro {name}" + (f"({', '.join(parameters)})" if parameters else "")]
@@ -49,12 +51,14 @@ def interface(folder):
             if compound.get("kind") not in SCOPES or compound.get("prot") == "private":
                 continue
             is_file = compound.get("kind") == "file"
+            # what a header declares outside all namespaces is C's; else it is listed by its namespace
+            is_whole = not is_file or compound.find("innernamespace") is None
             scope = "" if is_file else text(compound.find("compoundname"))
             if compound.get("kind") in ("class", "struct"):
                 bases = ", ".join(text(base) for base in compound.findall("basecompoundref"))
                 lines.add(f"{compound.get('kind')} {scope}" + (f" : {bases}" if bases else ""))
             for member in compound.iter("memberdef"):
-                if not is_file or member.get("kind") == "define":
+                if is_whole or member.get("kind") == "define":
                     lines.update(describe(member, scope))
     return sorted(lines)
 
