@@ -39,27 +39,29 @@ public:
     /// Copies nothing: there is no state here.
     ZUNO_PATHFINDER_EXPORT Interface& operator=(const Interface& other);
 
-    /// Starts the library and loads the world from a mesh file in its XML form.
-    /// `cbMemory` gives all memory and `cbFileIO` all files until `close`; both are held until
-    /// then. A null memory callback is reported, and the process heap serves; a null file callback
-    /// is reported, and no mesh can be read. `blockingMapFile` must be empty. Returns whether the
-    /// mesh was loaded. False comes after reports that say why. Throws what opening, reading and
-    /// parsing the file raise: FileNotFoundException, UnAuthorizedAccessException, IOException,
-    /// XMLParserException, InvalidStateException (no file callback); OutOfMemoryException; and
-    /// NotSupportedException for a `blockingMapFile` that has a name: that leaves a world which can
-    /// search paths, but has no blocking map. After false or an exception: `close`. Reports a
-    /// second start without a `close`. It goes through the first start's callbacks, not through its
-    /// own, and loads before it replaces: after false or an exception, whatever the reason, the
-    /// former world runs on with its searches and its blocking map; after true all searches are
-    /// closed. Cost: reads the file once, and builds a grid with a cell for each cube size.
+    /// Starts the library and loads the world from a mesh file in its XML form. `cbMemory` gives
+    /// all memory and `cbFileIO` all files until `close`; both are held until then. A null memory
+    /// callback is reported, and the process heap serves; a null file callback is reported, and no
+    /// mesh can be read. `blockingMapFile` must be empty.
+    /// Returns whether the mesh was loaded. False comes after reports that say why.
+    /// Throws what opening, reading and parsing the file raise: FileNotFoundException,
+    /// UnAuthorizedAccessException, IOException, XMLParserException, InvalidStateException (no file
+    /// callback); OutOfMemoryException; and NotSupportedException for a `blockingMapFile` that has
+    /// a name: that leaves a world which can search paths, but has no blocking map.
+    /// After false or an exception: `close`.
+    /// Reports a second start without a `close`. It goes through the first start's callbacks, not
+    /// through its own, and loads before it replaces: after false or an exception, whatever the
+    /// reason, the former world runs on with its searches and its blocking map; after true all
+    /// searches are closed.
+    /// Cost: reads the file once, and builds a grid with a cell for each cube size.
     ZUNO_PATHFINDER_EXPORT static bool
     initWorldRepresentation(const Common::BasicString<char>& navMeshFile,
                             const Common::SharedPtr<Common::Callback::MemoryCallback>& cbMemory,
                             const Common::SharedPtr<Common::Callback::FileIOCallback>& cbFileIO,
                             const Common::BasicString<char>& blockingMapFile);
 
-    /// Closes all searches and the world, ends the library and gives all memory back.
-    /// Does nothing when nothing runs. Works after every failure.
+    /// Closes all searches and the world, ends the library and gives all memory back. Does nothing
+    /// when nothing runs. Works after every failure.
     /// Reports blocks of the host's memory that are still out, such as those of an exception that
     /// was not deleted yet.
     ZUNO_PATHFINDER_EXPORT static void close();
@@ -100,7 +102,8 @@ public:
     /// Reports an id that names no search, and returns 0.
     ZUNO_PATHFINDER_EXPORT static float getPathCost(int searchID);
 
-    /// Closes a search. Returns whether there was one; needs no memory.
+    /// Closes a search.
+    /// Returns whether there was one; needs no memory.
     ZUNO_PATHFINDER_EXPORT static bool closePathSearch(int searchID);
 
     /// Returns whether nothing can stand at a place: no node covers the centre of its cell in the
@@ -130,8 +133,9 @@ public:
     ZUNO_PATHFINDER_EXPORT static void getBoundingRectangle(Common::Math::Vec2<float>& min,
                                                             Common::Math::Vec2<float>& max);
 
-    /// Throws NotSupportedException: there is no format for blocking maps. Returns false without a
-    /// world. Reports an empty name.
+    /// Throws NotSupportedException: there is no format for blocking maps.
+    /// Returns false without a world.
+    /// Reports an empty name.
     ZUNO_PATHFINDER_EXPORT static bool saveBlockingMap(const Common::BasicString<char>& filename);
 };
 
