@@ -11,7 +11,12 @@ void* HostMemory::allocateMemory(unsigned int size) {
     void* const block = mFunctions.allocate(mFunctions.user, size);
     if (block == nullptr)
         return nullptr;
-    mSizes[block] = size;
+    try {
+        mSizes[block] = size;
+    } catch (const std::bad_alloc&) {
+        mFunctions.free(mFunctions.user, block);
+        return nullptr;
+    }
     ++mFigures.mBlocks;
     mFigures.mBytes += size;
     mFigures.mPeakBytes = std::max(mFigures.mPeakBytes, mFigures.mBytes);
