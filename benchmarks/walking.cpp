@@ -18,14 +18,6 @@ using namespace ZUNO::HostKit;
 using ZUNO::Pathfinder::Interface;
 using Clock = std::chrono::steady_clock;
 
-double lengthOf(const MeshView& view, const StraightPath& path) {
-    double length = 0;
-    for (std::size_t i = 1; i < path.mCorners.size(); ++i)
-        length += distance(view.planeOf(path.mCorners[i - 1].mPosition),
-                           view.planeOf(path.mCorners[i].mPosition));
-    return length;
-}
-
 /// Lengths as parts of the shortest.
 class Ratios {
 public:
@@ -77,7 +69,7 @@ private:
         time(0, [&] {
             const int search = Interface::initPathSearch(start, goal);
             isFound = search >= 0 &&
-                      Interface::runPathSearch(search, 0xFFFFFFFF) == Pathfinder::PATH_FOUND;
+                      Interface::runPathSearch(search, 0xFFFFFFFF) == ZUNO::Pathfinder::PATH_FOUND;
             for (Position point; search >= 0 && Interface::getNextWaypoint(search, point);)
                 waypoints.push_back(point);
             Interface::closePathSearch(search);
@@ -94,14 +86,14 @@ private:
         const double shortest = shortestLength(plain, start, goal);
         if (!(shortest > 0))
             return;
-        mPlain.add(lengthOf(mView, plain) / shortest);
-        mImproved.add(lengthOf(mView, improved) / shortest);
+        mPlain.add(planeLength(mView, plain) / shortest);
+        mImproved.add(planeLength(mView, improved) / shortest);
     }
 
     /// Without haste and with a budget that no sample exhausts.
     double shortestLength(const StraightPath& plain, const Position& start, const Position& goal) {
         constexpr std::size_t budget = 1 << 18;
-        const double length = lengthOf(mView, plain);
+        const double length = planeLength(mView, plain);
         std::vector<std::uint32_t> chain;
         StraightPath shortest;
         const auto result = mSearch.run({plain.mChain.front(), mView.planeOf(start)},
@@ -110,7 +102,7 @@ private:
         if (result != IntervalSearch::Result::FOUND)
             return length;
         mStraightener.straightenChain(start, goal, chain, StraightForm::PLAIN, shortest);
-        return lengthOf(mView, shortest);
+        return planeLength(mView, shortest);
     }
 
     Session mSession;

@@ -35,33 +35,19 @@ public:
     /// Calls `visitor(number)` for the boxes that may hold the point, and perhaps some near it.
     template <typename Visitor>
     void visitAt(const PlanePoint& point, Visitor visitor) const {
-        walk([&](const PlaneBox& box) { return box.contains(point); }, visitor);
+        walk([&](const PlaneBox& box) { return box.contains(point); },
+             [](const PlaneBox&, const PlaneBox&) { return true; }, visitor);
     }
 
     /// Calls `visitor(number)` for the boxes whose square distance may be below what
     /// `limit()` says at that moment, nearer halves of the tree first.
     template <typename Limit, typename Visitor>
     void visitNear(const PlanePoint& point, Limit limit, Visitor visitor) const {
-        if (mBranches.empty())
-            return;
-        std::uint32_t waiting[maxDepth];
-        std::size_t count = 0;
-        waiting[count++] = 0;
-        while (count > 0) {
-            const std::uint32_t at = waiting[--count];
-            const Branch& branch = mBranches[at];
-            if (!(branch.mBox.squareDistance(point) <= limit()))
-                continue;
-            if (branch.isLeaf()) {
-                visitLeaf(branch, visitor);
-                continue;
-            }
-            const std::uint32_t first = at + 1;
-            const bool isFirstNearer = mBranches[first].mBox.squareDistance(point) <=
-                                       mBranches[branch.mContent].mBox.squareDistance(point);
-            waiting[count++] = isFirstNearer ? branch.mContent : first;
-            waiting[count++] = isFirstNearer ? first : branch.mContent;
-        }
+        walk([&](const PlaneBox& box) { return box.squareDistance(point) <= limit(); },
+             [&](const PlaneBox& first, const PlaneBox& second) {
+                 return first.squareDistance(point) <= second.squareDistance(point);
+             },
+             visitor);
     }
 
     /// The bytes that it holds beside the object itself.
@@ -83,8 +69,10 @@ private:
         std::uint32_t mContent; ///< the second half, or a leaf's mark, count and first item
     };
 
-    template <typename Enters, typename Visitor>
-    void walk(Enters enters, Visitor visitor) const {
+    /// Visits the leaves below all branches that `enters(box)` lets in; of two halves the first one
+    /// first where `isFirstNext(first, second)`.
+    template <typename Enters, typename IsFirstNext, typename Visitor>
+    void walk(Enters enters, IsFirstNext isFirstNext, Visitor& visitor) const {
         if (mBranches.empty())
             return;
         std::uint32_t waiting[maxDepth];
@@ -99,8 +87,11 @@ private:
                 visitLeaf(branch, visitor);
                 continue;
             }
-            waiting[count++] = branch.mContent;
-            waiting[count++] = at + 1;
+            const std::uint32_t first = at + 1;
+            const std::uint32_t second = branch.mContent;
+            const bool isInOrder = isFirstNext(mBranches[first].mBox, mBranches[second].mBox);
+            waiting[count++] = isInOrder ? second : first;
+            waiting[count++] = isInOrder ? first : second;
         }
     }
     template <typename Visitor>

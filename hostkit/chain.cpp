@@ -32,10 +32,12 @@ void ChainFinder::extend(std::size_t first, const Position& waypoint) {
     const std::size_t last = mCandidates.size();
     for (std::size_t i = first; i < last; ++i)
         for (const MeshView::Link& link : mView.linksOf(mCandidates[i].mNode)) {
+            if (!(mView.centreOf(link.mTarget) == waypoint))
+                continue;
             const bool isKnown = std::any_of(
                 mCandidates.begin() + static_cast<std::ptrdiff_t>(last), mCandidates.end(),
                 [&](const Candidate& known) { return known.mNode == link.mTarget; });
-            if (!isKnown && mView.centreOf(link.mTarget) == waypoint)
+            if (!isKnown)
                 mCandidates.push_back({link.mTarget, static_cast<std::uint32_t>(i)});
         }
 }

@@ -15,15 +15,25 @@ bool ChainPortals::lay(std::span<const std::uint32_t> chain) {
 }
 
 bool ChainPortals::addPortal(std::uint32_t node, std::uint32_t next, std::uint32_t step) {
-    MeshView::Border whole{NO_VERTEX, NO_VERTEX, 0};
-    Portal portal;
-    bool isLinked = false;
-    for (const MeshView::Link& link : mView.linksOf(node)) {
-        if (link.mTarget != next)
-            continue;
-        isLinked = true;
-        if (link.mBorder == NO_BORDER)
-            continue;
+    const auto links = mView.linksOf(node);
+    const auto isToNext = [&](const MeshView::Link& link) { return link.mTarget == next; };
+    const auto first = std::find_if(links.begin(), links.end(), isToNext);
+    if (first == links.end())
+        return false;
+    // the pieces of a border follow each other
+    const auto last = std::find_if_not(first + 1, links.end(), isToNext);
+    if (first->mBorder == NO_BORDER)
+        addGap(node, next, step);
+    else
+        addBorder(node, {first, last}, step);
+    return true;
+}
+
+void ChainPortals::addBorder(std::uint32_t node, std::span<const MeshView::Link> pieces,
+                             std::uint32_t step) {
+    MeshView::Border whole = mView.borderOf(node, pieces[0]);
+    Portal portal{mView.planeOf(whole.mLeft), mView.planeOf(whole.mRight)};
+    for (const MeshView::Link& link : pieces.subspan(1)) {
         const MeshView::Border border = mView.borderOf(node, link);
         const Portal piece{mView.planeOf(border.mLeft), mView.planeOf(border.mRight)};
         // a border with vertices in its middle comes in pieces
@@ -31,27 +41,20 @@ bool ChainPortals::addPortal(std::uint32_t node, std::uint32_t next, std::uint32
         const auto isInLine = [&](const PlanePoint& a, const PlanePoint& b, const PlanePoint& c) {
             return std::abs(turn(a, b, c)) <= bendless * dot(c - a, c - a);
         };
-        if (whole.mLeft != NO_VERTEX && piece.mRight == portal.mLeft &&
-            isInLine(portal.mRight, portal.mLeft, piece.mLeft)) {
+        if (piece.mRight == portal.mLeft && isInLine(portal.mRight, portal.mLeft, piece.mLeft)) {
             whole.mLeft = border.mLeft;
             portal.mLeft = piece.mLeft;
-        } else if (whole.mLeft != NO_VERTEX && piece.mLeft == portal.mRight &&
+        } else if (piece.mLeft == portal.mRight &&
                    isInLine(piece.mRight, portal.mRight, portal.mLeft)) {
             whole.mRight = border.mRight;
             portal.mRight = piece.mRight;
-        } else if (whole.mLeft == NO_VERTEX ||
-                   distance(piece.mLeft, piece.mRight) > distance(portal.mLeft, portal.mRight)) {
+        } else if (distance(piece.mLeft, piece.mRight) > distance(portal.mLeft, portal.mRight)) {
             whole = border;
             portal = piece;
         }
     }
-    if (whole.mLeft != NO_VERTEX) {
-        mPortals.push_back(portal);
-        mEnds.push_back({whole.mLeft, whole.mRight, step});
-    } else if (isLinked) {
-        addGap(node, next, step);
-    }
-    return isLinked;
+    mPortals.push_back(portal);
+    mEnds.push_back({whole.mLeft, whole.mRight, step});
 }
 
 /// Two nodes that don't touch are left and entered where they come nearest to each other.

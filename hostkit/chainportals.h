@@ -39,6 +39,7 @@ private:
     static constexpr std::uint32_t pointMark = 1U << 31U;
 
     bool addPortal(std::uint32_t node, std::uint32_t next, std::uint32_t step);
+    void addBorder(std::uint32_t node, std::span<const MeshView::Link> pieces, std::uint32_t step);
     void addGap(std::uint32_t node, std::uint32_t next, std::uint32_t step);
     void addPoint(std::uint32_t node, const PlanePoint& point, std::uint32_t step);
 

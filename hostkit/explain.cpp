@@ -6,13 +6,6 @@ namespace ZUNO::HostKit {
 
 namespace {
 
-double squareDistance(const Position& a, const Position& b) {
-    const double x = double{a.mX} - double{b.mX};
-    const double y = double{a.mY} - double{b.mY};
-    const double z = double{a.mZ} - double{b.mZ};
-    return x * x + y * y + z * z;
-}
-
 /// Calls `visitor(node)` for each node that neighbours lead to, beginning with the first itself,
 /// as long as it returns true.
 template <typename Visitor>
@@ -90,7 +83,9 @@ private:
 /// Sentences about points, numbers in the shortest form that keeps every bit.
 class Sentences {
 public:
-    explicit Sentences(const MeshView& view) : mView(view) {}
+    explicit Sentences(const MeshView& view) : mView(view) {
+        mText.exceptions(std::ios::badbit); // else the text would end where memory does
+    }
 
     void tellOf(const char* name, const Explanation::End& end) {
         mText << "The " << name << " ";

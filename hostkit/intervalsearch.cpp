@@ -1,7 +1,5 @@
 #include "hostkit/intervalsearch.h"
 
-#include <bit>
-
 namespace ZUNO::HostKit {
 
 namespace {
@@ -9,32 +7,25 @@ namespace {
 /// Ways of equal length to one corner come out different by rounding.
 constexpr double rounding = 1 + 1e-12;
 
-bool isLater(double a, double b) {
-    return a > b;
-}
-
 } // namespace
 
 IntervalSearch::Result IntervalSearch::run(const End& start, const End& goal, double bound,
                                            double haste, std::size_t budget,
                                            std::vector<std::uint32_t>& chain) {
-    const auto later = [](const Waiting& a, const Waiting& b) {
-        return isLater(a.mEstimate, b.mEstimate);
-    };
     mGoal = goal;
     mBound = bound;
     mHaste = haste;
     mStates.clear();
     mRoots.clear();
     mWaiting.clear();
-    const std::size_t room = std::bit_ceil(budget * 4 + 1); // a state makes two roots at most
-    if (mArrivals.size() < room || ++mRun == 0) {
-        mArrivals.assign(std::max(room, mArrivals.size()), Arrival{0, NO_VERTEX, 0, 0});
+    mArrivalCount = 0;
+    if (mArrivals.empty() || ++mRun == 0) {
+        mArrivals.assign(std::max(mArrivals.size(), fewestArrivals), Arrival{});
         mRun = 1;
     }
     begin(start);
     while (!mWaiting.empty()) {
-        std::pop_heap(mWaiting.begin(), mWaiting.end(), later);
+        std::pop_heap(mWaiting.begin(), mWaiting.end(), isLater);
         const std::uint32_t index = mWaiting.back().mState;
         mWaiting.pop_back();
         if (mStates[index].mNode == goal.mNode) {
@@ -75,8 +66,7 @@ void IntervalSearch::expand(std::uint32_t index) {
     const PlanePoint toRight = state.mRight.mPoint - root.mPoint;
     // in line with a border one sees its nearer end alone, and has to bend there
     if (state.mLeft.mVertex != NO_VERTEX && state.mRight.mVertex != NO_VERTEX &&
-        turn(root.mPoint, state.mLeft.mPoint, state.mRight.mPoint) == 0 &&
-        dot(toLeft, toRight) > 0) {
+        turn(toLeft, toRight) == 0 && dot(toLeft, toRight) > 0) {
         const bool isLeftNearer = dot(toLeft, toLeft) < dot(toRight, toRight);
         Ray& nearer = isLeftNearer ? state.mLeft : state.mRight;
         if (!isCorner(nearer, root.mPoint))
@@ -86,51 +76,58 @@ void IntervalSearch::expand(std::uint32_t index) {
             return;
         nearer.mRoot = state.mRoot; // a ray from a point to itself bounds nothing
     }
-    // the roots at the interval's ends, made when the first shadow needs them
+    // the roots at the interval's ends are made when the first shadow needs them
     const PlanePoint& from = mRoots[state.mRoot].mPoint;
-    std::uint32_t corners[2] = {isCorner(state.mLeft, from) ? unmadeRoot : noRoot,
-                                isCorner(state.mRight, from) ? unmadeRoot : noRoot};
+    Sight sight{state,
+                index,
+                lineOf(state.mLeft),
+                lineOf(state.mRight),
+                {isCorner(state.mLeft, from) ? unmadeRoot : noRoot,
+                 isCorner(state.mRight, from) ? unmadeRoot : noRoot}};
     for (const MeshView::Link& link : mView.linksOf(state.mNode))
         if (link.mTarget != state.mFrom && link.mTarget != mStartNode && link.mBorder != NO_BORDER)
-            look(state, index, corners, link);
+            look(sight, link);
 }
 
-void IntervalSearch::look(const State& state, std::uint32_t index, std::uint32_t (&corners)[2],
-                          const MeshView::Link& link) {
+void IntervalSearch::look(Sight& sight, const MeshView::Link& link) {
+    const State& state = sight.mState;
     const MeshView::Border border = mView.borderOf(state.mNode, link);
     const PlanePoint left = mView.planeOf(border.mLeft);
     const PlanePoint right = mView.planeOf(border.mRight);
-    const double leftOfLeft = turnFrom(state.mLeft, left);
-    const double rightOfLeft = turnFrom(state.mLeft, right);
-    const double leftOfRight = turnFrom(state.mRight, left);
-    const double rightOfRight = turnFrom(state.mRight, right);
     // what is seen, as parts of the border from its right end to its left
-    const double seenTo = rightOfLeft > 0   ? 0
-                          : leftOfLeft <= 0 ? 1
-                                            : rightOfLeft / (rightOfLeft - leftOfLeft);
-    const double seenFrom = leftOfRight < 0     ? 1
-                            : rightOfRight >= 0 ? 0
-                                                : rightOfRight / (rightOfRight - leftOfRight);
+    double seenTo = 0;
+    if (const double rightOfLeft = sight.mLeft.turnTo(right); !(rightOfLeft > 0)) {
+        const double leftOfLeft = sight.mLeft.turnTo(left);
+        seenTo = leftOfLeft <= 0 ? 1 : rightOfLeft / (rightOfLeft - leftOfLeft);
+    } else if (sight.mCorners[0] == noRoot && sight.mCorners[1] == noRoot) {
+        return; // beside what is seen, and there is no corner to bend around
+    }
+    double seenFrom = 1;
+    if (const double leftOfRight = sight.mRight.turnTo(left); !(leftOfRight < 0)) {
+        const double rightOfRight = sight.mRight.turnTo(right);
+        seenFrom = rightOfRight >= 0 ? 0 : rightOfRight / (rightOfRight - leftOfRight);
+    }
     const auto addPart = [&](double first, double last, std::uint32_t root, const Ray& leftLimit,
                              const Ray& rightLimit) {
         const Ray leftRay{left, root, border.mLeft};
         const Ray rightRay{right, root, border.mRight};
-        add({last < 1 ? leftLimit : leftRay, first > 0 ? rightLimit : rightRay, root, index,
+        add({last < 1 ? leftLimit : leftRay, first > 0 ? rightLimit : rightRay, root, sight.mIndex,
              state.mNode, link.mTarget},
             {between(right, left, last), between(right, left, first)});
     };
     const auto limitOf = [](const Ray& ray) { return Ray{ray.mPoint, ray.mRoot, NO_VERTEX}; };
     const auto corner = [&](int side, const Ray& ray) {
-        if (corners[side] == unmadeRoot)
-            corners[side] = rootAt(ray.mVertex, side, ray.mPoint, mRoots[state.mRoot]);
-        return corners[side];
+        std::uint32_t& root = sight.mCorners[side];
+        if (root == unmadeRoot)
+            root = rootAt(ray.mVertex, side, ray.mPoint, mRoots[state.mRoot]);
+        return root;
     };
     if (seenFrom < seenTo)
         addPart(seenFrom, seenTo, state.mRoot, limitOf(state.mLeft), limitOf(state.mRight));
     if (seenTo < 1 && corner(0, state.mLeft) != noRoot)
-        addPart(seenTo, 1, corners[0], {}, limitOf(state.mLeft));
+        addPart(seenTo, 1, sight.mCorners[0], {}, limitOf(state.mLeft));
     if (seenFrom > 0 && corner(1, state.mRight) != noRoot)
-        addPart(0, seenFrom, corners[1], limitOf(state.mRight), {});
+        addPart(0, seenFrom, sight.mCorners[1], limitOf(state.mRight), {});
 }
 
 void IntervalSearch::add(const State& state, const Interval& interval) {
@@ -139,9 +136,7 @@ void IntervalSearch::add(const State& state, const Interval& interval) {
         return;
     const double rest = length - mRoots[state.mRoot].mLength;
     mWaiting.push_back({length + mHaste * rest, static_cast<std::uint32_t>(mStates.size())});
-    std::push_heap(mWaiting.begin(), mWaiting.end(), [](const Waiting& a, const Waiting& b) {
-        return isLater(a.mEstimate, b.mEstimate);
-    });
+    std::push_heap(mWaiting.begin(), mWaiting.end(), isLater);
     mStates.push_back(state);
 }
 
@@ -188,13 +183,33 @@ std::uint32_t IntervalSearch::rootAt(std::uint32_t vertex, int side, const Plane
 }
 
 IntervalSearch::Arrival& IntervalSearch::arrivalAt(std::uint32_t vertex) {
+    Arrival* arrival = &slotOf(vertex);
+    if (arrival->mRun == mRun)
+        return *arrival;
+    if (2 * mArrivalCount >= mArrivals.size()) {
+        growArrivals();
+        arrival = &slotOf(vertex);
+    }
+    ++mArrivalCount;
+    *arrival = {std::numeric_limits<double>::infinity(), vertex, mRun, 0};
+    return *arrival;
+}
+
+/// Where a vertex's arrival is, or has to be made.
+IntervalSearch::Arrival& IntervalSearch::slotOf(std::uint32_t vertex) {
     const std::size_t mask = mArrivals.size() - 1;
     std::size_t at = vertex * std::size_t{0x9E3779B1} & mask;
     while (mArrivals[at].mRun == mRun && mArrivals[at].mVertex != vertex)
         at = (at + 1) & mask;
-    if (mArrivals[at].mRun != mRun)
-        mArrivals[at] = {std::numeric_limits<double>::infinity(), vertex, mRun, 0};
     return mArrivals[at];
+}
+
+void IntervalSearch::growArrivals() {
+    std::vector<Arrival> former(mArrivals.size() * 2);
+    mArrivals.swap(former);
+    for (const Arrival& arrival : former)
+        if (arrival.mRun == mRun)
+            slotOf(arrival.mVertex) = arrival;
 }
 
 void IntervalSearch::writeChain(std::uint32_t index, std::vector<std::uint32_t>& chain) const {

@@ -62,6 +62,22 @@ private:
         double mEstimate;
         std::uint32_t mState;
     };
+    static bool isLater(const Waiting& a, const Waiting& b) { return a.mEstimate > b.mEstimate; }
+    /// A ray's line.
+    struct Line {
+        double turnTo(const PlanePoint& point) const { return turn(mWay, point - mFrom); }
+
+        PlanePoint mFrom;
+        PlanePoint mWay;
+    };
+    /// What is seen through a state's interval.
+    struct Sight {
+        const State& mState;
+        std::uint32_t mIndex; ///< of the state
+        Line mLeft;
+        Line mRight;
+        std::uint32_t mCorners[2]; ///< the roots at the interval's ends
+    };
     static constexpr std::uint32_t noState = 0xFFFFFFFF;
     static constexpr std::uint32_t noRoot = 0xFFFFFFFF;
     static constexpr std::uint32_t unmadeRoot = 0xFFFFFFFE;
@@ -70,10 +86,10 @@ private:
     void expand(std::uint32_t index);
     /// Looks at a border of the node behind a state: what the root sees of it, and what lies in
     /// the shadow to either side.
-    void look(const State& state, std::uint32_t index, std::uint32_t (&corners)[2],
-              const MeshView::Link& link);
-    double turnFrom(const Ray& ray, const PlanePoint& point) const {
-        return turn(mRoots[ray.mRoot].mPoint, ray.mPoint, point);
+    void look(Sight& sight, const MeshView::Link& link);
+    Line lineOf(const Ray& ray) const {
+        const PlanePoint& from = mRoots[ray.mRoot].mPoint;
+        return {from, ray.mPoint - from};
     }
     bool isCorner(const Ray& ray, const PlanePoint& root) const {
         return ray.mVertex != NO_VERTEX && mView.isAtWall(ray.mVertex) && !(ray.mPoint == root);
@@ -86,12 +102,15 @@ private:
                          const Root& before);
     /// The shortest way to a corner, and the sides to which it was gone around.
     struct Arrival {
-        double mLength;
-        std::uint32_t mVertex;
-        std::uint32_t mRun;
-        std::uint8_t mSides;
+        double mLength = 0;
+        std::uint32_t mVertex = NO_VERTEX;
+        std::uint32_t mRun = 0;
+        std::uint8_t mSides = 0;
     };
+    static constexpr std::size_t fewestArrivals = 256; ///< a power of 2, as all their sizes
     Arrival& arrivalAt(std::uint32_t vertex);
+    Arrival& slotOf(std::uint32_t vertex);
+    void growArrivals();
     void writeChain(std::uint32_t index, std::vector<std::uint32_t>& chain) const;
 
     const MeshView& mView;
@@ -103,6 +122,7 @@ private:
     std::vector<Root> mRoots;
     std::vector<Waiting> mWaiting;  ///< a heap, the least estimate first
     std::vector<Arrival> mArrivals; ///< hashed by vertex; those of other runs are none
+    std::size_t mArrivalCount = 0;
     std::uint32_t mRun = 0;
 };
 

@@ -15,6 +15,14 @@ namespace ZUNO::HostKit {
 
 using Position = Common::Math::Vec3<float>;
 
+/// The square of the distance in space, in double: no coordinates are too large for it.
+inline double squareDistance(const Position& a, const Position& b) {
+    const double x = double{a.mX} - double{b.mX};
+    const double y = double{a.mY} - double{b.mY};
+    const double z = double{a.mZ} - double{b.mZ};
+    return x * x + y * y + z * z;
+}
+
 inline constexpr std::uint32_t NO_NODE = 0xFFFFFFFF;
 inline constexpr std::uint32_t NO_VERTEX = 0xFFFFFFFF;
 inline constexpr std::uint32_t NO_BORDER = 0xFFFFFFFF;
@@ -76,6 +84,9 @@ public:
     }
     PlanePoint planeOf(std::uint32_t vertex) const {
         const Point& p = mVertices[vertex];
+        // the sums below come to the same, and here most of the time is spent
+        if (mIsPlaneXZ)
+            return {double{p.mX} + 0.0, double{p.mZ} + 0.0};
         return {along(mXAxis, p.mX, p.mY, p.mZ), along(mYAxis, p.mX, p.mY, p.mZ)};
     }
     /// How high a point lies along the mesh's up direction.
@@ -173,6 +184,7 @@ private:
     Position mXAxis;
     Position mYAxis;
     Position mUp;
+    bool mIsPlaneXZ = false; ///< whether the plane's axes are x and z
     float mCubeSize = 0;
 };
 

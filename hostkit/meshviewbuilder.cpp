@@ -32,6 +32,7 @@ void MeshViewBuilder::copyMesh() {
     mView.mXAxis = mMesh.mXAxis;
     mView.mYAxis = mMesh.mYAxis;
     mView.mUp = mMesh.mNormal;
+    mView.mIsPlaneXZ = mMesh.mXAxis == Position(1, 0, 0) && mMesh.mYAxis == Position(0, 0, 1);
     mView.mCubeSize = mMesh.mCubeSize;
     mView.mVertices.reserve(mMesh.mVertices.size());
     for (const Position& p : mMesh.mVertices)

@@ -31,14 +31,20 @@ constexpr double cross(const PlanePoint& a, const PlanePoint& b) {
     return a.mX * b.mY - a.mY * b.mX;
 }
 
-/// Twice the area of the triangle: above 0 when `c` lies left of the line from `a` to `b`, and
-/// exactly 0 where rounding leaves the side open.
-inline double turn(const PlanePoint& a, const PlanePoint& b, const PlanePoint& c) {
-    const double left = (b.mX - a.mX) * (c.mY - a.mY);
-    const double right = (b.mY - a.mY) * (c.mX - a.mX);
+/// The cross product of a way and the way to a point beside it: above 0 when that lies to the left,
+/// and exactly 0 where rounding leaves the side open.
+inline double turn(const PlanePoint& way, const PlanePoint& aside) {
+    const double left = way.mX * aside.mY;
+    const double right = way.mY * aside.mX;
     const double area = left - right;
     constexpr double error = 4 * std::numeric_limits<double>::epsilon();
     return std::abs(area) > error * (std::abs(left) + std::abs(right)) ? area : 0;
+}
+
+/// Twice the area of the triangle: above 0 when `c` lies left of the line from `a` to `b`, and
+/// exactly 0 where rounding leaves the side open.
+inline double turn(const PlanePoint& a, const PlanePoint& b, const PlanePoint& c) {
+    return turn(b - a, c - a);
 }
 
 inline double distance(const PlanePoint& a, const PlanePoint& b) {

@@ -6,13 +6,6 @@ namespace ZUNO::HostKit {
 
 namespace {
 
-double distanceInSpace(const Position& a, const Position& b) {
-    const double x = double{a.mX} - double{b.mX};
-    const double y = double{a.mY} - double{b.mY};
-    const double z = double{a.mZ} - double{b.mZ};
-    return std::sqrt(x * x + y * y + z * z);
-}
-
 /// Whether two positions differ by no more than rounding to float does.
 bool isSamePlace(const Position& a, const Position& b) {
     constexpr float error = 4.0F / (1 << 24);
@@ -22,6 +15,14 @@ bool isSamePlace(const Position& a, const Position& b) {
 }
 
 } // namespace
+
+double planeLength(const MeshView& view, const StraightPath& path) {
+    double length = 0;
+    for (std::size_t i = 1; i < path.mCorners.size(); ++i)
+        length += distance(view.planeOf(path.mCorners[i - 1].mPosition),
+                           view.planeOf(path.mCorners[i].mPosition));
+    return length;
+}
 
 bool PathStraightener::straighten(const Position& start, const Position& goal,
                                   const std::vector<Position>& waypoints, StraightForm form,
@@ -66,7 +67,8 @@ bool PathStraightener::pull(StraightPath& path) {
         path.mCorners.pop_back();
     addCorner(goal, static_cast<std::uint32_t>(path.mChain.size() - 1), path);
     for (std::size_t i = 1; i < path.mCorners.size(); ++i)
-        path.mLength += distanceInSpace(path.mCorners[i - 1].mPosition, path.mCorners[i].mPosition);
+        path.mLength +=
+            std::sqrt(squareDistance(path.mCorners[i - 1].mPosition, path.mCorners[i].mPosition));
     return true;
 }
 

@@ -25,6 +25,10 @@ struct StraightPath {
     double mLength = 0;
 };
 
+/// Returns the length of a path as it is seen in the plane; `mLength` is that in space. Units:
+/// those of the mesh. Cost: linear in the corners.
+double planeLength(const MeshView& view, const StraightPath& path);
+
 /// Plain: the shortest way through the very nodes of the path that was found. Improved: a second
 /// search, no farther about than the plain path is long, passes obstacles on their shorter side;
 /// where the mesh is too intricate for its budget it goes piece by piece. Lengths:

@@ -56,13 +56,6 @@ double roundingAt(const PlanePoint& point) {
     return error * (std::abs(point.mX) + std::abs(point.mY));
 }
 
-double squareDistance(const Position& a, const Position& b) {
-    const double x = double{a.mX} - double{b.mX};
-    const double y = double{a.mY} - double{b.mY};
-    const double z = double{a.mZ} - double{b.mZ};
-    return x * x + y * y + z * z;
-}
-
 } // namespace
 
 Position surfaceAt(const MeshView& view, std::uint32_t node, const PlanePoint& point) {
@@ -91,14 +84,21 @@ PlanePoint nearestInNode(const MeshView& view, std::uint32_t node, const PlanePo
     const auto corners = view.cornersOf(node);
     bool isLeft = false;
     bool isRight = false;
-    double nearest = std::numeric_limits<double>::infinity();
-    PlanePoint found = view.planeOf(corners[0]);
     PlanePoint a = view.planeOf(corners.back());
-    for (const std::uint32_t corner : corners) {
-        const PlanePoint b = view.planeOf(corner);
+    for (std::size_t i = 0; i < corners.size() && !(isLeft && isRight); ++i) {
+        const PlanePoint b = view.planeOf(corners[i]);
         const double side = turn(a, b, point);
         isLeft = isLeft || side > 0;
         isRight = isRight || side < 0;
+        a = b;
+    }
+    if (isLeft != isRight)
+        return point;
+    double nearest = std::numeric_limits<double>::infinity();
+    PlanePoint found = view.planeOf(corners[0]);
+    a = view.planeOf(corners.back());
+    for (const std::uint32_t corner : corners) {
+        const PlanePoint b = view.planeOf(corner);
         const PlanePoint here = nearestOnSegment(point, a, b);
         const double away = dot(point - here, point - here);
         if (away < nearest) {
@@ -107,7 +107,7 @@ PlanePoint nearestInNode(const MeshView& view, std::uint32_t node, const PlanePo
         }
         a = b;
     }
-    return isLeft != isRight ? point : found;
+    return found;
 }
 
 Place settle(const MeshView& view, std::uint32_t node, const PlanePoint& point) {

@@ -156,10 +156,10 @@ SurfaceMove walkStraight(const MeshView& view, const Place& start, const PlanePo
         }
         if (next == NO_NODE)
             reached = move.mIsReached ? to : lastInNode(view, node, from, to);
-        move.mPlace = {node, surfaceAt(view, node, reached)};
         before = node;
         node = next;
     }
+    move.mPlace = {before, surfaceAt(view, before, reached)};
     return move;
 }
 
