@@ -110,9 +110,16 @@ void Corridor::move(const Position& target) {
     if (!mPosition)
         return;
     const SurfaceMove walked = moveAlongSurface(mView, mPosition, target);
+    makeRoom(walked);
     mPosition = walked.mPlace;
     if (hasPath())
         enter(walked);
+}
+
+/// Takes the memory for the nodes of a walk, before anything is changed.
+void Corridor::makeRoom(const SurfaceMove& walked) {
+    if (mNodes.capacity() < mNodes.size() + walked.mNodeCount)
+        mNodes.reserve(2 * (mNodes.size() + walked.mNodeCount));
 }
 
 /// Joins the corridor from where one has walked to: at the node farthest along it that was walked
@@ -147,6 +154,7 @@ void Corridor::moveGoal(const Position& target) {
         mNeedsSearch = true;
         return;
     }
+    makeRoom(walked);
     mGoalWander += distance(mView.planeOf(mGoal.mPosition), mView.planeOf(walked.mPlace.mPosition));
     mGoal = walked.mPlace;
     // leave the corridor for the goal's new way at the node nearest to the character
@@ -192,6 +200,7 @@ void Corridor::shorten() {
         --at;
     if (at == 0)
         return;
+    makeRoom(walked);
     const bool isSame = mNodes[at - 1] == walked.mPlace.mNode;
     if (!isSame && !mView.isLinked(walked.mPlace.mNode, mNodes[at - 1]))
         return;

@@ -59,6 +59,7 @@ private:
     PlanePoint aimOf(std::span<const std::uint32_t> nodes) const;
     void passBorders();
     bool canSkip(std::span<const std::uint32_t> behind, const Position& next) const;
+    void makeRoom(const SurfaceMove& walked);
     void enter(const SurfaceMove& walked);
     void loseWay();
 

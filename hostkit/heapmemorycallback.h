@@ -10,6 +10,7 @@ namespace ZUNO::HostKit {
 /// What a heap was asked for so far.
 struct MemoryFigures {
     std::uint64_t mAllocations = 0; ///< calls of `allocateMemory`
+    std::uint64_t mRefused = 0;     ///< those that there was no memory for
     std::uint64_t mFrees = 0;       ///< calls of `freeMemory`
     std::uint64_t mBlocks = 0;      ///< outstanding
     std::uint64_t mBytes = 0;       ///< outstanding
@@ -27,6 +28,9 @@ public:
     const MemoryFigures& figures() const { return mFigures; }
 
 private:
+    /// Keeps a block's size; false when there is no memory for that.
+    bool note(void* block, unsigned int size);
+
     MemoryFigures mFigures;
     std::unordered_map<void*, unsigned int> mSizes; ///< of the outstanding blocks
 };

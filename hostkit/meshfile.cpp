@@ -1,13 +1,14 @@
 #include "hostkit/meshfile.h"
 
 #include "common/callback/openstream.h"
-#include "common/exceptions/exception.h"
+#include "common/exceptions/memoryexceptions.h"
 #include "common/interface.h"
 #include "common/memory/objectcreation.h"
 #include "hostkit/exceptiontext.h"
 #include "navmesh/meshdefects.h"
 #include "navmesh/meshforms.h"
 
+#include <new>
 #include <stdexcept>
 
 namespace ZUNO::HostKit {
@@ -33,11 +34,15 @@ Mesh readBinary(const SharedPtr<IO::Stream>& stream) {
     return mesh->readBinary(stream) ? mesh : Mesh();
 }
 
-/// Runs an action; what it raises becomes a std::runtime_error with the file's name.
+/// Runs an action; what it raises becomes a std::runtime_error with the file's name, or a
+/// std::bad_alloc when there was no memory.
 template <typename Action>
 auto withName(const std::string& fileName, Action action) {
     try {
         return action();
+    } catch (Memory::OutOfMemoryException* exception) {
+        delete exception;
+        throw std::bad_alloc();
     } catch (Exceptions::Exception* exception) {
         throw std::runtime_error(fileName + ": " + takeMessage(exception));
     }

@@ -1,10 +1,12 @@
 #include "hostkit/meshfilecallback.h"
 
 #include "common/io/stream.h"
+#include "common/memory/allocator.h"
 #include "navmesh/meshforms.h"
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <stdexcept>
 
 namespace ZUNO::HostKit {
@@ -35,11 +37,12 @@ bool MeshFileCallback::isBinary(const String& filename) {
 
 std::int32_t MeshFileCallback::openFile(Handle* handle, const String& filename, std::int32_t mode) {
     mFailure.clear();
-    Text text;
-    const bool isConverted = mode == Common::IO::FACCESS_READ && isBinary(filename);
-    if (isConverted) {
+    std::map<Handle, Text> converted;
+    if (mode == Common::IO::FACCESS_READ && isBinary(filename)) {
         try {
-            text.mContent = HostKit::textOf(*readMesh(filename.getConstCharPtr(), mFiles));
+            converted[0].mContent = HostKit::textOf(*readMesh(filename.getConstCharPtr(), mFiles));
+        } catch (const std::bad_alloc&) {
+            Common::Memory::throwOutOfMemory();
         } catch (const std::runtime_error& error) {
             mFailure = error.what();
             return otherError;
@@ -47,8 +50,11 @@ std::int32_t MeshFileCallback::openFile(Handle* handle, const String& filename, 
     }
     // the host's own file stays open too, for its handle
     const std::int32_t result = mFiles->openFile(handle, filename, mode);
-    if (isConverted && result >= 0)
-        mTexts[*handle] = std::move(text);
+    if (!converted.empty() && result >= 0) {
+        auto text = converted.extract(converted.begin());
+        text.key() = *handle;
+        mTexts.insert(std::move(text));
+    }
     return result;
 }
 

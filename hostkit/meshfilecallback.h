@@ -19,6 +19,7 @@ public:
     bool isValidHandle(Handle handle) override { return mFiles->isValidHandle(handle); }
     Handle getInvalidHandle() override { return mFiles->getInvalidHandle(); }
     /// A binary file that holds no usable mesh gives -3; `failure` then says why.
+    /// Throws an OutOfMemoryException when there is no memory for the text.
     std::int32_t openFile(Handle* handle, const String& filename, std::int32_t mode) override;
     void closeFile(Handle handle) override;
     std::int64_t getFileLength(Handle handle) override;

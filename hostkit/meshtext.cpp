@@ -1,5 +1,6 @@
 // What a world reads of a mesh: as text, and as one number.
 #include "common/utility/floatchars.h"
+#include "hostkit/bytedigest.h"
 #include "hostkit/meshfile.h"
 
 #include <charconv>
@@ -49,12 +50,12 @@ private:
     std::string mText;
 };
 
-/// FNV-1a over the words of a mesh.
+/// Over the words of a mesh, the lowest byte of each first.
 class Digest {
 public:
     void add(std::uint32_t word) {
         for (unsigned int shift = 0; shift < 32; shift += 8)
-            mHash = (mHash ^ (word >> shift & 0xFFU)) * 0x100000001B3U;
+            mBytes.add(static_cast<std::uint8_t>(word >> shift));
     }
     void add(std::int32_t number) { add(static_cast<std::uint32_t>(number)); }
     void add(float number) {
@@ -73,10 +74,10 @@ public:
         for (const auto& value : values)
             add(value);
     }
-    std::uint64_t value() const { return mHash; }
+    std::uint64_t value() const { return mBytes.value(); }
 
 private:
-    std::uint64_t mHash = 0xCBF29CE484222325U;
+    ByteDigest mBytes;
 };
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "hostkit/recorder.h"
 
-#include "common/exceptions/exception.h"
 #include "hostkit/meshfile.h"
 
 #include <atomic>
@@ -8,10 +7,6 @@
 namespace ZUNO::HostKit {
 
 namespace {
-
-std::string_view cut(const char* text) {
-    return std::string_view(text).substr(0, longestRecordedText);
-}
 
 void put(RecordingWriter& out, float number) {
     out.bits(bitsOf(number));
@@ -42,21 +37,33 @@ void Recorder::write(std::uint8_t kind, Write write) {
     mFile.commit(out.place());
 }
 
+void Recorder::writeRaised(std::initializer_list<std::string_view> pieces) {
+    write(static_cast<std::uint8_t>(AnswerKind::RAISED),
+          [&](RecordingWriter& out) { out.text(pieces); });
+}
+
+/// The name may need memory, which may be what there is none of.
+void Recorder::writeRaised(const Common::Exceptions::Exception& exception) {
+    const char* const message = exception.getMessage().getConstCharPtr();
+    try {
+        const Common::String name = exception.getName();
+        writeRaised({name.getConstCharPtr(), ": ", message});
+    } catch (Common::Exceptions::Exception* shortage) {
+        delete shortage;
+        writeRaised({"an exception: ", message});
+    }
+}
+
 template <typename Arguments, typename Call, typename Answer>
 void Recorder::record(CallKind kind, Arguments arguments, Call call, Answer answer) {
     write(static_cast<std::uint8_t>(kind), arguments);
-    const auto raised = [&](const std::string& text) {
-        write(static_cast<std::uint8_t>(AnswerKind::RAISED),
-              [&](RecordingWriter& out) { out.text(cut(text.c_str())); });
-    };
     try {
         call();
     } catch (Common::Exceptions::Exception* exception) {
-        raised(std::string(exception->getName().getConstCharPtr()) + ": " +
-               exception->getMessage().getConstCharPtr());
+        writeRaised(*exception);
         throw;
     } catch (...) {
-        raised("an exception of the host's");
+        writeRaised({"an exception of the host's"});
         throw;
     }
     write(static_cast<std::uint8_t>(AnswerKind::GIVEN), answer);
@@ -72,8 +79,8 @@ bool Recorder::initWorldRepresentation(const Common::String& navMeshFile, const 
     record(
         CallKind::START,
         [&](RecordingWriter& out) {
-            out.text(cut(navMeshFile.getConstCharPtr()));
-            out.text(cut(blockingMapFile.getConstCharPtr()));
+            out.text({navMeshFile.getConstCharPtr()});
+            out.text({blockingMapFile.getConstCharPtr()});
             out.bits(static_cast<std::uint32_t>(digest));
             out.bits(static_cast<std::uint32_t>(digest >> 32U));
         },
@@ -200,7 +207,7 @@ bool Recorder::saveBlockingMap(const Common::String& filename) {
     bool isSaved = false;
     record(
         CallKind::SAVE_BLOCKING_MAP,
-        [&](RecordingWriter& out) { out.text(cut(filename.getConstCharPtr())); },
+        [&](RecordingWriter& out) { out.text({filename.getConstCharPtr()}); },
         [&] { isSaved = Exports::saveBlockingMap(filename); },
         [&](RecordingWriter& out) { out.number(isSaved ? 1 : 0); });
     return isSaved;

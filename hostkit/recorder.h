@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/exceptions/exception.h"
 #include "hostkit/exports.h"
 #include "hostkit/foundation.h"
 #include "hostkit/recording.h"
@@ -15,6 +16,7 @@ namespace ZUNO::HostKit {
 /// a host asks past this object is missing in it.
 /// A crash loses nothing: the arguments are in the file before the call is made, the answer after.
 /// When the device is full, recording ends and the calls go on.
+/// When there is no memory for reading a mesh, the start throws a std::bad_alloc before it begins.
 /// Cost: some nanoseconds and 10 to 30 bytes a call; the mesh is read once more at each start, for
 /// its digest.
 /// Thread: that of the exports.
@@ -47,6 +49,8 @@ private:
     void record(CallKind kind, Arguments arguments, Call call, Answer answer);
     template <typename Write>
     void write(std::uint8_t kind, Write write);
+    void writeRaised(std::initializer_list<std::string_view> pieces);
+    void writeRaised(const Common::Exceptions::Exception& exception);
 
     Foundation mFoundation; ///< for texts and meshes
     RecordingFile mFile;

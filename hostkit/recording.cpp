@@ -1,7 +1,5 @@
 #include "hostkit/recording.h"
 
-#include <algorithm>
-
 namespace ZUNO::HostKit {
 
 namespace {

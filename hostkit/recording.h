@@ -8,6 +8,7 @@
 /// cut off by a crash zeros or nothing follow the last call, whose answer may be missing.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -121,10 +122,18 @@ public:
                 byte(static_cast<std::uint8_t>(value >> shift));
         }
     }
-    void text(std::string_view value) {
-        unsignedNumber(value.size());
-        for (const char c : value)
-            byte(static_cast<std::uint8_t>(c));
+    /// The pieces as one text, cut to `longestRecordedText`.
+    void text(std::initializer_list<std::string_view> pieces) {
+        std::size_t left = 0;
+        for (const std::string_view piece : pieces)
+            left += piece.size();
+        left = std::min(left, longestRecordedText);
+        unsignedNumber(left);
+        for (const std::string_view piece : pieces)
+            for (const char c : piece.substr(0, left)) {
+                byte(static_cast<std::uint8_t>(c));
+                --left;
+            }
     }
 
 private:

@@ -7,6 +7,7 @@
 #include "hostkit/stdiofilecallback.h"
 
 #include <memory>
+#include <new>
 
 namespace ZUNO::HostKit {
 
@@ -38,7 +39,8 @@ public:
         const Exports::Files files =
             settings.mFiles != nullptr ? settings.mFiles : Exports::Files(new StdioFileCallback);
         mFiles = Exports::Files(new MeshFileCallback(files));
-        mMemory = Exports::Memory(new HeapMemoryCallback);
+        mHeap = new HeapMemoryCallback;
+        mMemory = Exports::Memory(mHeap);
     }
     Replay(const Replay&) = delete;
     Replay& operator=(const Replay&) = delete;
@@ -52,7 +54,10 @@ public:
             if (call.mAnswer.mKind == AnswerKind::NONE && mSettings.mOnUnanswered)
                 mSettings.mOnUnanswered(outcome.mCalls, call);
             const RecordedAnswer answer = ask(call);
-            if (call.mAnswer.mKind != AnswerKind::NONE && call.mAnswer != answer)
+            const bool differs = call.mAnswer.mKind != AnswerKind::NONE && call.mAnswer != answer;
+            if (differs && mHeap->figures().mRefused != 0)
+                throw std::bad_alloc(); // the difference is that there is no memory here
+            if (differs)
                 outcome.mDifference = {outcome.mCalls, call, answer, searchOf(call)};
             keepState(call, answer);
             outcome.mSearches += call.mKind == CallKind::INIT_SEARCH ? 1 : 0;
@@ -193,6 +198,7 @@ private:
     Foundation mFoundation; ///< outlives the texts and pointers here
     Exports::Files mFiles;
     Exports::Memory mMemory;
+    HeapMemoryCallback* mHeap = nullptr; ///< the same
     std::map<std::int32_t, ReplayedSearch> mSearches;
 };
 

@@ -49,6 +49,7 @@ struct ReplaySettings {
 /// Throws a RecordingError for what is no recording, and a std::runtime_error when none of the
 /// meshes has the digest that was recorded; for a mesh that couldn't be read then, one that can't
 /// be read now.
+/// Throws a std::bad_alloc when an answer differs because memory ended here.
 /// Thread: that of the exports.
 ReplayOutcome replay(std::string_view recording, Exports& exports, const ReplaySettings& settings);
 

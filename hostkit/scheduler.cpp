@@ -197,6 +197,8 @@ void Scheduler::read(std::uint32_t index, Frame& frame) {
 void Scheduler::finish(std::uint32_t index, PathResult result) {
     Slot& slot = mSlots[index];
     PathAnswer& answer = slot.mAnswer;
+    if (slot.mCallback) // may throw: there is room unless callbacks threw
+        mToCallBack.push_back(idOf(index));
     closeSearch(slot);
     mQueue.remove(index);
     slot.mState = State::ANSWERED;
@@ -209,8 +211,6 @@ void Scheduler::finish(std::uint32_t index, PathResult result) {
     mFigures.mLate += answer.mIsLate ? 1 : 0;
     mFigures.mFramesWaited += answer.mFramesWaited;
     mFigures.mMostFramesWaited = std::max(mFigures.mMostFramesWaited, answer.mFramesWaited);
-    if (slot.mCallback)
-        mToCallBack.push_back(idOf(index));
 }
 
 void Scheduler::callBack() {

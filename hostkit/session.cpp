@@ -63,14 +63,18 @@ Session::Session(const std::string& meshFile, const SessionSettings& settings) {
 }
 
 void Session::start(const std::string& meshFile) {
+    std::string name = meshFile;
+    const std::uint64_t refused = mHeap->figures().mRefused;
     try {
         if (!mExports->initWorldRepresentation(meshFile.c_str(), mMemory, mFiles, ""))
-            throw std::runtime_error(meshFile + ": no usable navigation mesh");
+            throw std::runtime_error(meshFile + (mHeap->figures().mRefused == refused
+                                                     ? ": no usable navigation mesh"
+                                                     : ": no memory for a world"));
     } catch (Exceptions::Exception* exception) {
         const std::string message = takeMessage(exception);
         throw std::runtime_error(mMeshFiles->failure().empty() ? message : mMeshFiles->failure());
     }
-    mMeshFile = meshFile;
+    mMeshFile.swap(name);
 }
 
 Session::~Session() {
@@ -86,17 +90,21 @@ void Session::reload(const std::string& meshFile, Scheduler* scheduler) {
         scheduler->restart();
     try {
         start(meshFile);
-        return;
-    } catch (const std::runtime_error& error) {
+    } catch (const std::exception& error) {
         mExports->close();
-        try {
-            start(mMeshFile);
-        } catch (const std::runtime_error& second) {
-            close();
-            throw std::runtime_error(std::string(error.what()) +
-                                     "; and the old mesh is gone: " + second.what());
-        }
+        startAgain(error);
         throw;
+    }
+}
+
+/// Loads the former mesh once more, after the new one has failed.
+void Session::startAgain(const std::exception& failure) {
+    try {
+        start(mMeshFile);
+    } catch (const std::exception& second) {
+        close();
+        throw std::runtime_error(std::string(failure.what()) +
+                                 "; and the old mesh is gone: " + second.what());
     }
 }
 

@@ -67,6 +67,7 @@ public:
 
 private:
     void start(const std::string& meshFile);
+    void startAgain(const std::exception& failure);
 
     Foundation mFoundation; ///< outlives all that is made of strings and pointers here
     std::unique_ptr<Exports> mExports;

@@ -42,8 +42,7 @@ bool isOutOfSpace(int error) {
 }
 
 /// Reading and writing keeps what an existing file holds; writing alone begins anew.
-std::FILE* openAs(const fs::path& path, std::int32_t mode) {
-    const std::string name = path.string();
+std::FILE* openAs(const std::string& name, std::int32_t mode) {
     if (mode == Common::IO::FACCESS_READ)
         return std::fopen(name.c_str(), "rb");
     if (mode == Common::IO::FACCESS_WRITE)
@@ -103,14 +102,19 @@ std::int32_t StdioFileCallback::openFile(Handle* handle, const String& filename,
     std::error_code error;
     if (fs::is_directory(*path, error))
         return FILE_ACCESS_DENIED;
+    const std::string name = path->string();
+    const auto entry = mFiles.try_emplace(mLastHandle + 1).first; // may throw: nothing is open yet
     errno = 0;
-    std::FILE* const file = openAs(*path, mode);
-    if (file == nullptr)
-        return resultOf(errno);
+    std::FILE* const file = openAs(name, mode);
+    if (file == nullptr) {
+        const std::int32_t result = resultOf(errno);
+        mFiles.erase(entry);
+        return result;
+    }
     if (mode != Common::IO::FACCESS_READ)
         std::setvbuf(file, nullptr, _IONBF, 0);
+    entry->second.mFile = file;
     *handle = ++mLastHandle;
-    mFiles[*handle] = {file};
     return 0;
 }
 

@@ -47,7 +47,7 @@ public:
 
 private:
     struct OpenFile {
-        std::FILE* mFile;
+        std::FILE* mFile = nullptr;
         bool mWasRead = false; ///< since it was last positioned; a write needs that in between
         bool mWasWritten = false;
     };

@@ -1,12 +1,16 @@
 #include "hostkit/turnqueue.h"
 
+#include <algorithm>
+
 namespace ZUNO::HostKit {
 
 void TurnQueue::makeRoom(std::size_t count) {
     if (count <= mPositions.size())
         return;
+    // the positions say that there is room: they grow last
+    if (mHeap.capacity() < count)
+        mHeap.reserve(std::max(count, mHeap.capacity() * 2));
     mPositions.resize(count, nowhere);
-    mHeap.reserve(mPositions.capacity());
 }
 
 void TurnQueue::place(const Entry& entry, std::size_t position) {

@@ -30,7 +30,8 @@ class SharedPtr : private CP<T> {
 public:
     constexpr SharedPtr() noexcept : mPtr(nullptr) {}
 
-    /// Takes ownership of `ptr` (may be null): the count is set to 1, not raised.
+    /// Takes ownership of `ptr` (may be null): the count is set to 1, not raised. Destroys the
+    /// object when there is no memory for a counter, and throws a std::bad_alloc.
     explicit SharedPtr(T* ptr) : mPtr(nullptr) { own(ptr); }
 
     SharedPtr(const SharedPtr& other) : mPtr(nullptr) { share(other); }
@@ -114,8 +115,13 @@ private:
     friend class SharedPtr;
 
     void own(T* ptr) {
-        if (ptr != nullptr)
-            this->counting().init(ptr);
+        try {
+            if (ptr != nullptr)
+                this->counting().init(ptr);
+        } catch (...) { // there is no memory for a counter
+            ObjectPolicy<T>::destroy(ptr);
+            throw;
+        }
         mPtr = ptr;
     }
 
