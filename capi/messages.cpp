@@ -27,7 +27,7 @@ void takeReport(const char* text, const char* file, unsigned int line) {
         return;
     if (theFirstReport[0] == 0) {
         const std::size_t mark = report.find(messageMark);
-        const std::size_t begin = mark == report.npos ? 0 : mark + messageMark.size();
+        const std::size_t begin = mark == std::string_view::npos ? 0 : mark + messageMark.size();
         theFirstReport[report.copy(theFirstReport, std::size(theFirstReport) - 1, begin)] = 0;
     }
     if (theLog != nullptr)

@@ -40,9 +40,9 @@ Session::Session(const zuno_settings& settings, const char* mesh) {
     try {
         start(settings, mesh);
     } catch (...) {
-        const Failure failure = currentFailure(); // the exception goes before its memory does
+        Failure failure = currentFailure(); // the exception goes before its memory does
         close();
-        throw failure;
+        throw Failure(std::move(failure));
     }
 }
 
