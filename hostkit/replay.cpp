@@ -55,7 +55,7 @@ public:
                 mSettings.mOnUnanswered(outcome.mCalls, call);
             const RecordedAnswer answer = ask(call);
             const bool differs = call.mAnswer.mKind != AnswerKind::NONE && call.mAnswer != answer;
-            if (differs && mHeap->figures().mRefused != 0)
+            if (differs && hasRunShort(answer))
                 throw std::bad_alloc(); // the difference is that there is no memory here
             if (differs)
                 outcome.mDifference = {outcome.mCalls, call, answer, searchOf(call)};
@@ -80,6 +80,12 @@ private:
             answer.mException.resize(std::min(answer.mException.size(), longestRecordedText));
         }
         return answer;
+    }
+
+    /// Memory ends in the world, or already where a binary mesh is converted for it.
+    bool hasRunShort(const RecordedAnswer& answer) const {
+        return mHeap->figures().mRefused != 0 ||
+               answer.mException.starts_with("OutOfMemoryException");
     }
 
     void make(const RecordedCall& call, RecordedAnswer& answer) {
