@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <fstream>
 #include <set>
-#include <sstream>
 #include <string>
 
 namespace ZUNO::Tests {
@@ -16,13 +15,6 @@ namespace {
 
 const std::string tools = ZUNO_TOOL_FOLDER;
 const std::string sources = ZUNO_SOURCE_FOLDER;
-
-std::string contentOf(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
-}
 
 } // namespace
 

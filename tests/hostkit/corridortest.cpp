@@ -1,19 +1,17 @@
 // Characters on their way, pushed about, after goals that move.
-#include "hostkit/corridor.h"
 #include "hostkit/explain.h"
 #include "tests/hostkit/walkingworld.h"
 #include "tests/support/heaprequests.h"
 
+#include <algorithm>
 #include <list>
 #include <random>
 
 namespace ZUNO::Tests {
-namespace {
 
-using HostKit::Corridor;
-using HostKit::MeshView;
-using HostKit::Place;
-using HostKit::Position;
+using namespace HostKit;
+
+namespace {
 
 /// Characters that walk to goals, which walk too, and are pushed now and then.
 class Crowd {
@@ -38,7 +36,7 @@ public:
             if (corridor.needsSearch())
                 search(character, character.mTarget);
             const std::size_t before = heapRequests();
-            step(character);
+            stepOn(corridor, 0.12F);
             if (mRandom() % 50 == 0)
                 corridor.move(beside(corridor.position().mPosition, 3)); // pushed
             if (frame % 8 == 0)
@@ -49,7 +47,6 @@ public:
     }
 
     unsigned int mArrivals = 0;
-    unsigned int mSearches = 0;
     std::size_t mRequests = 0; ///< for memory, while walking
     int mLongestStay = 0;      ///< in frames
 
@@ -71,49 +68,36 @@ private:
 
     /// What a host does: a search from where the character stands, snapped where need be.
     void search(Character& character, const Position& target) {
-        ++mSearches;
         character.mTarget = target;
         Corridor& corridor = character.mCorridor;
-        const Place from = HostKit::findNearest(mView, corridor.position().mPosition, 1, 1);
-        const Place to = HostKit::findNearest(mView, target, 1, 1);
-        const auto waypoints = WalkingWorld::search(from.mPosition, to.mPosition);
+        const Place from = findNearest(mView, corridor.position().mPosition, 1, 1);
+        const Place to = findNearest(mView, target, 1, 1);
+        const auto waypoints = WalkingWorld::search(from.mPosition, to.mPosition).mWaypoints;
         std::vector<std::uint32_t> chain;
-        ASSERT_TRUE(waypoints.has_value());
-        ASSERT_TRUE(mChains.find(from.mPosition, to.mPosition, *waypoints, chain));
+        ASSERT_TRUE(mChains.find(from.mPosition, to.mPosition, waypoints, chain));
         if (!corridor.follow(chain, to.mPosition)) {
             corridor.place({chain.front(), from.mPosition});
             ASSERT_TRUE(corridor.follow(chain, to.mPosition));
         }
     }
 
-    void step(Character& character) {
-        constexpr double speed = 0.12; // a frame
-        Corridor& corridor = character.mCorridor;
-        const Position corner = corridor.nextCorner(0.1F);
-        const Position& here = corridor.position().mPosition;
-        const double away = distance(mView.planeOf(here), mView.planeOf(corner));
-        const auto part = static_cast<float>(away > speed ? speed / away : 1);
-        corridor.move({here.mX + (corner.mX - here.mX) * part, here.mY,
-                       here.mZ + (corner.mZ - here.mZ) * part});
-    }
-
+    /// The world finds the character on its node, and it gets on.
     void check(Character& character) {
         const Place& at = character.mCorridor.position();
-        ASSERT_EQ(HostKit::settle(mView, at.mNode, mView.planeOf(at.mPosition)).mNode, at.mNode);
-        ASSERT_LT(distance(HostKit::nearestInNode(mView, at.mNode, mView.planeOf(at.mPosition)),
-                           mView.planeOf(at.mPosition)),
-                  1e-4);
-        const bool goesOn =
-            distance(mView.planeOf(at.mPosition), mView.planeOf(character.mMark)) > 0.3;
-        character.mStay = goesOn ? 0 : character.mStay + 1;
-        mLongestStay = std::max(mLongestStay, character.mStay);
-        if (goesOn)
+        const PlanePoint point = mView.planeOf(at.mPosition);
+        ASSERT_EQ(settle(mView, at.mNode, point).mNode, at.mNode);
+        ASSERT_LT(distance(nearestInNode(mView, at.mNode, point), point), 1e-4);
+        ++character.mStay;
+        if (distance(point, mView.planeOf(character.mMark)) > 0.3) {
             character.mMark = at.mPosition;
+            character.mStay = 0;
+        }
+        mLongestStay = std::max(mLongestStay, character.mStay);
     }
 
     const MeshView& mView;
-    HostKit::RandomPlaces mPlaces;
-    HostKit::ChainFinder mChains{mView};
+    RandomPlaces mPlaces;
+    ChainFinder mChains{mView};
     std::mt19937 mRandom{1};
     std::uint64_t mSeed = 0;
     std::list<Character> mCharacters;
@@ -128,9 +112,8 @@ TEST(Corridor, BringsACrowdToItsGoals) {
     crowd.mRequests = 0;
     for (; frame < 2000; ++frame)
         crowd.runFrame(frame);
-    std::cout << crowd.mArrivals << " arrivals, " << crowd.mSearches << " searches, "
-              << crowd.mLongestStay << " frames at most in one place, " << crowd.mRequests
-              << " requests for memory\n";
+    std::cout << crowd.mArrivals << " arrivals, " << crowd.mLongestStay
+              << " frames at most in one place\n";
     EXPECT_GT(crowd.mArrivals, 40U);
     EXPECT_LE(crowd.mLongestStay, 60);
     EXPECT_EQ(crowd.mRequests, 0U);
@@ -170,51 +153,41 @@ TEST(Corridor, SaysWhenASearchIsNeeded) {
 TEST(Explain, SaysWhyThereIsNoPath) {
     const WalkingWorld world(oneWay());
     const MeshView& view = world.view();
-    struct Row {
+    const std::string possible = "A path leads from the start to the goal.";
+    const struct {
         Position mStart;
         Position mGoal;
-        HostKit::Explanation::Answer mAnswer;
-        const char* mText;
+        std::string mText;
         float mNearestReachable; ///< its x
+    } rows[] = {
+        {{1, 0, 1}, {5, 0, 1}, possible, 5},
+        {{5, 0, 1}, {1, 0, 1}, "lead one way only", 4},
+        {{1, 0, 1},
+         {11, 0, 1},
+         "The start (1, 0, 1) stands on node 0 of island 0, which has 3 nodes.\n"
+         "The goal (11, 0, 1) stands on node 3 of island 1, which has 1 node.\n"
+         "No neighbours connect the two islands. They come nearest at (6, 0, 0) and (10, 0, 0), "
+         "4 apart.\n",
+         6},
+        {{1, 3, 1},
+         {1, -2, 1},
+         "The goal (1, -2, 1) stands on no node: it is 2 below the ground of node 0, on which one "
+         "stands from 0.5 below its first corner to 2 above it.\n"
+         "The nearest place is (1, 0, 1) on node 0, 2 away.\n",
+         0},
+        {{-1, 0, 1},
+         {1, 0, NAN},
+         "The start (-1, 0, 1) stands on no node: there is no ground above or below it.\n"
+         "The nearest place is (0, 0, 1) on node 0, 1 away.\n"
+         "The goal (1, 0, nan) stands on no node: it is not finite.\n",
+         0},
     };
-    using Answer = HostKit::Explanation::Answer;
-    for (const Row& row : std::initializer_list<Row>{
-             {{1, 0, 1},
-              {5, 0, 1},
-              Answer::POSSIBLE,
-              "A path leads from the start to the goal.",
-              5},
-             {{5, 0, 1}, {1, 0, 1}, Answer::ONLY_ONE_WAY, "lead one way only", 4},
-             {{1, 0, 1},
-              {11, 0, 1},
-              Answer::OTHER_ISLAND,
-              "The start (1, 0, 1) stands on node 0 of island 0, which has 3 nodes.\n"
-              "The goal (11, 0, 1) stands on node 3 of island 1, which has 1 node.\n"
-              "No neighbours connect the two islands. They come nearest at (6, 0, 0) and "
-              "(10, 0, 0), 4 apart.\n",
-              6},
-             {{1, 3, 1},
-              {1, -2, 1},
-              Answer::OFF_MESH,
-              "The goal (1, -2, 1) stands on no node: it is 2 below the ground of node 0, on which "
-              "one stands from 0.5 below its first corner to 2 above it.\n"
-              "The nearest place is (1, 0, 1) on node 0, 2 away.\n",
-              0},
-             {{-1, 0, 1},
-              {1, 0, NAN},
-              Answer::OFF_MESH,
-              "The start (-1, 0, 1) stands on no node: there is no ground above or below it.\n"
-              "The nearest place is (0, 0, 1) on node 0, 1 away.\n"
-              "The goal (1, 0, nan) stands on no node: it is not finite.\n",
-              0},
-         }) {
-        const auto explanation = HostKit::explain(view, row.mStart, row.mGoal);
-        EXPECT_EQ(explanation.mAnswer, row.mAnswer) << row.mText;
-        const std::string text = HostKit::describe(view, explanation);
+    for (const auto& row : rows) {
+        const std::string text = describe(view, explain(view, row.mStart, row.mGoal));
         EXPECT_NE(text.find(row.mText), std::string::npos) << text;
-        EXPECT_EQ(WalkingWorld::search(row.mStart, row.mGoal).has_value(),
-                  row.mAnswer == Answer::POSSIBLE);
-        const auto nearest = HostKit::findNearestReachable(view, row.mStart, row.mGoal);
+        const PathResult result = WalkingWorld::search(row.mStart, row.mGoal).mResult;
+        EXPECT_EQ(result == PathResult::FOUND, row.mText == possible);
+        const Place nearest = findNearestReachable(view, row.mStart, row.mGoal);
         EXPECT_EQ(nearest.mPosition.mX, row.mNearestReachable);
     }
 }

@@ -9,12 +9,12 @@
 
 namespace ZUNO::Tests {
 
+using namespace HostKit;
 namespace fs = std::filesystem;
-using HostKit::StdioFileCallback;
 
 class HostKitTest : public testing::Test {
 protected:
-    HostKitTest() : mFolder(mTemporary.path()) {
+    HostKitTest() {
         fs::create_directories(mFolder / "base" / "sub");
         mTemporary.put("base/sub/in", "0123456789");
         mTemporary.put("out", "secret");
@@ -22,19 +22,18 @@ protected:
         fs::create_symlink(mFolder / "out", mFolder / "base" / "link", ignored);
     }
 
-    HostKit::Foundation mFoundation;
+    Foundation mFoundation;
     TempFolder mTemporary;
-    fs::path mFolder;
+    const fs::path mFolder = mTemporary.path();
 };
 
 TEST_F(HostKitTest, FilesCantLeaveTheBaseFolder) {
     StdioFileCallback files(mFolder / "base");
-    struct Case {
+    const struct {
         std::string mName;
         std::int32_t mMode;
         std::int32_t mResult;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"sub/in", 1, 0},
         {"sub/../sub/in", 1, 0},
         {"../out", 1, -1},
@@ -48,7 +47,7 @@ TEST_F(HostKitTest, FilesCantLeaveTheBaseFolder) {
         {"../new", 3, -1},
         {"sub/rw", 2, 0},
     };
-    for (const Case& row : cases) {
+    for (const auto& row : cases) {
         StdioFileCallback::Handle handle = 0;
         EXPECT_EQ(files.openFile(&handle, row.mName.c_str(), row.mMode), row.mResult) << row.mName;
         EXPECT_EQ(files.isValidHandle(handle), row.mResult == 0);
@@ -87,8 +86,8 @@ TEST(HostKitFoundationTest, LeavesAFoundationOfTheHostsRunning) {
         if (isHosts)
             Common::initLibrary({});
         {
-            const HostKit::Foundation outer;
-            { const HostKit::Foundation inner; }
+            const Foundation outer;
+            { const Foundation inner; }
             EXPECT_TRUE(Common::isLibraryRunning());
         }
         EXPECT_EQ(Common::isLibraryRunning(), isHosts);

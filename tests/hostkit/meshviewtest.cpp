@@ -7,10 +7,10 @@
 #include <random>
 
 namespace ZUNO::Tests {
-namespace {
 
-using HostKit::MeshView;
-using HostKit::Position;
+using namespace HostKit;
+
+namespace {
 
 TEST(MeshView, FindsTheWorldsNodesAndCentres) {
     const Worlds::MeshModel floor = Worlds::makeFloor(300, 5);
@@ -48,39 +48,9 @@ TEST(MeshView, FindsTheWorldsNodesAndCentres) {
     }
 }
 
-TEST(MeshView, ComesOfEitherFormAndTakesLittle) {
+TEST(MeshView, TakesLittle) {
     const WalkingWorld world(Worlds::makeFloor(4000, 2));
-    const auto usage = world.view().memoryUsage();
-    EXPECT_LT(usage.mBeyond * 5, world.session().memory().mBytes);
-    const std::string binary = world.file() + ".bin";
-    Tools::LoadedMesh(world.file()).save(binary);
-    const MeshView view = HostKit::loadMeshView(binary);
-    EXPECT_EQ(view.memoryUsage().mBeyond, usage.mBeyond);
-    EXPECT_EQ(view.islandSizes(), world.view().islandSizes());
-}
-
-TEST(MeshView, SaysWhatIsWrongWithAFile) {
-    const TempFolder folder;
-    folder.put("none.xml", "<ZUNO><a>1</a></ZUNO>");
-    folder.put("no.xml", "no document");
-    folder.put("cut.bin", std::string("\1\1\0\0", 4));
-    auto model = Worlds::makeFloor(4, 1);
-    model.mNodes[2].mPolygon[1] = 99;
-    folder.put("defect.xml", model.toXML(""));
-    for (const auto& [name, text] : {std::pair("missing.xml", "missing.xml"),
-                                     {"none.xml", "no usable navigation mesh"},
-                                     {"no.xml", "no.xml: "},
-                                     {"cut.bin", "cut.bin: "},
-                                     {"defect.xml", "node 2: corner 1 refers to vertex 99 of"}}) {
-        testing::internal::CaptureStderr(); // what is missing is reported
-        try {
-            HostKit::loadMeshView(folder.in(name));
-            ADD_FAILURE() << name;
-        } catch (const std::runtime_error& error) {
-            EXPECT_NE(std::string(error.what()).find(text), std::string::npos) << error.what();
-        }
-        testing::internal::GetCapturedStderr();
-    }
+    EXPECT_LT(world.view().memoryUsage().mBeyond * 5, world.session().memory().mBytes);
 }
 
 /// Links of odd neighbours: part of a border, none, a vertex in the middle, only one way.
@@ -103,7 +73,7 @@ TEST(MeshView, FindsWhatNeighboursShareByTheirOutlines) {
         for (const MeshView::Link& link : view.linksOf(node)) {
             const auto border = view.borderOf(node, link);
             shared[link.mTarget].push_back(
-                border.mLeft == HostKit::NO_VERTEX
+                border.mLeft == NO_VERTEX
                     ? -1
                     : distance(view.planeOf(border.mLeft), view.planeOf(border.mRight)));
         }

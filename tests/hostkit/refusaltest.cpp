@@ -1,15 +1,14 @@
 // The host kit when memory ends: each request of `new` is refused in turn.
-#include "common/callback/openstream.h"
 #include "common/interface.h"
 #include "hostkit/corridor.h"
 #include "hostkit/explain.h"
 #include "hostkit/pathpoints.h"
-#include "hostkit/recorder.h"
 #include "hostkit/replay.h"
 #include "tests/hostkit/walkingworld.h"
 #include "tests/support/exceptions.h"
 #include "tests/support/heaprequests.h"
 #include "tests/support/quiet.h"
+#include "tools/picture/loadedmesh.h"
 
 #include <sstream>
 
@@ -20,23 +19,17 @@ using namespace HostKit;
 namespace {
 
 std::ostream& operator<<(std::ostream& out, const Position& p) {
-    return out << p.mX << ' ' << p.mY << ' ' << p.mZ << ' ';
+    return out << p.mX << ' ' << p.mY << ' ' << p.mZ;
 }
 
 /// An answer in words.
-class Words {
-public:
-    Words() { mText.exceptions(std::ios::badbit); } // else a refused request cuts the text
-    template <typename T>
-    Words& operator<<(const T& value) {
-        mText << value << ' ';
-        return *this;
-    }
-    std::string text() const { return mText.str(); }
-
-private:
-    std::ostringstream mText;
-};
+template <typename... Values>
+std::string words(const Values&... values) {
+    std::ostringstream text;
+    text.exceptions(std::ios::badbit); // else a refused request cuts the text
+    ((text << values << ' '), ...);
+    return text.str();
+}
 
 /// Asks for something, and gives the answer. Made anew for each refusal, and asked again after it.
 using Question = std::function<std::string()>;
@@ -49,32 +42,22 @@ protected:
     RefusalTest() {
         using Common::Callback::MemoryCallback;
         Common::initLibrary(Common::SharedPtr<MemoryCallback>(new HeapMemoryCallback));
-        const Worlds::MeshModel floor = Worlds::makeFloor(60, 3);
-        mFolder.put("floor.xml", floor.toXML("floor"));
+        const std::string floor = mFolder.put("floor.xml", Worlds::makeFloor(60, 3).toXML("floor"));
         mFolder.put("other.xml", Worlds::makeFloor(30, 4).toXML("other"));
-        const MeshFiles files(new StdioFileCallback);
-        readMesh(mFolder.in("floor.xml"), files)
-            ->writeBinary(Common::Callback::openStream(Common::getAllocator(), files,
-                                                       mFolder.in("floor.bin").c_str(),
-                                                       Common::IO::FACCESS_WRITE),
-                          1);
-        mView.emplace(loadMeshView(mFolder.in("floor.xml")));
+        Tools::LoadedMesh(floor).save(mFolder.in("floor.bin"));
+        mView.emplace(loadMeshView(floor));
         mStart = RandomPlaces(*mView).pick(1);
         mGoal = RandomPlaces(*mView).pick(5);
-        Session session(mFolder.in("floor.xml"));
-        mWaypoints = *WalkingWorld::search(mStart.mPosition, mGoal.mPosition);
+        const Session session(floor);
+        mWaypoints = WalkingWorld::search(mStart.mPosition, mGoal.mPosition).mWaypoints;
         ChainFinder(*mView).find(mStart.mPosition, mGoal.mPosition, mWaypoints, mChain);
     }
     ~RefusalTest() override { Common::closeLibrary(); }
 
     /// What a path across the running world answers.
     std::string path(Exports& exports) const {
-        Words words;
-        const int search = exports.initPathSearch(mStart.mPosition, mGoal.mPosition);
-        if (search >= 0)
-            words << exports.runPathSearch(search, 100000) << exports.getPathCost(search);
-        exports.closePathSearch(search);
-        return words.text();
+        const PathAnswer answer = WalkingWorld::search(mStart.mPosition, mGoal.mPosition, exports);
+        return words(answer.mWaypoints.size(), answer.mCost);
     }
 
     /// Refuses the request of that number, and says whether it came to that, and how many blocks
@@ -129,23 +112,19 @@ protected:
 };
 
 TEST_F(RefusalTest, LeavesEverythingOfUse) {
-    const auto load = [&](const char* name) -> Question {
-        return [this, name] {
-            const MeshView view = loadMeshView(mFolder.in(name));
-            return (Words() << view.nodeCount() << view.memoryUsage().mMesh
-                            << view.islandSizes().size())
-                .text();
-        };
-    };
-    survive("a view", [&] { return load("floor.xml"); });
-    survive("a view of the binary form", [&] { return load("floor.bin"); });
+    for (const char* const mesh : {"floor.xml", "floor.bin"})
+        survive("a view", [&] {
+            return [&, mesh] {
+                const MeshView view = loadMeshView(mFolder.in(mesh));
+                return words(view.nodeCount(), view.memoryUsage().mMesh, view.islandSizes().size());
+            };
+        });
     survive("the surface", [&] {
         return [&] {
             const Place place = RandomPlaces(*mView).pick(7);
-            return (Words() << place.mPosition << distanceToWall(*mView, place, 50)
-                            << describe(*mView, explain(*mView, {-9, 0, 3}, place.mPosition))
-                            << findNearestReachable(*mView, place.mPosition, {-9, 0, 3}).mNode)
-                .text();
+            return words(place.mPosition, distanceToWall(*mView, place, 50),
+                         describe(*mView, explain(*mView, {-9, 0, 3}, place.mPosition)),
+                         findNearestReachable(*mView, place.mPosition, {-9, 0, 3}).mNode);
         };
     });
     for (const StraightForm form : {StraightForm::PLAIN, StraightForm::IMPROVED})
@@ -154,39 +133,26 @@ TEST_F(RefusalTest, LeavesEverythingOfUse) {
             return [&, form, straightener, straight = StraightPath{}]() mutable {
                 straightener->straighten(mStart.mPosition, mGoal.mPosition, mWaypoints, form,
                                          straight);
-                return (Words() << straight.mLength << straight.mCorners.size()
-                                << keepOffWalls(*mView, straight, 0.3F).back().mPosition
-                                << placesAlong(*mView, straight, 1).size())
-                    .text();
+                return words(straight.mLength, straight.mCorners.size(),
+                             keepOffWalls(*mView, straight, 0.3F).back().mPosition,
+                             placesAlong(*mView, straight, 1).size());
             };
         });
     survive("a corridor", [&] {
         return [&, corridor = std::make_shared<Corridor>(*mView)]() {
             corridor->place(mStart);
             corridor->follow(mChain, mGoal.mPosition);
-            Words words;
             for (int i = 0; i < 100; ++i) {
-                const Position way = corridor->nextCorner(0.1F) - corridor->position().mPosition;
-                const float part = 0.5F / std::max(length(way), 0.5F);
-                corridor->move(corridor->position().mPosition +
-                               Position(way.mX * part, 0, way.mZ * part));
+                stepOn(*corridor, 0.5F);
                 if (i % 7 == 0)
                     corridor->moveGoal(mGoal.mPosition + Position(0.1F, 0, 0.1F));
                 if (i % 11 == 0)
                     corridor->move(corridor->position().mPosition + Position(1, 0, -1));
                 corridor->shorten();
             }
-            return (words << corridor->position().mPosition << corridor->nodes().size()).text();
+            return words(corridor->position().mPosition, corridor->nodes().size());
         };
     });
-    for (const char* const mesh : {"floor.xml", "floor.bin"})
-        survive("a session", [&] {
-            return [&, mesh] {
-                Session session(mFolder.in(mesh));
-                const std::string answer = path(session.exports());
-                return answer + std::to_string(session.close().mBlocks);
-            };
-        });
     survive("a reload", [&] {
         auto session = std::make_shared<Session>(mFolder.in("floor.xml"));
         auto scheduler = std::make_shared<Scheduler>(session->exports());
@@ -211,29 +177,22 @@ TEST_F(RefusalTest, LeavesEverythingOfUse) {
                 ids.push_back(scheduler->add({mStart.mPosition, mGoal.mPosition}));
             while (scheduler->queueLength() != 0)
                 scheduler->advance(FrameBudget::expansions(100));
-            Words words;
+            std::string answers;
             for (const RequestId id : ids)
-                words << scheduler->find(id)->mWaypoints.size() << scheduler->find(id)->mCost;
-            return words.text();
+                answers +=
+                    words(scheduler->find(id)->mWaypoints.size(), scheduler->find(id)->mCost);
+            return answers;
         };
     });
-    survive("a recorder", [&] {
+    survive("a recorded session", [&] {
         return [&] {
-            const Exports::Files files(new StdioFileCallback);
-            const Exports::Memory memory(new HeapMemoryCallback);
-            std::string answer;
-            {
-                Recorder recorder(mFolder.in("recording"));
-                const std::unique_ptr<Exports, void (*)(Exports*)> closing(
-                    &recorder, [](Exports* open) { open->close(); });
-                if (!recorder.initWorldRepresentation(mFolder.in("floor.xml").c_str(), memory,
-                                                      files, ""))
-                    throw std::runtime_error("no memory for a world");
-                answer = path(recorder);
-            }
+            const SessionSettings settings{.mRecording = mFolder.in("recording")};
+            Session session(mFolder.in("floor.bin"), settings);
+            const std::string answer = path(session.exports());
+            const std::uint64_t blocks = session.close().mBlocks;
             Exports exports;
             const ReplayOutcome outcome = replay(mFolder.get("recording"), exports, {});
-            return answer + (outcome.mDifference ? "differs" : "same");
+            return answer + words(blocks, outcome.mDifference ? "differs" : "same");
         };
     });
 }

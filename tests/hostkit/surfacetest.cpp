@@ -2,12 +2,10 @@
 #include "tests/hostkit/walkingworld.h"
 
 namespace ZUNO::Tests {
-namespace {
 
-using HostKit::MeshView;
-using HostKit::NO_NODE;
-using HostKit::Place;
-using HostKit::Position;
+using namespace HostKit;
+
+namespace {
 
 /// A floor, a ramp up from it, another floor over it, and an islet beside.
 Worlds::MeshModel storeys() {
@@ -21,9 +19,13 @@ Worlds::MeshModel storeys() {
     return model;
 }
 
-TEST(Surface, KnowsTheGroundAndWhatIsNearest) {
-    const WalkingWorld world(storeys());
-    const MeshView& view = world.view();
+class Surface : public testing::Test {
+protected:
+    const WalkingWorld mWorld{storeys()};
+    const MeshView& mView = mWorld.view();
+};
+
+TEST_F(Surface, KnowsTheGroundAndWhatIsNearest) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     struct Row {
         Position mPoint;
@@ -45,19 +47,17 @@ TEST(Surface, KnowsTheGroundAndWhatIsNearest) {
              {{nan, 0, 5}, NO_NODE, 0, NO_NODE, 0},
              {{3e38F, 0, 5}, NO_NODE, 0, NO_NODE, 0},
          }) {
-        const Place ground = HostKit::findGround(view, row.mPoint);
+        const Place ground = findGround(mView, row.mPoint);
         EXPECT_EQ(ground.mNode, row.mNode) << row.mPoint.mX << ' ' << row.mPoint.mZ;
         EXPECT_FLOAT_EQ(ground.mPosition.mY, row.mHeight);
-        const auto nearest = HostKit::findNearest(view, row.mPoint, 2, 3);
+        const auto nearest = findNearest(mView, row.mPoint, 2, 3);
         EXPECT_EQ(nearest.mNode, row.mNearest) << row.mPoint.mX << ' ' << row.mPoint.mZ;
         EXPECT_NEAR(nearest.mDistance, row.mDistance, 1e-5);
-        EXPECT_EQ(view.findNode(nearest ? nearest.mPosition : Position(99, 0, 0)), row.mNearest);
+        EXPECT_EQ(mView.findNode(nearest ? nearest.mPosition : Position(99, 0, 0)), row.mNearest);
     }
 }
 
-TEST(Surface, IsWalkedAlongItsWalls) {
-    const WalkingWorld world(storeys());
-    const MeshView& view = world.view();
+TEST_F(Surface, IsWalkedAlongItsWalls) {
     struct Row {
         Position mFrom;
         Position mTo;
@@ -74,31 +74,29 @@ TEST(Surface, IsWalkedAlongItsWalls) {
              {{5, 0, 5}, {5, 0, 5}, {5, 0, 5}, true, 5},
              {{5, 0, 5}, {1, 0, 21}, {1, 0, 10}, false, 0}, // the islet is out of reach
          }) {
-        const Place start = HostKit::findGround(view, row.mFrom);
-        const auto move = HostKit::moveAlongSurface(view, start, row.mTo);
+        const Place start = findGround(mView, row.mFrom);
+        const auto move = moveAlongSurface(mView, start, row.mTo);
         EXPECT_EQ(move.mPlace.mPosition, row.mEnd)
             << move.mPlace.mPosition.mX << ' ' << move.mPlace.mPosition.mZ;
         EXPECT_EQ(move.mIsReached, row.mIsReached);
         EXPECT_EQ(move.mNodes[0], start.mNode);
         EXPECT_EQ(move.mNodes[move.mNodeCount - 1], move.mPlace.mNode);
-        EXPECT_FLOAT_EQ(HostKit::distanceToWall(view, move.mPlace, 100), row.mWall);
+        EXPECT_FLOAT_EQ(distanceToWall(mView, move.mPlace, 100), row.mWall);
     }
-    EXPECT_EQ(HostKit::distanceToWall(view, HostKit::findGround(view, {5, 0, 5}), 2), 2);
+    EXPECT_EQ(distanceToWall(mView, findGround(mView, {5, 0, 5}), 2), 2);
 }
 
-TEST(Surface, PicksPlacesByArea) {
-    const WalkingWorld world(storeys());
-    const MeshView& view = world.view();
-    const HostKit::RandomPlaces places(view);
-    std::vector<int> counts(view.nodeCount());
+TEST_F(Surface, PicksPlacesByArea) {
+    const RandomPlaces places(mView);
+    std::vector<int> counts(mView.nodeCount());
     for (std::uint64_t seed = 0; seed < 20000; ++seed) {
         const Place place = places.pick(seed);
         ++counts[place.mNode];
-        EXPECT_EQ(HostKit::findGround(view, place.mPosition, 0.01F).mNode, place.mNode);
+        EXPECT_EQ(findGround(mView, place.mPosition, 0.01F).mNode, place.mNode);
     }
     EXPECT_NEAR(counts[0], 20000 * 100 / 302.1, 400);
     EXPECT_NEAR(counts[1] / static_cast<double>(counts[0]), 1.0112, 0.05);
-    const HostKit::RandomPlaces islet(view, view.islandOf(3));
+    const RandomPlaces islet(mView, mView.islandOf(3));
     EXPECT_EQ(islet.pick(1).mNode, 3U);
     EXPECT_EQ(islet.pick(1).mPosition, islet.pick(1).mPosition);
 }

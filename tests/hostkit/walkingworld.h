@@ -1,5 +1,6 @@
 #pragma once
 
+#include "hostkit/corridor.h"
 #include "hostkit/meshloading.h"
 #include "hostkit/session.h"
 #include "hostkit/straightpath.h"
@@ -21,19 +22,25 @@ public:
         mView.emplace(HostKit::loadMeshView(mFile));
     }
 
-    /// The waypoints of the world's path; nothing when there is none.
-    static std::optional<std::vector<HostKit::Position>> search(const HostKit::Position& from,
-                                                                const HostKit::Position& to) {
-        using Pathfinder::Interface;
-        const int search = Interface::initPathSearch(from, to);
+    /// What the running world answers when a path is searched by itself, in one go.
+    static HostKit::PathAnswer search(const HostKit::Position& from, const HostKit::Position& to,
+                                      HostKit::Exports& world) {
+        HostKit::PathAnswer answer;
+        answer.mResult = HostKit::PathResult::OFF_MESH;
+        const int search = world.initPathSearch(from, to);
         if (search < 0)
-            return {};
-        const bool isFound = Interface::runPathSearch(search, 0xFFFFFFFF) == 0;
-        std::vector<HostKit::Position> waypoints;
-        for (HostKit::Position point; Interface::getNextWaypoint(search, point);)
-            waypoints.push_back(point);
-        Interface::closePathSearch(search);
-        return isFound ? std::optional(waypoints) : std::nullopt;
+            return answer;
+        const bool isFound = world.runPathSearch(search, 0xFFFFFFFF) == 0;
+        answer.mResult = isFound ? HostKit::PathResult::FOUND : HostKit::PathResult::NO_PATH;
+        for (HostKit::Position point; world.getNextWaypoint(search, point);)
+            answer.mWaypoints.push_back(point);
+        answer.mCost = world.getPathCost(search);
+        world.closePathSearch(search);
+        return answer;
+    }
+    static HostKit::PathAnswer search(const HostKit::Position& from, const HostKit::Position& to) {
+        HostKit::Exports world;
+        return search(from, to, world);
     }
     const HostKit::MeshView& view() const { return *mView; }
     const HostKit::Session& session() const { return *mSession; }
@@ -45,6 +52,14 @@ private:
     std::optional<HostKit::Session> mSession;
     std::optional<HostKit::MeshView> mView;
 };
+
+/// What a host does with a character in each frame: a step of that length to the next corner.
+inline void stepOn(HostKit::Corridor& corridor, float length) {
+    const HostKit::Position& here = corridor.position().mPosition;
+    const HostKit::Position way = corridor.nextCorner(0.1F) - here;
+    const float part = length / std::max(std::hypot(way.mX, way.mZ), length);
+    corridor.move(here + HostKit::Position(way.mX * part, 0, way.mZ * part));
+}
 
 /// A flat mesh of polygons given by corners (x and z in quarters), with neighbours as they stand.
 inline Worlds::MeshModel
