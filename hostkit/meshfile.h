@@ -20,6 +20,7 @@ bool isBinaryMesh(const std::string& fileName, const MeshFiles& files);
 /// mesh is held.
 /// Throws a std::runtime_error that names the file: for what opening and reading it raised, for
 /// what is missing in it (reported before), and for the first defect that no world could run with.
+/// Throws a std::bad_alloc when memory ends.
 Common::SharedPtr<NavMesh::NavMeshContainer> readMesh(const std::string& fileName,
                                                       const MeshFiles& files);
 

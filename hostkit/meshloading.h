@@ -12,7 +12,7 @@ namespace ZUNO::HostKit {
 /// foundation where that doesn't run.
 /// Throws a std::runtime_error with the file's name: for what the stream, the parser or the storage
 /// raised, for what is missing in the file (reported before), or for the first defect of a mesh
-/// that no world could run with.
+/// that no world could run with. Throws a std::bad_alloc when memory ends.
 MeshView loadMeshView(const std::string& fileName,
                       const Common::SharedPtr<Common::Callback::FileIOCallback>& fileIO);
 /// The same with the C library's files.

@@ -62,7 +62,7 @@ public:
     const MemoryFigures& memory() const;
 
     /// Closes the world and returns the library's memory after that: with everything given back
-    /// its blocks and bytes are 0. A session that is closed closes no more.
+    /// its blocks and bytes are 0. Calling it twice does nothing.
     MemoryFigures close();
 
 private:

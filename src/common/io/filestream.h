@@ -11,7 +11,7 @@ class FileStream : public Stream {
 public:
     FileStream() = default;
     FileStream(const String& filename, FileAccess fAccess, FileMode fMode);
-    /// Closes the file.
+    /// Keeps quiet about what can't be written any more: `flush` first tells.
     ~FileStream() override;
 
     bool canRead() override;
