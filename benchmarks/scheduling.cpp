@@ -49,7 +49,7 @@ void searchAlone(benchmark::State& state) {
     for (auto _ : state) {
         for (const PathRequest& request : crowd.mRequests) {
             const int search = crowd.exports().initPathSearch(request.mStart, request.mGoal);
-            while (crowd.exports().runPathSearch(search, budget) == Pathfinder::PATH_RUNNING)
+            while (crowd.exports().runPathSearch(search, budget) == ZUNO::Pathfinder::PATH_RUNNING)
                 continue;
             waypoints.clear();
             for (ZUNO::Common::Math::Vec3<float> p; crowd.exports().getNextWaypoint(search, p);)

@@ -42,7 +42,7 @@ bool Interface::initWorldRepresentation(const BasicString<char>& navMeshFile,
                                         const SharedPtr<Callback::FileIOCallback>& cbFileIO,
                                         const BasicString<char>& blockingMapFile) {
     enterHostGround(cbMemory);
-    const SharedPtr<Memory::Allocator> allocator = getWorldAllocator();
+    const SharedPtr<Memory::Allocator>& allocator = getWorldAllocator();
     NavMesh::initLibrary(cbMemory, cbFileIO, allocator);
     makeResources(allocator, cbFileIO);
     NavMeshInstance::createInstance(allocator);
