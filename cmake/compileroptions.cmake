@@ -4,6 +4,8 @@ add_library(zuno_options INTERFACE)
 target_compile_options(zuno_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -ffp-contract=off
   "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/src/=")
+# Files beyond 2 GiB, where the system's own offsets have 32 bits.
+target_compile_definitions(zuno_options INTERFACE $<$<NOT:$<BOOL:${WIN32}>>:_FILE_OFFSET_BITS=64>)
 if(EMSCRIPTEN)
   add_compile_options(-fexceptions)
   add_link_options(-fexceptions)

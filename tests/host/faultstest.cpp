@@ -62,8 +62,6 @@ std::uint64_t askFiftyQueries() {
     return digest.value();
 }
 
-} // namespace
-
 class FaultsTest : public HostTest {
 protected:
     FaultsTest() {
@@ -106,6 +104,8 @@ protected:
     std::uint64_t mRightDigest = 0;
     unsigned int mFaults = 0; ///< those that came out as exceptions
 };
+
+} // namespace
 
 // Each request for memory of a search is refused in turn, and the call made again.
 TEST_F(FaultsTest, ASearchGoesOnAfterARefusedRequestAsIfNothingWere) {

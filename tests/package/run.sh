@@ -18,7 +18,7 @@ make() { # BUILD
 }
 if [ "$way" = static ]; then
     build=$work/library
-    configure "$source" "$build" -DBUILD_SHARED_LIBS=OFF -DZUNO_BUILD_TOOLS=OFF -DZUNO_BUILD_TESTS=OFF
+    configure "$source" "$build" -DCMAKE_UNITY_BUILD=ON -DBUILD_SHARED_LIBS=OFF -DZUNO_BUILD_TOOLS=OFF -DZUNO_BUILD_TESTS=OFF
     make "$build"
 fi
 ways=(-DWAY="$way" -DZUNO_SOURCE="$source")
@@ -29,6 +29,7 @@ find_package | pkg-config | static)
     if [ "$way" = find_package ]; then ways+=(-DHEADERS="$prefix/include/zunopathfinder"); fi
     ;;
 esac
+case $way in add_subdirectory | FetchContent) ways+=(-DCMAKE_UNITY_BUILD=ON) ;; esac
 export PKG_CONFIG_PATH=$prefix/lib/pkgconfig LD_LIBRARY_PATH=$prefix/lib
 configure "$source/tests/package" "$work/build" "${ways[@]}"
 make "$work/build"
@@ -51,7 +52,8 @@ for host in consumer owncallbacks withouttypes; do
     esac
 done
 if [ "$way" = pkg-config ]; then # and a host in C, by zuno.h alone
-    export PKG_CONFIG_PATH=$prefix/lib/pkgconfig LD_LIBRARY_PATH=$prefix/lib
+    case $way in add_subdirectory | FetchContent) ways+=(-DCMAKE_UNITY_BUILD=ON) ;; esac
+export PKG_CONFIG_PATH=$prefix/lib/pkgconfig LD_LIBRARY_PATH=$prefix/lib
     cc -std=c99 "$source/examples/languages/c/host.c" -o "$work/host" $(pkg-config --cflags --libs zunoc)
     "$work/host" "$source/worlds/harbour.xml" | grep '^digest'
 fi

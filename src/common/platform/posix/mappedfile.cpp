@@ -1,4 +1,3 @@
-#define _FILE_OFFSET_BITS 64 // NOLINT: 64-bit offsets on 32-bit systems too
 #include "common/platform/mappedfile.h"
 
 #include <fcntl.h>
