@@ -8,8 +8,6 @@
 
 namespace ZUNO::Tests {
 
-namespace {
-
 /// Host files of which one call in many goes wrong.
 class FaultyFiles : public MemoryFiles {
 public:
@@ -34,6 +32,8 @@ public:
 private:
     bool isNow() { return ++mCalls == mFaultyCall; }
 };
+
+namespace {
 
 /// A digest of what a world answers.
 std::uint64_t askFiftyQueries() {
@@ -61,6 +61,8 @@ std::uint64_t askFiftyQueries() {
     }
     return digest.value();
 }
+
+} // namespace
 
 class FaultsTest : public HostTest {
 protected:
@@ -104,8 +106,6 @@ protected:
     std::uint64_t mRightDigest = 0;
     unsigned int mFaults = 0; ///< those that came out as exceptions
 };
-
-} // namespace
 
 // Each request for memory of a search is refused in turn, and the call made again.
 TEST_F(FaultsTest, ASearchGoesOnAfterARefusedRequestAsIfNothingWere) {

@@ -95,9 +95,9 @@ protected:
                                              name + ", request " + std::to_string(++number));
             std::size_t left = 0;
             std::tie(isReached, left) = refuse(number, make, right);
-            for (int again = 0; left != 0 && again < 3; ++again) // pools grow, but not for ever
-                left = refuse(number, make, right).second;
-            EXPECT_EQ(left, 0U);
+            if (left != 0) { // pools may have grown, but once only
+                EXPECT_EQ(refuse(number, make, right).second, 0U);
+            }
         }
         EXPECT_GT(number, 2U) << name;
         std::cout << name << ": " << number - 1 << " requests\n";
@@ -188,7 +188,13 @@ TEST_F(RefusalTest, LeavesEverythingOfUse) {
         return [&] {
             const SessionSettings settings{.mRecording = mFolder.in("recording")};
             Session session(mFolder.in("floor.bin"), settings);
-            const std::string answer = path(session.exports());
+            std::string answer;
+            try {
+                answer = path(session.exports());
+            } catch (Common::Exceptions::Exception* shortage) {
+                delete shortage; // behind the session's end, the library would end what it kept
+                throw std::bad_alloc();
+            }
             const std::uint64_t blocks = session.close().mBlocks;
             Exports exports;
             const ReplayOutcome outcome = replay(mFolder.get("recording"), exports, {});
