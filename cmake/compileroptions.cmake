@@ -6,6 +6,11 @@ target_compile_options(zuno_options INTERFACE
   "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/src/=")
 # Files beyond 2 GiB, where the system's own offsets have 32 bits.
 target_compile_definitions(zuno_options INTERFACE $<$<NOT:$<BOOL:${WIN32}>>:_FILE_OFFSET_BITS=64>)
+# Sources that are compiled as one count as headers of it, which makes their unnamed namespaces
+# suspicious.
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+  target_compile_options(zuno_options INTERFACE -Wno-subobject-linkage)
+endif()
 if(EMSCRIPTEN)
   add_compile_options(-fexceptions)
   add_link_options(-fexceptions)
