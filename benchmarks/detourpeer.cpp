@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <recastnavigation/DetourNavMeshBuilder.h>
-#include <stdexcept>
 #include <vector>
 
 namespace ZUNO::Benchmarks {
@@ -16,7 +15,7 @@ constexpr unsigned short none = 0xFFFF;
 
 void require(bool holds, const char* what) {
     if (!holds)
-        throw std::runtime_error(std::string("Detour: ") + what);
+        throw DetourPeer::Refusal(std::string("Detour: ") + what);
 }
 
 } // namespace

@@ -7,13 +7,19 @@
 #include <recastnavigation/DetourNavMesh.h>
 #include <recastnavigation/DetourNavMeshQuery.h>
 #include <recastnavigation/DetourNode.h>
+#include <stdexcept>
 
 namespace ZUNO::Benchmarks {
 
 class DetourPeer {
 public:
+    /// A mesh that Detour has no form for.
+    struct Refusal : std::runtime_error {
+        using std::runtime_error::runtime_error;
+    };
+
     /// Takes a mesh with y up, polygons of at most six corners with an entry for each border, and
-    /// at most 65,534 of them and of corners. Throws a std::runtime_error for another. Corners are
+    /// at most 65,534 of them and of corners. Throws a Refusal for another. Corners are
     /// rounded to a lattice of 65,000 steps over the larger extent, which is the form that Detour
     /// keeps.
     explicit DetourPeer(const NavMesh::NavMeshContainer& mesh);

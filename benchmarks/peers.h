@@ -6,8 +6,8 @@
 
 namespace ZUNO::Benchmarks {
 
-/// Queries, openings and rays beside Detour. Throws a std::runtime_error for a mesh that Detour
-/// can't take.
+/// Queries, openings and rays beside Detour. Throws a DetourPeer::Refusal for a mesh that
+/// Detour can't take.
 void compareWithDetour(const Sample& sample);
 /// The world's answers against those of the plain parts, bit for bit.
 void compareWithPlainForms(const Sample& sample);

@@ -7,7 +7,6 @@
 #include "reference/plainworld.h"
 
 #include <cmath>
-#include <filesystem>
 
 namespace ZUNO::Benchmarks {
 namespace {
@@ -48,9 +47,8 @@ public:
         compareOpening();
         compareRays("its own", mSample.file());
         for (const unsigned int cells : {1000U, 3000U}) {
-            const std::string file = mSample.withCells(cells);
-            compareRays("extent / " + std::to_string(cells), file);
-            std::filesystem::remove(file);
+            const TemporaryFile file(mSample.withCells(cells));
+            compareRays("extent / " + std::to_string(cells), file.name());
         }
     }
 

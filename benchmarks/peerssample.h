@@ -1,8 +1,10 @@
 #pragma once
 
+#include "benchmarks/temporaryfile.h"
 #include "reference/questions.h"
 #include "tools/picture/loadedmesh.h"
 
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -19,13 +21,12 @@ public:
     explicit Sample(const std::string& file, const std::string& journeys = {});
     /// A floor of about so many squares with holes, its cube size a 1000th of its extent.
     explicit Sample(unsigned int nodes);
-    ~Sample();
     Sample(const Sample&) = delete;
     Sample& operator=(const Sample&) = delete;
 
     const NavMesh::NavMeshContainer& mesh() const { return *mMesh; }
     Common::SharedPtr<NavMesh::NavMeshContainer> shared() const { return mMesh.shared(); }
-    const std::string& file() const { return mFile; }
+    const std::string& file() const { return mName; }
     std::size_t nodes() const { return mMesh->mNodes.size(); }
     /// Returns the centre of any node.
     NavMesh::NavMeshContainer::Point3 pick(std::mt19937& random) const;
@@ -33,17 +34,17 @@ public:
     /// Returns the journeys that were given, or none.
     const std::vector<Journey>& journeys() const { return mJourneys; }
 
-    /// Writes the mesh with cells of this share of its extent, and returns the file's name.
-    std::string withCells(unsigned int cellsAlongTheExtent) const;
+    /// Returns the mesh's text with so many cells along its extent.
+    std::string withCells(unsigned int cells) const;
 
 private:
     static std::string makeFloor(unsigned int nodes);
     static std::vector<Journey> readJourneys(const std::string& file);
 
-    std::string mFile;
+    std::optional<TemporaryFile> mOwnFile;
+    std::string mName;
     Tools::LoadedMesh mMesh;
     std::vector<Journey> mJourneys;
-    bool mIsOurs = false;
 };
 
 } // namespace ZUNO::Benchmarks

@@ -3,9 +3,6 @@
 #include "hostkit/session.h"
 #include "worlds/meshmodel.h"
 
-#include <filesystem>
-#include <fstream>
-
 namespace ZUNO::Benchmarks {
 
 using Pathfinder::Interface;
@@ -65,7 +62,7 @@ Cost runFirstExpansions(
     return {cost.mOpening / count, cost.mExpansion / count / firstExpansions};
 }
 
-/// A floor and, high above it, a small one that no way leads to.
+/// The text of a floor and, high above it, a small one that no way leads to.
 std::string makeTwoFloors(unsigned int nodes) {
     Worlds::MeshModel mesh = Worlds::makeFloor(nodes, 1);
     const Worlds::MeshModel upper = Worlds::makeFloor(60, 2);
@@ -82,10 +79,7 @@ std::string makeTwoFloors(unsigned int nodes) {
             neighbour += neighbour >= 0 ? firstNode : 0;
         mesh.mNodes.push_back(node);
     }
-    const std::string file =
-        (std::filesystem::temp_directory_path() / "zunopeers.twofloors.xml").string();
-    std::ofstream(file, std::ios::binary) << mesh.toXML("benchmark");
-    return file;
+    return mesh.toXML("benchmark");
 }
 
 } // namespace
@@ -121,34 +115,30 @@ void compareManySearches() {
 }
 
 void measureDoomedSearches() {
-    const std::string file = makeTwoFloors(21000);
-    {
-        const Sample sample(file, "");
-        const HostKit::Session session(file);
-        const auto goal =
-            sample.mesh().getNodeCenter(static_cast<std::int32_t>(sample.nodes() - 1));
-        for (const unsigned int budget : {1U, 7U, 50U, 1000000000U}) {
-            std::vector<double> seconds;
-            unsigned int slices = 0;
-            for (int round = 0; round < 25; ++round) {
-                double running = 0;
-                slices = 0;
-                const double whole = secondsOf([&] {
-                    const int id = Interface::initPathSearch(sample.mesh().getNodeCenter(0), goal);
-                    running = secondsOf([&] {
-                        while (Interface::runPathSearch(id, budget) == Pathfinder::PATH_RUNNING)
-                            ++slices;
-                    });
-                    Interface::closePathSearch(id);
+    const TemporaryFile file(makeTwoFloors(21000));
+    const Sample sample(file.name());
+    const HostKit::Session session(file.name());
+    const auto goal = sample.mesh().getNodeCenter(static_cast<std::int32_t>(sample.nodes() - 1));
+    for (const unsigned int budget : {1U, 7U, 50U, 1000000000U}) {
+        std::vector<double> seconds;
+        unsigned int slices = 0;
+        for (int round = 0; round < 25; ++round) {
+            double running = 0;
+            slices = 0;
+            const double whole = secondsOf([&] {
+                const int id = Interface::initPathSearch(sample.mesh().getNodeCenter(0), goal);
+                running = secondsOf([&] {
+                    while (Interface::runPathSearch(id, budget) == Pathfinder::PATH_RUNNING)
+                        ++slices;
                 });
-                seconds.push_back(whole - running + running / (slices + 1)); // of one call each
-            }
-            printFigure("search without a path on 21,000 nodes, " + std::to_string(slices + 1) +
-                            " slices: us",
-                        medianOf(seconds) * 1e6, 2);
+                Interface::closePathSearch(id);
+            });
+            seconds.push_back(whole - running + running / (slices + 1)); // of one call each
         }
+        printFigure("search without a path on 21,000 nodes, " + std::to_string(slices + 1) +
+                        " slices: us",
+                    medianOf(seconds) * 1e6, 2);
     }
-    std::filesystem::remove(file);
 }
 
 void measureFrameTails() {

@@ -5,7 +5,6 @@
 #include "navmesh/meshsearch.h"
 #include "navmesh/nodelocator.h"
 
-#include <filesystem>
 #include <fstream>
 #include <pugixml.hpp>
 #include <sstream>
@@ -74,11 +73,9 @@ void compareLoading() {
     // the same mesh with a grid of a few cells: the difference is the grid
     std::string coarse = document;
     coarse.replace(coarse.find("<cubesize>"), 10, "<cubesize>50"); // 500 and more
-    const std::string file = sample.file() + ".coarse";
-    std::ofstream(file, std::ios::binary) << coarse;
+    const TemporaryFile file(coarse);
     const Pair grid = compare([&] { const HostKit::Session session(sample.file()); },
-                              [&] { const HostKit::Session session(file); });
-    std::filesystem::remove(file);
+                              [&] { const HostKit::Session session(file.name()); });
     print("its grid of 1,000 x 1,000 cells, as a part of that",
           {grid.mOurs - grid.mTheirs, grid.mOurs}, 0.25);
 }
