@@ -49,10 +49,10 @@ extern "C" zuno_status zuno_mesh_load(zuno_session* session, const char* name, z
         need(mesh, "the place for the handle");
         const HostKit::Foundation foundation;
         Messages::takeLog();
-        return make<Mesh>(mesh,
-                          load(name, running != nullptr
-                                         ? running->files()
-                                         : HostKit::MeshFiles(new HostKit::StdioFileCallback)));
+        return make<Mesh>(mesh, load(name, running != nullptr
+                                               ? running->files()
+                                               : HostKit::MeshFiles(new HostKit::StdioFileCallback(
+                                                     HostKit::NameEncoding::UTF8))));
     });
 }
 

@@ -3,6 +3,7 @@
 #include "common/interface.h"
 #include "hostkit/foundation.h"
 #include "hostkit/replay.h"
+#include "hostkit/stdiofilecallback.h"
 
 #include <fstream>
 #include <sstream>
@@ -38,7 +39,7 @@ private:
 };
 
 std::string contentOf(const char* file) {
-    std::ifstream in(file, std::ios::binary);
+    std::ifstream in(HostKit::pathOf(file, HostKit::NameEncoding::UTF8), std::ios::binary);
     std::ostringstream content;
     if (!(content << in.rdbuf()))
         throw Failure{ZUNO_BAD_FILE, std::string(file) + ": cannot be read"};
@@ -61,11 +62,13 @@ extern "C" zuno_status zuno_replay(const char* recording, const char* const* mes
         checkStruct(result, "the result");
         if (mesh_count != 0)
             need(meshes, "the meshes");
+        const HostKit::Foundation foundation;
         HostKit::ReplaySettings settings;
+        settings.mFiles =
+            HostKit::MeshFiles(new HostKit::StdioFileCallback(HostKit::NameEncoding::UTF8));
         for (std::uint32_t i = 0; i < mesh_count; ++i)
             settings.mMeshes.emplace_back(&need(meshes[i], "a mesh's name"));
         const std::string bytes = contentOf(recording);
-        const HostKit::Foundation foundation;
         ReplayedExports exports;
         HostKit::ReplayOutcome outcome;
         try {

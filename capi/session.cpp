@@ -14,6 +14,8 @@ namespace {
 
 bool theSessionRuns = false;
 
+constexpr auto utf8 = HostKit::NameEncoding::UTF8;
+
 } // namespace
 
 void Session::requireNone() {
@@ -53,9 +55,10 @@ void Session::setFiles(const zuno_settings& settings) {
         need(settings.files->read, "files.read");
         files = Exports::Files(new HostFiles(*settings.files));
     } else {
-        files = Exports::Files(settings.base_folder != nullptr
-                                   ? new HostKit::StdioFileCallback(settings.base_folder)
-                                   : new HostKit::StdioFileCallback);
+        files = Exports::Files(
+            settings.base_folder != nullptr
+                ? new HostKit::StdioFileCallback(HostKit::pathOf(settings.base_folder, utf8), utf8)
+                : new HostKit::StdioFileCallback(utf8));
     }
     auto* const meshFiles = new HostKit::MeshFileCallback(files);
     mMeshFiles = meshFiles;
@@ -67,7 +70,7 @@ void Session::start(const zuno_settings& settings, const char* mesh) {
     Messages::takeLog();
     try {
         mExports = settings.recording != nullptr
-                       ? std::make_unique<HostKit::Recorder>(settings.recording)
+                       ? std::make_unique<HostKit::Recorder>(settings.recording, utf8)
                        : std::make_unique<Exports>();
     } catch (const std::runtime_error& error) {
         throw Failure{ZUNO_BAD_FILE, error.what()};

@@ -23,7 +23,8 @@ namespace ZUNO::HostKit {
 class Recorder : public Exports {
 public:
     /// Throws a std::runtime_error when the file can't be made.
-    explicit Recorder(const std::string& fileName) : mFile(fileName) {}
+    explicit Recorder(const std::string& fileName, NameEncoding encoding = NameEncoding::SYSTEM)
+        : mFile(fileName, encoding) {}
 
     /// Whether everything so far was recorded: false once the device was full.
     bool isRecording() const { return !mFile.isFull(); }

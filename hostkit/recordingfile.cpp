@@ -13,8 +13,8 @@ constexpr std::size_t windowSize = 16 * Common::Platform::MappedFile::granularit
 
 } // namespace
 
-RecordingFile::RecordingFile(const std::string& fileName) {
-    if (mFile.create(fileName.c_str()))
+RecordingFile::RecordingFile(const std::string& fileName, NameEncoding encoding) {
+    if (mFile.create(pathOf(fileName, encoding)))
         mWindow = mFile.map(0, windowSize);
     if (mWindow == nullptr)
         throw std::runtime_error(fileName + ": the recording can't be written");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/platform/mappedfile.h"
+#include "hostkit/filenames.h"
 
 #include <string>
 
@@ -10,7 +11,7 @@ namespace ZUNO::HostKit {
 class RecordingFile {
 public:
     /// Throws a std::runtime_error when the file can't be made.
-    explicit RecordingFile(const std::string& fileName);
+    RecordingFile(const std::string& fileName, NameEncoding encoding);
     /// Marks the recording's end and closes the file.
     ~RecordingFile();
     RecordingFile(const RecordingFile&) = delete;

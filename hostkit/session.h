@@ -21,7 +21,8 @@ struct SessionSettings {
     std::string mBaseFolder = {};
     /// The host's own files; null: the C library's.
     Exports::Files mFiles = {};
-    /// The file that every call through `Session::exports` is recorded in; empty: none.
+    /// The file that every call through `Session::exports` is recorded in (see `recorder.h`); an
+    /// existing one is overwritten. Empty: none.
     std::string mRecording = {};
     /// Gets each report of the library's ("expression\nError Message: what is wrong", the source
     /// file, the line) until the session is closed; empty: reports go to standard error. It must
@@ -43,6 +44,7 @@ public:
         : Session(meshFile, SessionSettings{.mBaseFolder = baseFolder}) {}
     Session(const std::string& meshFile, const Exports::Files& fileIO)
         : Session(meshFile, SessionSettings{.mFiles = fileIO}) {}
+    /// Closes what was not closed.
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -52,17 +54,19 @@ public:
 
     /// Runs a new mesh in the old one's place. The new one is read and looked over first: when it
     /// can't be run, a std::runtime_error says why, and the old world and its searches go on as
-    /// they were. Else the old world is closed with all its searches; those of the scheduler, when
-    /// there is one, are asked anew by their points.
+    /// they were. Else the old world is closed with all its searches; those of the scheduler, which
+    /// a host that has one must name, are asked anew by their points.
     /// When memory ends in the middle, the old file is loaded again; when that fails too, the
-    /// session is closed. Either way a std::runtime_error says so.
+    /// session is closed. Either way a std::runtime_error says so. Throws a std::logic_error when
+    /// the session was closed before.
+    /// Cost: reads the mesh twice; both worlds are not held at a time.
     void reload(const std::string& meshFile, Scheduler* scheduler = nullptr);
 
-    /// The library's memory so far.
+    /// The library's memory so far; of a closed session what `close` returned.
     const MemoryFigures& memory() const;
 
-    /// Closes the world and returns the library's memory after that: with everything given back
-    /// its blocks and bytes are 0. Calling it twice does nothing.
+    /// Closes the world, with searches that are open, and returns the library's memory after that:
+    /// with everything given back its blocks and bytes are 0. A second call returns the same.
     MemoryFigures close();
 
 private:

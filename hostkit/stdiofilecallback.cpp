@@ -42,19 +42,20 @@ bool isOutOfSpace(int error) {
 }
 
 /// Reading and writing keeps what an existing file holds; writing alone begins anew.
-std::FILE* openAs(const std::string& name, std::int32_t mode) {
+std::FILE* openAs(const fs::path& name, std::int32_t mode) {
+    using Common::Platform::openFile;
     if (mode == Common::IO::FACCESS_READ)
-        return std::fopen(name.c_str(), "rb");
+        return openFile(name, "rb");
     if (mode == Common::IO::FACCESS_WRITE)
-        return std::fopen(name.c_str(), "w+b");
-    std::FILE* const existing = std::fopen(name.c_str(), "r+b");
-    return existing != nullptr || errno != ENOENT ? existing : std::fopen(name.c_str(), "w+b");
+        return openFile(name, "w+b");
+    std::FILE* const existing = openFile(name, "r+b");
+    return existing != nullptr || errno != ENOENT ? existing : openFile(name, "w+b");
 }
 
 } // namespace
 
-StdioFileCallback::StdioFileCallback(const fs::path& baseFolder)
-    : mBaseFolder(fs::weakly_canonical(fs::absolute(baseFolder))) {}
+StdioFileCallback::StdioFileCallback(const fs::path& baseFolder, NameEncoding encoding)
+    : mEncoding(encoding), mBaseFolder(fs::weakly_canonical(fs::absolute(baseFolder))) {}
 
 StdioFileCallback::~StdioFileCallback() {
     for (const auto& [handle, open] : mFiles)
@@ -62,7 +63,12 @@ StdioFileCallback::~StdioFileCallback() {
 }
 
 std::optional<fs::path> StdioFileCallback::locate(const String& filename) const {
-    const fs::path name(filename.getConstCharPtr());
+    fs::path name;
+    try {
+        name = pathOf(filename.getConstCharPtr(), mEncoding);
+    } catch (const std::system_error&) {
+        return std::nullopt;
+    }
     std::error_code error;
     if (mBaseFolder.empty())
         return name;
@@ -102,10 +108,9 @@ std::int32_t StdioFileCallback::openFile(Handle* handle, const String& filename,
     std::error_code error;
     if (fs::is_directory(*path, error))
         return FILE_ACCESS_DENIED;
-    const std::string name = path->string();
     const auto entry = mFiles.try_emplace(mLastHandle + 1).first; // may throw: nothing is open yet
     errno = 0;
-    std::FILE* const file = openAs(name, mode);
+    std::FILE* const file = openAs(*path, mode);
     if (file == nullptr) {
         const std::int32_t result = resultOf(errno);
         mFiles.erase(entry);

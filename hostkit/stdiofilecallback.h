@@ -1,9 +1,9 @@
 #pragma once
 
 #include "common/callback/fileiocallback.h"
+#include "hostkit/filenames.h"
 
 #include <cstdio>
-#include <filesystem>
 #include <map>
 #include <optional>
 
@@ -17,8 +17,10 @@ namespace ZUNO::HostKit {
 /// Thread: one at a time.
 class StdioFileCallback : public Common::Callback::FileIOCallback {
 public:
-    StdioFileCallback() = default;
-    explicit StdioFileCallback(const std::filesystem::path& baseFolder);
+    explicit StdioFileCallback(NameEncoding encoding = NameEncoding::SYSTEM)
+        : mEncoding(encoding) {}
+    explicit StdioFileCallback(const std::filesystem::path& baseFolder,
+                               NameEncoding encoding = NameEncoding::SYSTEM);
     ~StdioFileCallback() override;
     StdioFileCallback(const StdioFileCallback&) = delete;
     StdioFileCallback& operator=(const StdioFileCallback&) = delete;
@@ -53,11 +55,12 @@ private:
     };
 
     static void turn(OpenFile& file, bool toWriting);
-    /// Where the named file lies; nothing when that is outside the base folder.
+    /// Where the named file lies; nothing when that is outside the base folder or is no name.
     std::optional<std::filesystem::path> locate(const String& filename) const;
     std::FILE* find(Handle handle) const;
     void close(std::FILE* file);
 
+    NameEncoding mEncoding = NameEncoding::SYSTEM;
     std::filesystem::path mBaseFolder; ///< absolute, without links; empty: no limit
     std::map<Handle, OpenFile> mFiles;
     Handle mLastHandle = 0;

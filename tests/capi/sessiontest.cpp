@@ -27,6 +27,11 @@ struct Memory {
     int mOutstanding = 0;
 };
 
+std::string utf8(const std::filesystem::path& path) {
+    const std::u8string name = path.u8string();
+    return {name.begin(), name.end()};
+}
+
 } // namespace
 
 TEST_F(CApiTest, SurvivesTheEndOfMemoryAtEveryRequest) {
@@ -152,9 +157,10 @@ TEST_F(CApiTest, WalksACharacterToItsGoal) {
 
 TEST_F(CApiTest, RecordsAndReplays) {
     const TempFolder folder;
-    const std::string mesh = folder.path().string() + "/mesh.xml";
-    const std::string recording = folder.path().string() + "/recording";
-    std::ofstream(mesh) << mFiles["floor"];
+    const std::filesystem::path file = folder.path() / u8"Größe 世界.xml"; // in no code page
+    const std::string mesh = utf8(file);
+    const std::string recording = utf8(folder.path() / u8"Größe 世界");
+    std::ofstream(file) << mFiles["floor"];
     mSettings.files = nullptr;
     mSettings.recording = recording.c_str();
     ASSERT_OK(start(mesh.c_str()));
@@ -174,9 +180,10 @@ TEST_F(CApiTest, RecordsAndReplays) {
     EXPECT_EQ(result.is_whole, 1);
     EXPECT_EQ(result.difference, 0U);
     {
-        std::fstream file(recording, std::ios::in | std::ios::out | std::ios::binary);
-        file.seekp(-7, std::ios::end); // in the height, before the closing call and the end
-        file.put(77);
+        std::fstream damaged(folder.path() / u8"Größe 世界",
+                             std::ios::in | std::ios::out | std::ios::binary);
+        damaged.seekp(-7, std::ios::end); // in the height, before the closing call and the end
+        damaged.put(77);
     }
     EXPECT_OK(zuno_replay(recording.c_str(), nullptr, 0, &result, text, &(size = sizeof text)));
     EXPECT_EQ(result.difference, 2U);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 
 namespace ZUNO::Common::Platform {
 
@@ -19,7 +20,7 @@ public:
     MappedFile& operator=(const MappedFile&) = delete;
 
     /// Makes the file, or empties the one that is there. Returns whether that was possible.
-    bool create(const char* name) noexcept;
+    bool create(const std::filesystem::path& name) noexcept;
 
     /// Makes room in the file for `size` bytes from `offset` on, a multiple of `granularity`, and
     /// returns their memory, zero where nothing was written yet. The window before is given up.

@@ -12,8 +12,8 @@ MappedFile::~MappedFile() {
         ::close(static_cast<int>(mFile));
 }
 
-bool MappedFile::create(const char* name) noexcept {
-    mFile = open(name, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+bool MappedFile::create(const std::filesystem::path& name) noexcept {
+    mFile = open(name.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     return mFile >= 0;
 }
 

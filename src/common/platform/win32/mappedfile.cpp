@@ -25,9 +25,9 @@ MappedFile::~MappedFile() {
         CloseHandle(handleOf(mFile));
 }
 
-bool MappedFile::create(const char* name) noexcept {
+bool MappedFile::create(const std::filesystem::path& name) noexcept {
     const HANDLE file =
-        CreateFileA(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+        CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
                     nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     mFile = reinterpret_cast<std::intptr_t>(file);
     return file != INVALID_HANDLE_VALUE;
