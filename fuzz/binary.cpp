@@ -2,8 +2,7 @@
 #include "common/memory/objectcreation.h"
 #include "common/serialize/binaryserializestorage.h"
 #include "fuzz/ground.h"
-#include "navmesh/interface.h"
-#include "navmesh/navmeshfiles.h"
+#include "navmesh/navmeshcontainer.h"
 
 #include <memory>
 
@@ -29,14 +28,17 @@ void skipThrough(const Fuzz::Ground& ground) {
 }
 
 void loadMesh(const Fuzz::Ground& ground) {
-    NavMesh::initLibrary(ground.mCallback, ground.mFileCallback);
+    const auto load = [&](const char* name) {
+        const Common::SharedPtr<NavMesh::NavMeshContainer> mesh(
+            Common::Memory::createManaged<NavMesh::NavMeshContainer>(Common::gObjectAllocator));
+        mesh->readBinary(ground.open(name, 1));
+        return mesh;
+    };
     Fuzz::succeeds([&] {
-        const auto mesh = NavMesh::loadNavMeshBinary("d");
-        NavMesh::saveNavMeshBinary("once", mesh);
-        NavMesh::saveNavMeshBinary("twice", NavMesh::loadNavMeshBinary("once"));
+        load("d")->writeBinary(ground.open("once", 3), 1);
+        load("once")->writeBinary(ground.open("twice", 3), 1);
         Fuzz::require(ground.file("once") == ground.file("twice"), "writing changes nothing");
     });
-    NavMesh::closeLibrary();
 }
 
 } // namespace

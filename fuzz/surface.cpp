@@ -2,7 +2,6 @@
 #include "fuzz/ground.h"
 #include "hostkit/corridor.h"
 #include "hostkit/explain.h"
-#include "hostkit/foundation.h"
 #include "hostkit/meshloading.h"
 #include "hostkit/pathpoints.h"
 
@@ -106,15 +105,11 @@ void askEverything(const MeshView& view) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    Fuzz::silenceReports();
-    const Foundation foundation;
-    auto* const files = new Tests::MemoryFiles;
-    const Common::SharedPtr<Common::Callback::FileIOCallback> fileCallback(files);
-    files->mFiles["d"].assign(reinterpret_cast<const char*>(data), size);
+    const Fuzz::Ground ground;
+    ground.put("d", data, size);
     try {
-        askEverything(loadMeshView("d", fileCallback));
+        askEverything(loadMeshView("d", ground.files()));
     } catch (const std::runtime_error&) { // no mesh
     }
-    Fuzz::require(files->openCount() == 0, "all files are closed");
     return 0;
 }

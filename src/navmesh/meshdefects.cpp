@@ -4,15 +4,12 @@
 #include "navmesh/meshexamination.h"
 #include "navmesh/planegrid.h"
 
+#include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace ZUNO::NavMesh {
 
 namespace {
-
-/// Eight times over the largest grid: some ten seconds.
-constexpr double maxRasterSteps = 8.0 * (1U << 29U);
 
 class DefectExamination : Examination {
 public:
@@ -85,17 +82,23 @@ private:
     }
 
     void checkGrid() {
-        constexpr std::int64_t limit = std::numeric_limits<std::uint32_t>::max();
         const PlaneGrid grid = measurePlane(mMesh);
         if (!isFinite(grid.mBounds.mMin) || !isFinite(grid.mBounds.mMax) ||
-            !isFinite(grid.mBounds.mMax - grid.mBounds.mMin))
+            !isFinite(grid.mBounds.mMax - grid.mBounds.mMin)) {
             found("the mesh's extent in its plane is not finite");
-        else if (grid.mColumns > limit / PlaneGrid::bytesPerCell / grid.mRows)
+            return;
+        }
+        const GridLimits limits = gridLimitsOf(mMesh);
+        if (std::max(grid.mColumns, grid.mRows) > GridLimits::mostInARow ||
+            grid.mColumns > limits.mCells / grid.mRows)
             found("the blocking grid would have ", grid.mColumns, " x ", grid.mRows,
-                  " cells; the cube size is too small for the mesh's extent");
-        else if (const double steps = countMarkingSteps(mMesh); steps > maxRasterSteps)
+                  " cells, and for ", limits.mCorners, " corners at most ", limits.mCells,
+                  " are made, ", GridLimits::mostInARow,
+                  " in a row; the cube size is too small for the mesh's extent");
+        else if (const double steps = countMarkingSteps(mMesh); steps > limits.mMarkingSteps)
             found("the nodes cover the blocking grid too often: rasterising them takes ", steps,
-                  " steps, and at most ", maxRasterSteps, " are taken");
+                  " steps, and for ", limits.mCorners, " corners at most ", limits.mMarkingSteps,
+                  " are taken");
     }
 };
 

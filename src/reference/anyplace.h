@@ -19,14 +19,16 @@ public:
 
     explicit AnyPlace(World& world) : mWorld(world) {}
 
-    /// Returns what does not hold, and null when all does.
-    const char* ask() {
+    /// Asks at 225 places, or at every so many-th of them. Returns what does not hold, and null
+    /// when all does.
+    const char* ask(std::size_t every = 1) {
         const std::vector<float> values = coordinates();
         const std::size_t count = values.size();
-        for (std::size_t i = 0; i < count; ++i)
-            for (std::size_t j = 0; j < count; ++j)
-                askBetween({values[i], values[j]},
-                           {values[(i + 3) % count], values[(j + 5) % count]});
+        for (std::size_t place = 0; place < count * count; place += every) {
+            const std::size_t i = place / count;
+            const std::size_t j = place % count;
+            askBetween({values[i], values[j]}, {values[(i + 3) % count], values[(j + 5) % count]});
+        }
         return mFailure;
     }
 

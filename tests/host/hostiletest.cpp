@@ -59,8 +59,8 @@ TEST_F(HostTest, RefusesOrSurvivesHostileGeometry) {
     MeshText oneSpot = square("1", "0.5");
     for (int i = 0; i < 100000; ++i)
         oneSpot.node({0, 1, 2, 3}, i == 0 ? 99999 : i - 1);
-    MeshText covered = square("10", "0.0005");
-    for (int i = 0; i < 20; ++i)
+    MeshText covered = square("10", "0.01");
+    for (int i = 0; i < 600; ++i)
         covered.node({0, 1, 2, 3});
     struct Case {
         const char* mName;
@@ -94,6 +94,11 @@ TEST_F(HostTest, RefusesOrSurvivesHostileGeometry) {
         {"tiny cubes on tiny ground", square("1e-30", "1e-30").node({0, 1, 2, 3}).text(), ""},
         {"huge cubes", square("1", "1e30").node({0, 1, 2, 3}).text(), ""},
         {"a grid of 4 GB", square("1", "0.00004").node({0, 1, 2, 3}).text(), "25001 x 25001"},
+        {"a grid of 200 MB", square("5129", "1").node({0, 1, 2, 3}).text(),
+         "for 4 corners at most 25165824"},
+        {"a row of two million cells",
+         MeshText("1").corner("0/0/0").corner("2e6/0/0").corner("0/0/1").node({0, 1, 2}).text(),
+         "1048576 in a row"},
         {"covered again and again", covered.text(), "cover the blocking grid too often"},
     };
     for (const Case& row : cases) {

@@ -1,0 +1,258 @@
+// Meshes of at most 1 MB that are made to cost much: what a load takes of time and memory, and the
+// slowest query and expansion of those that run.
+#include "common/exceptions/exception.h"
+#include "common/report/report.h"
+#include "hostkit/explain.h"
+#include "hostkit/foundation.h"
+#include "hostkit/heapmemorycallback.h"
+#include "hostkit/memoryfilecallback.h"
+#include "hostkit/meshfile.h"
+#include "hostkit/meshview.h"
+#include "hostkit/straightpath.h"
+#include "pathfinder/interface.h"
+
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+#include <functional>
+#include <optional>
+#include <random>
+
+namespace {
+
+using namespace ZUNO;
+using Pathfinder::Interface;
+using Mesh = NavMesh::NavMeshContainer;
+using Point2 = Mesh::Point2;
+using Point3 = Mesh::Point3;
+
+/// Of the processor, whatever else the machine does.
+double secondsOf(const std::function<void()>& action) {
+    const std::clock_t begin = std::clock();
+    action();
+    return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+}
+
+/// A mesh in the making, in the plane of x and z.
+class Builder {
+public:
+    explicit Builder(float cubeSize) {
+        mMesh.mNormal = {0, 1, 0};
+        mMesh.mXAxis = {1, 0, 0};
+        mMesh.mYAxis = {0, 0, 1};
+        mMesh.mCubeSize = cubeSize;
+        mMesh.mHeights.push_back(2);
+    }
+    std::uint32_t corner(float x, float z) {
+        mMesh.mVertices.push_back({x, 0, z});
+        return static_cast<std::uint32_t>(mMesh.mVertices.size() - 1);
+    }
+    void node(const std::vector<std::uint32_t>& corners, const std::vector<int>& neighbours) {
+        auto& added = mMesh.mNodes.emplace_back(mMesh.getAllocator());
+        added.mHeightClass = 0;
+        added.mPolygon.assign(corners.begin(), corners.end());
+        added.mNeighbours.assign(neighbours.begin(), neighbours.end());
+    }
+    void box(float x, float z, float width, float depth, const std::vector<int>& neighbours) {
+        node({corner(x, z), corner(x + width, z), corner(x + width, z + depth),
+              corner(x, z + depth)},
+             neighbours);
+    }
+    Mesh mMesh;
+};
+
+/// One square, whose grid has so many columns and rows.
+void fillGrid(Builder& mesh, float columns, float rows) {
+    mesh.box(0, 0, columns, rows, {});
+}
+/// Nodes on the same spot, each a neighbour of the next ones.
+void fillStack(Builder& mesh, int count, float side, int links) {
+    const std::vector<std::uint32_t> ring{mesh.corner(0, 0), mesh.corner(side, 0),
+                                          mesh.corner(side, side), mesh.corner(0, side)};
+    for (int i = 0; i < count; ++i) {
+        std::vector<int> neighbours;
+        for (int k = 1; k <= links; ++k)
+            neighbours.push_back((i + k) % count);
+        mesh.node(ring, neighbours);
+    }
+}
+/// One round node of so many corners.
+void fillRound(Builder& mesh, int corners, float radius) {
+    std::vector<std::uint32_t> ring;
+    for (int i = 0; i < corners; ++i) {
+        const double angle = 6.283185307179586 * i / corners;
+        ring.push_back(mesh.corner(static_cast<float>(radius * std::cos(angle)),
+                                   static_cast<float>(radius * std::sin(angle))));
+    }
+    mesh.node(ring, {});
+}
+/// Slivers from one corner to the far side, each a neighbour of the one beside it.
+void fillFan(Builder& mesh, int count, float size) {
+    const std::uint32_t tip = mesh.corner(0, 0);
+    for (int i = 0; i < count; ++i) {
+        const float z = size * static_cast<float>(i) / static_cast<float>(count);
+        const float next = size * static_cast<float>(i + 1) / static_cast<float>(count);
+        mesh.node({tip, mesh.corner(size, z), mesh.corner(size, next)},
+                  {i - 1, -1, i + 1 == count ? -1 : i + 1});
+    }
+}
+/// Boxes at random, linked at random; `away` lies a goal so far off that estimates are coarse.
+void fillTangle(Builder& mesh, int count, int links, float away) {
+    std::mt19937 random(7);
+    for (int i = 0; i < count; ++i) {
+        std::vector<int> neighbours;
+        for (int k = 0; k < links; ++k)
+            neighbours.push_back(static_cast<int>(random() % static_cast<unsigned>(count)));
+        if (i == 0) // far off, and reached from the last one
+            mesh.box(away, away, away / 8 + 1, away / 8 + 1, neighbours);
+        else
+            mesh.box(static_cast<float>(random() % 1000), static_cast<float>(random() % 1000), 1, 1,
+                     i + 1 == count ? std::vector<int>{0, i - 1} : neighbours);
+    }
+}
+/// Two rows of hubs with as many borders as can be searched.
+void fillHubs(Builder& mesh, int hubs, int borders) {
+    for (int i = 0; i < hubs; ++i) {
+        std::vector<int> neighbours;
+        for (int k = 0; k < borders; ++k)
+            neighbours.push_back((i + 1 + k) % hubs);
+        mesh.box(static_cast<float>(i % 50) * 3, static_cast<float>(i / 50) * 3, 2, 2, neighbours);
+    }
+}
+
+class Trial {
+public:
+    Trial(const char* name, const Mesh& mesh) : mName(name) {
+        mFiles = new HostKit::MemoryFileCallback("mesh", HostKit::textOf(mesh));
+        mFileCallback = mFiles;
+        mMemory = new HostKit::HeapMemoryCallback;
+        mMemoryCallback = mMemory;
+    }
+    void run() {
+        theReport.clear();
+        bool isLoaded = false;
+        const double load = secondsOf([&] {
+            try {
+                isLoaded =
+                    Interface::initWorldRepresentation("mesh", mMemoryCallback, mFileCallback, "");
+            } catch (Common::Exceptions::Exception* exception) {
+                theReport = exception->getReport(0).getConstCharPtr();
+                delete exception;
+            }
+        });
+        const auto peak = static_cast<double>(mMemory->figures().mPeakBytes) / (1 << 20);
+        std::printf("%-28s %7.0f %8.3f %7.0f", mName,
+                    static_cast<double>(mFiles->mFiles["mesh"].size()) / 1000, load, peak);
+        if (isLoaded)
+            ask();
+        else
+            std::printf("  refused: %.90s", theReport.c_str());
+        std::printf("\n");
+        std::fflush(stdout);
+        Interface::close();
+    }
+    static inline std::string theReport;
+
+private:
+    void ask() {
+        std::mt19937 random(3);
+        const Common::SharedPtr<Mesh> mesh = HostKit::readMesh("mesh", mFileCallback);
+        const auto place = [&] {
+            const auto& polygon = mesh->mNodes[random() % mesh->mNodes.size()].mPolygon;
+            const Point3& a = mesh->mVertices[polygon[0]];
+            const Point3& b = mesh->mVertices[polygon[polygon.size() / 2]];
+            return Point3((a.mX + b.mX) / 2, a.mY, (a.mZ + b.mZ) / 2);
+        };
+        const auto slowest = [](double& worst, const std::function<void()>& action) {
+            worst = std::max(worst, secondsOf(action));
+        };
+        double query = 0;
+        double expansion = 0;
+        for (int i = 0; i < 40; ++i) {
+            const Point3 from = place();
+            const Point3 to = i % 4 == 0 ? mesh->getNodeCenter(0) : place();
+            slowest(query, [&] { Interface::getGroundHeight({from.mX, from.mZ}); });
+            Common::Geom::Ray2D<float, float> ray({from.mX, from.mZ}, {to.mX * 2, to.mZ});
+            slowest(query, [&] { Interface::traceRay(ray); });
+            int id = -1;
+            slowest(query, [&] { id = Interface::initPathSearch(from, to); });
+            int state = id < 0 ? 2 : 1;
+            for (int k = 0; k < 30'000 && state == 1; ++k)
+                slowest(expansion, [&] { state = Interface::runPathSearch(id, 1); });
+            Point3 waypoint(0, 0, 0);
+            slowest(query, [&] { Interface::getNextWaypoint(id, waypoint); });
+            slowest(query, [&] { Interface::closePathSearch(id); });
+        }
+        std::printf(" %9.3f %9.0f", query * 1e3, expansion * 1e6);
+        askView(*mesh, place);
+    }
+    void askView(const Mesh& mesh, const std::function<Point3()>& place) const {
+        std::optional<HostKit::MeshView> view;
+        std::printf(" %8.3f", secondsOf([&] { view.emplace(mesh); }));
+        double worst[6] = {};
+        for (int i = 0; i < 20; ++i) {
+            const Point3 from = place();
+            const Point3 to = place();
+            HostKit::Place at;
+            const auto timed = [&](int which, const std::function<void()>& action) {
+                worst[which] = std::max(worst[which], secondsOf(action));
+            };
+            timed(0, [&] { at = HostKit::findGround(*view, from); });
+            timed(1, [&] { HostKit::findNearest(*view, {from.mX, 0, -to.mZ}, 1000, 1000); });
+            timed(2, [&] { HostKit::moveAlongSurface(*view, at, to); });
+            timed(3, [&] { HostKit::walkStraight(*view, at, to); });
+            timed(4, [&] { HostKit::distanceToWall(*view, at, 100); });
+            timed(5, [&] { HostKit::explain(*view, from, to); });
+        }
+        for (const double seconds : worst)
+            std::printf(" %7.2f", seconds * 1e3);
+    }
+
+    const char* mName;
+    HostKit::MemoryFileCallback* mFiles;
+    HostKit::HeapMemoryCallback* mMemory;
+    HostKit::MeshFiles mFileCallback;
+    Common::SharedPtr<Common::Callback::MemoryCallback> mMemoryCallback;
+};
+
+struct Case {
+    const char* mName;
+    float mCubeSize;
+    std::function<void(Builder&)> mFill;
+};
+
+const Case theCases[] = {
+    {"a grid of 5000 x 5000", 1, [](Builder& m) { fillGrid(m, 4999, 4999); }},
+    {"a grid of 23000 x 23000", 1, [](Builder& m) { fillGrid(m, 22999, 22999); }},
+    {"one row of 25 million", 1, [](Builder& m) { fillGrid(m, 8388608, 0.5F); }},
+    {"covered 100 times", 1, [](Builder& m) { fillStack(m, 100, 2000, 1); }},
+    {"covered 13 times, fine", 1, [](Builder& m) { fillStack(m, 13, 4999, 1); }},
+    {"5,000 nodes on one spot", 1, [](Builder& m) { fillStack(m, 5000, 100, 4); }},
+    {"25 nodes, all linked", 1, [](Builder& m) { fillStack(m, 12, 100, 4000); }},
+    {"9,000 corners", 1, [](Builder& m) { fillRound(m, 9000, 2000); }},
+    {"20,000 corners, small", 1, [](Builder& m) { fillRound(m, 18000, 50); }},
+    {"4,500 slivers", 1, [](Builder& m) { fillFan(m, 4500, 2000); }},
+    {"a tangle", 1, [](Builder& m) { fillTangle(m, 3000, 6, 2000); }},
+    {"a tangle, goal at 1e6", 1000, [](Builder& m) { fillTangle(m, 3000, 6, 1e6F); }},
+    {"a tangle, goal at 1e9", 1e6F, [](Builder& m) { fillTangle(m, 3000, 6, 1e9F); }},
+    {"a dense tangle", 1, [](Builder& m) { fillTangle(m, 200, 200, 2000); }},
+    {"a dense tangle, 1e9", 1e6F, [](Builder& m) { fillTangle(m, 200, 200, 1e9F); }},
+    {"hubs", 1, [](Builder& m) { fillHubs(m, 11, 4000); }},
+    {"many hubs", 1, [](Builder& m) { fillHubs(m, 210, 210); }},
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const HostKit::Foundation foundation;
+    std::printf("%-28s %7s %8s %7s %9s %9s %8s  view's: ground nearest move straight wall "
+                "explain [ms]\n",
+                "mesh", "KB", "load [s]", "MB", "query[ms]", "exp. [us]", "view [s]");
+    for (const Case& row : theCases) {
+        if (argc > 1 && std::string(row.mName).find(argv[1]) == std::string::npos)
+            continue;
+        Builder builder(row.mCubeSize);
+        row.mFill(builder);
+        Trial(row.mName, builder.mMesh).run();
+    }
+}
