@@ -2,6 +2,7 @@
 
 #include "common/exceptions/argumentexceptions.h"
 #include "common/exceptions/stateexceptions.h"
+#include "common/io/ioexceptions.h"
 #include "common/memory/objectcreation.h"
 #include "common/serialize/serializeexceptions.h"
 
@@ -110,6 +111,8 @@ void BinarySerializeStorage::close() {
 
 void BinarySerializeStorage::closeOutput() {
     const std::int64_t tables = mStream->getPosition();
+    if (tables < 0)
+        throw new IO::IOException("BinarySerializeStorage: The stream does not tell its position");
     mInstanceNames.write(mOut);
     mTypeNames.write(mOut);
     mStream->seek(tableOffsetPlace, IO::ORIGIN_BEGIN);
