@@ -12,8 +12,7 @@ namespace ZUNO::NavMesh {
 /// - the nodes' centres and the lengths between them are worked out once, by the same operations;
 /// - only borders that are edges are kept;
 /// - nodes have numbers of its own, islands after islands and neighbours near to each other, so
-/// that
-///   what a search knows of its nodes lies together. No result depends on the numbers.
+///   that what a search knows of its nodes lies together. No result depends on the numbers.
 ///
 /// Read-only, for any number of searches. Holds 20 bytes a node and 8 an edge.
 class MeshGraph {
@@ -50,6 +49,8 @@ public:
         const Node& node = mNodes[number];
         return {node.mX, node.mY, node.mZ};
     }
+    /// Fetches what `centreOf` reads; for one who will soon ask.
+    void prefetchCentre(std::uint32_t number) const { __builtin_prefetch(&mNodes[number]); }
     std::span<const Edge> edgesOf(std::uint32_t number) const {
         return {mEdges.data() + mNodes[number].mFirstEdge,
                 mEdges.data() + mNodes[number + 1].mFirstEdge};

@@ -6,10 +6,11 @@ namespace ZUNO::NavMesh {
 
 using namespace Common::Astar;
 
-MeshSearch::MeshSearch(const MeshGraph& graph, BlockPool& pool,
-                       const Common::SharedPtr<Common::Memory::Allocator>& allocator)
-    : mGraph(graph), mRecords(graph.nodeCount(), pool, allocator), mOpen(allocator),
-      mSteps(graph.mostEdges(), allocator), mWaiting(allocator) {}
+MeshSearch::MeshSearch(const MeshGraph& graph, SearchMemory& memory)
+    : mGraph(graph), mMemory(memory), mRecords(graph.nodeCount(), memory.mPool), mOpen(memory) {
+    if (memory.mSteps.size() < graph.mostEdges() + 1)
+        memory.mSteps.resize(graph.mostEdges() + 1);
+}
 
 void MeshSearch::begin(const SearchEnds& ends) {
     end();
@@ -34,8 +35,8 @@ void MeshSearch::open() {
     mOpen.clear();
     mOpen.makeRoom(1);
     SearchRecord& record = mRecords.makeRoom(mStart);
-    record = SearchRecord(mStart, noEdge, 0.0F, length(mGoalPos - mStartPos));
-    mOpen.push(record);
+    record = {0.0F + length(mGoalPos - mStartPos), 0.0F, noEdge, SearchRecord::OPEN};
+    mOpen.push({record.mF, mStart});
     mVisited = 1;
 }
 
@@ -54,55 +55,57 @@ std::int32_t MeshSearch::search(std::uint32_t budget) {
         const std::uint32_t best = mOpen.best();
         if (best == mGoal)
             return SEARCH_FOUND; // it stays the best: that is where the path is read from
-        prepare(best);
         expand(best);
     }
     return SEARCH_RUNNING;
 }
 
-/// Looks up what lies behind the node's edges, and takes all memory that its expansion may need.
-void MeshSearch::prepare(std::uint32_t node) {
-    const auto edges = mGraph.edgesOf(node);
-    mOpen.makeRoom(edges.size() + 1);
-    const float g = mRecords[node].mG;
-    unsigned int savings = 0;
-    Step* step = mSteps.data();
-    for (const MeshGraph::Edge& edge : edges) {
-        SearchRecord& end = mRecords.makeRoom(edge.end());
-        *step = {&end, costOf(node, edge)};
-        const bool isClosed = end.state() == SearchRecord::CLOSED;
-        const bool isCheaper = step->mCost + g < end.mG;
-        savings += static_cast<unsigned int>(isClosed) &
-                   static_cast<unsigned int>(isCheaper); // no branch that can't be foretold
-        ++step;
-    }
-    if (savings != 0)
-        mWaiting.reserve(std::size_t{mVisited} + edges.size());
+void MeshSearch::expand(std::uint32_t node) {
+    SearchRecord& from = mRecords[node];
+    const std::span<const SearchStep> steps = findSteps(node, from.mG);
+    mOpen.removeBest(); // from here on nothing can fail
+    for (const SearchStep& step : steps)
+        take(node, step);
+    from.mState = SearchRecord::CLOSED; // open until here: an edge back to it is harmless
 }
 
-void MeshSearch::expand(std::uint32_t node) {
-    mOpen.removeBest();
-    SearchRecord& from = mRecords[node];
-    const Step* step = mSteps.data();
-    for (const MeshGraph::Edge& edge : mGraph.edgesOf(node)) {
-        SearchRecord& end = *step->mEnd;
-        const float g = step->mCost + from.mG;
-        ++step;
-        if (end.state() == SearchRecord::UNVISITED) {
-            const float h = length(mGoalPos - mGraph.centreOf(edge.end()));
-            end = SearchRecord(edge.end(), edge.idFrom(node), g, h);
-            mOpen.push(end);
-            ++mVisited;
-        } else if (g < end.mG) {
-            if (end.state() == SearchRecord::CLOSED) {
-                passSavingOn(edge.end(), edge.idFrom(node), g);
-            } else {
-                end.setCheaperPath(edge.idFrom(node), g);
-                mOpen.reposition(end);
-            }
+/// Looks up what lies behind the node's edges, lists those that lead to an unvisited node or are a
+/// cheaper way to a visited one, and takes all memory that the expansion may need.
+std::span<const SearchStep> MeshSearch::findSteps(std::uint32_t node, float g) {
+    const std::span<const MeshGraph::Edge> edges = mGraph.edgesOf(node);
+    SearchStep* const begin = mMemory.mSteps.data();
+    SearchStep* end = begin;
+    for (const MeshGraph::Edge& edge : edges) {
+        SearchRecord& record = mRecords.makeRoom(edge.end());
+        mGraph.prefetchCentre(edge.end());
+        const float through = costOf(node, edge) + g;
+        *end = {&edge, &record, through};
+        end += through >= record.mG ? 0 : 1; // no branch: it could not be foretold
+    }
+    mOpen.makeRoom(edges.size());
+    for (const SearchStep* step = begin; step != end; ++step)
+        if (step->mEnd->mState == SearchRecord::CLOSED)
+            mMemory.mWaiting.reserve(std::size_t{mVisited} + edges.size());
+    return {begin, end};
+}
+
+inline void MeshSearch::take(std::uint32_t node, const SearchStep& step) {
+    SearchRecord& end = *step.mEnd;
+    const std::uint32_t number = step.mEdge->end();
+    const std::uint32_t edge = step.mEdge->idFrom(node);
+    if (end.mState == SearchRecord::UNVISITED) {
+        const float h = length(mGoalPos - mGraph.centreOf(number));
+        end = {step.mG + h, step.mG, edge, SearchRecord::OPEN};
+        mOpen.push({end.mF, number});
+        ++mVisited;
+    } else if (step.mG < end.mG) { // still: a former step may have lowered it
+        if (end.mState == SearchRecord::CLOSED) {
+            passSavingOn(number, edge, step.mG);
+        } else {
+            end.setCheaperPath(edge, step.mG);
+            mOpen.reposition({end.mF, number});
         }
     }
-    from.setState(SearchRecord::CLOSED); // open until here: an edge back to it is harmless
 }
 
 float MeshSearch::measure(std::uint32_t node, const MeshGraph::Edge& edge) const {
@@ -113,16 +116,17 @@ float MeshSearch::measure(std::uint32_t node, const MeshGraph::Edge& edge) const
 
 void MeshSearch::passSavingOn(std::uint32_t node, std::uint32_t parentEdge, float g) {
     mRecords[node].setCheaperPath(parentEdge, g);
-    for (pushWaiting(node); !mWaiting.empty();) {
-        const std::uint32_t latest = mWaiting.back();
-        mWaiting.pop_back();
+    for (pushWaiting(node); !mMemory.mWaiting.empty();) {
+        const std::uint32_t latest = mMemory.mWaiting.back();
+        mMemory.mWaiting.pop_back();
         for (const MeshGraph::Edge& edge : mGraph.edgesOf(latest)) {
             const float through = mRecords[latest].mG + costOf(latest, edge);
             SearchRecord& end = mRecords[edge.end()];
-            if (end.state() == SearchRecord::UNVISITED || !(through < end.mG))
+            if (end.mState == SearchRecord::UNVISITED || !(through < end.mG))
                 continue;
             end.setCheaperPath(edge.idFrom(latest), through);
-            mOpen.updateCost(end); // an open record keeps its place, whatever it costs now
+            if (end.mState == SearchRecord::OPEN) // it keeps its place, whatever it costs now
+                mOpen.updateCost({end.mF, edge.end()});
             pushWaiting(edge.end());
         }
     }
@@ -133,13 +137,14 @@ void MeshSearch::passSavingOn(std::uint32_t node, std::uint32_t parentEdge, floa
 /// there would be nothing left to pass on. So no more nodes wait than were visited, and there is
 /// room.
 void MeshSearch::pushWaiting(std::uint32_t node) {
-    if (const auto former = std::find(mWaiting.begin(), mWaiting.end(), node);
-        former != mWaiting.end())
-        mWaiting.erase(former);
-    mWaiting.push_back(node);
+    auto& waiting = mMemory.mWaiting;
+    if (const auto former = std::find(waiting.begin(), waiting.end(), node);
+        former != waiting.end())
+        waiting.erase(former);
+    waiting.push_back(node);
 }
 
-float MeshSearch::getPath(NavMeshContainer::Vector<std::uint32_t>& nodes) {
+float MeshSearch::getPath(BlockPool::Vector<std::uint32_t>& nodes) {
     std::size_t count = 0;
     const auto forEachFromGoal = [&](auto visitor) {
         for (std::uint32_t node = mGoal; mRecords[node].mParentEdge != noEdge;
@@ -154,7 +159,7 @@ float MeshSearch::getPath(NavMeshContainer::Vector<std::uint32_t>& nodes) {
 
 MeshSearch::NodeState MeshSearch::stateOf(std::uint32_t nodeID) {
     stopCounting();
-    switch (mRecords[mGraph.numberOf(nodeID)].state()) {
+    switch (mRecords[mGraph.numberOf(nodeID)].mState) {
     case SearchRecord::UNVISITED:
         return NODE_UNVISITED;
     case SearchRecord::CLOSED:

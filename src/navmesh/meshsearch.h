@@ -1,6 +1,5 @@
 #pragma once
 
-#include "navmesh/meshgraph.h"
 #include "navmesh/searchopenlist.h"
 
 namespace ZUNO::NavMesh {
@@ -14,12 +13,12 @@ namespace ZUNO::NavMesh {
 /// When what can be reached from the start is known and the goal is not in it, the plain search
 /// expands each of these nodes once and finds no path: such a search only counts.
 ///
-/// Owns nothing of the graph or the pool, which must outlive it. For one thread at a time; any
-/// number over one graph, and as many as one likes, of one thread, over one pool.
+/// Owns nothing of the graph or the memory, which must outlive it. For one thread at a time; any
+/// number over one graph, and as many as one likes, of one thread, over one memory.
 class MeshSearch {
 public:
-    MeshSearch(const MeshGraph& graph, BlockPool& pool,
-               const Common::SharedPtr<Common::Memory::Allocator>& allocator);
+    /// Throws OutOfMemoryException.
+    MeshSearch(const MeshGraph& graph, SearchMemory& memory);
 
     /// Begins a search, whatever the former one was; `ends` names nodes of the mesh. Throws
     /// OutOfMemoryException, and may then be called again.
@@ -33,9 +32,9 @@ public:
     /// Fills `nodes` with the numbers in the graph of the nodes that the found path enters, up to
     /// the goal, and returns its cost. Throws OutOfMemoryException, and `nodes` is then empty. Only
     /// after SEARCH_FOUND.
-    float getPath(NavMeshContainer::Vector<std::uint32_t>& nodes);
+    float getPath(BlockPool::Vector<std::uint32_t>& nodes);
 
-    /// Ends the search and gives its pages back to the pool. Needs no memory.
+    /// Ends the search and gives its records back to the pool. Needs no memory.
     void end();
 
     /// What a search knows of a node, for those who look on.
@@ -46,17 +45,13 @@ public:
 
 private:
     using Point = NavMeshContainer::Point3;
-    /// What an edge leads to, and what it costs.
-    struct Step {
-        SearchRecord* mEnd;
-        float mCost;
-    };
 
     void open();
     std::int32_t search(std::uint32_t budget);
     void stopCounting();
-    void prepare(std::uint32_t node);
     void expand(std::uint32_t node);
+    std::span<const SearchStep> findSteps(std::uint32_t node, float g);
+    void take(std::uint32_t node, const SearchStep& step);
     void passSavingOn(std::uint32_t node, std::uint32_t parentEdge, float g);
     void pushWaiting(std::uint32_t node);
     float costOf(std::uint32_t node, const MeshGraph::Edge& edge) const {
@@ -66,12 +61,11 @@ private:
     float measure(std::uint32_t node, const MeshGraph::Edge& edge) const;
 
     const MeshGraph& mGraph;
+    SearchMemory& mMemory;
     SearchRecords mRecords;
     SearchOpenList mOpen;
-    NavMeshContainer::Vector<Step> mSteps; ///< over the edges of the node that is expanded
-    NavMeshContainer::Vector<std::uint32_t> mWaiting; ///< nodes whose saving is to be passed on
-    std::uint32_t mVisited = 0;                       ///< nodes that were opened
-    std::uint32_t mStart = 0;                         ///< as all nodes here: the graph's number
+    std::uint32_t mVisited = 0; ///< nodes that were opened
+    std::uint32_t mStart = 0;   ///< as all nodes here: the graph's number
     std::uint32_t mGoal = 0;
     Point mStartPos{0, 0, 0};
     Point mGoalPos{0, 0, 0};

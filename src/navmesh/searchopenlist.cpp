@@ -5,156 +5,168 @@
 
 namespace ZUNO::NavMesh {
 
-void SearchOpenList::grow(std::size_t records) {
-    mSorted.reserve(std::max(mSorted.capacity(), 2 * (mSorted.size() + records)));
-    mOverflow.reserve(std::max(mOverflow.capacity(), 2 * (mOverflow.size() + records)));
+namespace {
+
+/// `mF` with NaN read as infinity, so that it can be ordered. NaN arises when costs overflow.
+float orderOf(const OpenEntry& entry) {
+    return entry.mF == entry.mF ? entry.mF : std::numeric_limits<float>::infinity();
 }
 
-// Behind all records of the same cost. The walk begins at the best, because savings that were
-// passed on may have lowered records in their places: the list need not be sorted.
-void SearchOpenList::insert(SearchRecord& record) {
-    record.setState(SearchRecord::SORTED);
-    const Entry entry{record.mF, record.node()};
+/// Turns each run of equal costs round.
+template <typename Iterator>
+void reverseEqualRuns(Iterator begin, Iterator end) {
+    while (begin != end) {
+        const float cost = orderOf(*begin);
+        const auto next = std::find_if(
+            begin, end, [=](const OpenEntry& entry) { return orderOf(entry) != cost; });
+        std::reverse(begin, next);
+        begin = next;
+    }
+}
+
+} // namespace
+
+void SearchOpenList::grow(std::size_t entries) {
+    for (Entries* const part : {&mSorted, &mOverflow})
+        part->reserve(std::max({part->capacity(), 2 * (part->size() + entries), firstRoom}));
+}
+
+// Behind all of the same cost, and before the first, which costs more. The walk begins at the best,
+// because savings that were passed on may have lowered records in their places: the list need not
+// be sorted.
+void SearchOpenList::insert(OpenEntry entry) {
     mSorted.push_back(entry);
-    auto place = mSorted.end() - 1;
-    for (; place != mSorted.begin() && !(entry.mF < (place - 1)->mF); --place)
-        *place = *(place - 1);
+    OpenEntry* place = &mSorted.back();
+    for (; !(entry.mF < place[-1].mF); --place)
+        *place = place[-1];
     *place = entry;
 }
 
-NavMeshContainer::Vector<SearchOpenList::Entry>::iterator SearchOpenList::find(std::uint32_t node) {
-    return std::find_if(mSorted.begin(), mSorted.end(),
-                        [=](const Entry& entry) { return entry.mNode == node; });
+void SearchOpenList::reposition(const OpenEntry& entry) {
+    const auto isIt = [&](const OpenEntry& other) { return other.mNode == entry.mNode; };
+    const auto sorted = std::find_if(mSorted.begin(), mSorted.end(), isIt);
+    if (sorted == mSorted.end())
+        return updateCost(entry); // order means nothing in the overflow
+    mSorted.erase(sorted);
+    push(entry);
 }
 
-void SearchOpenList::reposition(SearchRecord& record) {
-    if (record.state() != SearchRecord::SORTED)
-        return;
-    const auto place = find(record.node());
-    if (place == mSorted.end())
-        return; // it was taken out
-    mSorted.erase(place);
-    push(record);
+void SearchOpenList::updateCost(const OpenEntry& entry) {
+    for (Entries* const part : {&mSorted, &mOverflow})
+        for (OpenEntry& other : *part)
+            if (other.mNode == entry.mNode)
+                other.mF = entry.mF;
 }
 
-void SearchOpenList::updateCost(const SearchRecord& record) {
-    if (record.state() != SearchRecord::SORTED)
-        return;
-    if (const auto place = find(record.node()); place != mSorted.end())
-        place->mF = record.mF;
-}
-
-/// The records that a refill takes, cheapest first. Where the plain list appends and sorts at the
-/// end, this keeps them sorted. A record's rank in the plain list's sequence decides between equal
-/// costs: the first records have falling ranks, those that are exchanged for a worse one rising
-/// ranks above them. Records of equal cost stand here by falling rank, so that
+/// The entries that a refill takes: the first ones, and later ones that were exchanged for a worse
+/// one, both kept sorted, cheapest first. Where the plain list appends and sorts at the end, this
+/// sorts the first ones and then keeps the order. An entry's rank in the plain list's sequence
+/// decides between equal costs: the first entries have falling ranks, later ones rising ranks above
+/// them. Entries of equal cost stand here by falling rank, so that
 /// - one of the first goes behind its equals, a later one before them;
-/// - the worst, of equals that of the lowest rank, is the last one. Only before the first exchange
-///   the plain list has another worst: of equals the first taken, which has the highest rank.
+/// - the worst, of equals that of the lowest rank, is the last of the first ones, or else of the
+///   later ones. Only before the first exchange the plain list has another worst: of equals the
+///   first taken, which has the highest rank.
 /// At the end each run of equals is turned round, as the plain list's stable sort leaves it.
 class SearchOpenList::Selection {
 public:
-    Selection() { std::fill(std::begin(mCosts), std::end(mCosts), none); }
-
-    /// Takes one of the first records, up to the limit.
-    void takeFirst(SearchRecord* record) {
-        const float cost = costOf(*record);
-        std::size_t place = mCount++;
-        for (; place != 0 && cost < mCosts[place - 1]; --place)
-            copy(place - 1, place);
-        set(place, cost, record);
+    /// Takes the first entries, at most as many as the limit. Each goes where so many are cheaper,
+    /// behind its equals that came before.
+    Selection(const OpenEntry* entries, std::size_t count) : mFirstCount(count) {
+        constexpr float none = std::numeric_limits<float>::infinity();
+        float costs[capacity];
+        std::fill(std::begin(costs), std::end(costs), none);
+        std::transform(entries, entries + count, costs, orderOf);
+        std::fill(std::begin(mCosts), std::end(mCosts), free);
+        for (std::size_t i = 0; i < count; ++i) {
+            std::int32_t place = 0; // counted without branches, four at a time
+#pragma GCC unroll 13
+            for (std::size_t k = 0; k < capacity; ++k)
+                place += costs[k] < costs[i] ? 1 : 0;
+            while (mCosts[place] != free)
+                ++place;
+            mCosts[place] = costs[i];
+            mFirst[place] = entries[i];
+        }
+        mWorst = mCosts[count - 1];
     }
-    /// Sets what the first exchange drops.
-    void findFirstWorst() {
-        mWorst = mCount - 1;
-        while (mWorst != 0 && mCosts[mWorst - 1] == mCosts[mWorst])
-            --mWorst;
+    bool isBetter(const OpenEntry& entry) const {
+        return entry.mF < mWorst;
     }
-    bool isBetter(const SearchRecord& record) const { return record.mF < mCosts[mWorst]; }
 
-    /// Takes a better record than the worst, which is returned. Only with as many as the limit.
-    SearchRecord* exchange(SearchRecord* better) {
-        SearchRecord* const dropped = mRecords[mWorst];
-        std::int32_t place = 0; // counted without branches, four at a time
-        for (std::size_t i = 0; i < capacity; ++i)
-            place += mCosts[i] < better->mF ? 1 : 0;
-        std::move_backward(mCosts + place, mCosts + mWorst, mCosts + mWorst + 1);
-        std::move_backward(mRecords + place, mRecords + mWorst, mRecords + mWorst + 1);
-        set(static_cast<std::size_t>(place), better->mF, better);
-        mWorst = refillLimit - 1;
+    /// Takes a better entry than the worst, which is returned.
+    OpenEntry exchange(const OpenEntry& better) {
+        if (mLaterCount == 0) // there was no exchange before
+            moveFirstTakenWorstToTheEnd();
+        const OpenEntry dropped = takeWorst();
+        OpenEntry* place = mLater + mLaterCount++;
+        for (; place != mLater && !(place[-1].mF < better.mF); --place)
+            *place = place[-1];
+        *place = better;
+        mWorst = mLater[mLaterCount - 1].mF; // it was better: no NaN
+        if (mFirstCount != 0)
+            mWorst = std::max(mWorst, mCosts[mFirstCount - 1]);
         return dropped;
     }
 
-    /// Calls `visitor(record)` for all of them, the last to leave first.
-    template <typename Visitor>
-    void visitFromWorst(Visitor visitor) {
-        for (std::size_t end = mCount; end != 0;) { // a run of equals at a time, by falling rank
-            std::size_t begin = end - 1;
-            while (begin != 0 && mCosts[begin - 1] == mCosts[end - 1])
-                --begin;
-            for (std::size_t i = begin; i != end; ++i)
-                visitor(*mRecords[i]);
-            end = begin;
-        }
+    /// Fills an empty array with all, the last to leave first.
+    void moveTo(Entries& entries) {
+        while (mFirstCount + mLaterCount != 0)
+            entries.push_back(takeWorst());
+        reverseEqualRuns(entries.begin(), entries.end());
     }
 
 private:
-    static constexpr float none = std::numeric_limits<float>::infinity();
     static constexpr std::size_t capacity = (refillLimit + 3) / 4 * 4;
+    static constexpr float free = -1; ///< no cost is negative
 
-    /// `mF` with NaN read as infinity, so that it can be ordered. NaN arises when costs overflow.
-    static float costOf(const SearchRecord& record) {
-        return record.mF == record.mF ? record.mF : none;
+    void moveFirstTakenWorstToTheEnd() {
+        OpenEntry* const end = mFirst + mFirstCount;
+        OpenEntry* worst = end - 1;
+        while (worst != mFirst && orderOf(worst[-1]) == mWorst)
+            --worst;
+        std::rotate(worst, worst + 1, end);
     }
-    void set(std::size_t place, float cost, SearchRecord* record) {
-        mCosts[place] = cost;
-        mRecords[place] = record;
+    OpenEntry takeWorst() {
+        const bool isLater =
+            mLaterCount != 0 &&
+            (mFirstCount == 0 || mCosts[mFirstCount - 1] < mLater[mLaterCount - 1].mF);
+        return isLater ? mLater[--mLaterCount] : mFirst[--mFirstCount];
     }
-    void copy(std::size_t from, std::size_t to) { set(to, mCosts[from], mRecords[from]); }
 
-    float mCosts[capacity];
-    SearchRecord* mRecords[capacity];
-    std::size_t mCount = 0;
-    std::size_t mWorst = 0;
+    float mCosts[capacity]; ///< of the first ones, ordered, and `free` behind them
+    OpenEntry mFirst[capacity];
+    OpenEntry mLater[capacity];
+    std::size_t mFirstCount;
+    std::size_t mLaterCount = 0;
+    float mWorst;
 };
 
 void SearchOpenList::refill() {
     mReturned.clear();
     mReturned.reserve(mOverflow.size()); // from here on nothing can fail
     mSorted.reserve(refillLimit);
-    Selection selection;
     const std::size_t count = std::min(mOverflow.size(), refillLimit);
-    for (std::size_t i = 0; i < count; ++i)
-        selection.takeFirst(mOverflow[i]);
-    selection.findFirstWorst();
+    Selection selection(mOverflow.data(), count);
     auto kept = mOverflow.begin() + static_cast<std::ptrdiff_t>(count);
     for (auto next = kept; next != mOverflow.end(); ++next) {
-        if (selection.isBetter(**next))
+        if (selection.isBetter(*next))
             mReturned.push_back(selection.exchange(*next));
         else
             *kept++ = *next;
     }
     mOverflow.erase(kept, mOverflow.end());
     returnToOverflow(count);
-    selection.visitFromWorst([&](SearchRecord& record) {
-        record.setState(SearchRecord::SORTED);
-        mSorted.push_back({record.mF, record.node()});
-    });
+    selection.moveTo(mSorted);
 }
 
-/// Replaces the first records of the overflow, which were taken, by those that went back: the
+/// Replaces the first entries of the overflow, which were taken, by those that went back: the
 /// latest first.
 void SearchOpenList::returnToOverflow(std::size_t taken) {
     std::reverse(mReturned.begin(), mReturned.end());
-    const auto rest = mOverflow.begin() + static_cast<std::ptrdiff_t>(taken);
-    if (mReturned.size() <= taken) {
-        const auto begin = rest - static_cast<std::ptrdiff_t>(mReturned.size());
-        std::copy(mReturned.begin(), mReturned.end(), begin);
-        mOverflow.erase(mOverflow.begin(), begin);
-    } else {
-        mReturned.insert(mReturned.end(), rest, mOverflow.end());
-        mOverflow.swap(mReturned);
-    }
+    mReturned.insert(mReturned.end(), mOverflow.begin() + static_cast<std::ptrdiff_t>(taken),
+                     mOverflow.end());
+    mOverflow.assign(mReturned.begin(), mReturned.end());
 }
 
 } // namespace ZUNO::NavMesh

@@ -1,19 +1,19 @@
 #pragma once
 
-#include "navmesh/searchrecords.h"
+#include "navmesh/searchmemory.h"
 
 namespace ZUNO::NavMesh {
 
 /// `Common::Astar::AStarOpenList` made fast: records leave it in the same order.
 ///
-/// The sorted part is an array with the best at its end, and costs lie beside the nodes: looking
-/// for a place touches no record. A record knows which part it is in, so that one in the overflow,
-/// whose place does not change, is not looked for. Sequences, and with them every decision between
-/// equal costs, are those of the plain list; see `refill` for the one step that goes another way.
+/// Both parts are arrays of costs beside nodes, the sorted one with the best at its end: neither
+/// looking for a place nor a refill touches a record. Sequences, and with them every decision
+/// between equal costs, are those of the plain list; see `refill` for the one step that goes
+/// another way.
 class SearchOpenList {
 public:
-    explicit SearchOpenList(const Common::SharedPtr<Common::Memory::Allocator>& allocator)
-        : mSorted(allocator), mOverflow(allocator), mReturned(allocator) {}
+    explicit SearchOpenList(SearchMemory& memory)
+        : mSorted(memory.mPool), mOverflow(memory.mPool), mReturned(memory.mReturned) {}
 
     bool isEmpty() const { return mSorted.empty() && mOverflow.empty(); }
     /// Returns the best node; the list must not be empty. Throws OutOfMemoryException, and then
@@ -26,26 +26,24 @@ public:
     /// Removes what `best` returned.
     void removeBest() { mSorted.pop_back(); }
 
-    /// Makes room, so that so many records can be pushed or repositioned without memory. Throws
+    /// Makes room, so that so many entries can be pushed or repositioned without memory. Throws
     /// OutOfMemoryException, and then nothing has changed.
-    void makeRoom(std::size_t records) {
-        if (mSorted.capacity() - mSorted.size() < records ||
-            mOverflow.capacity() - mOverflow.size() < records)
-            grow(records);
+    void makeRoom(std::size_t entries) {
+        if (mSorted.capacity() - mSorted.size() < entries ||
+            mOverflow.capacity() - mOverflow.size() < entries)
+            grow(entries);
     }
-    /// Opens a record that is in neither part.
-    void push(SearchRecord& record) {
-        if (mSorted.empty() || !(record.mF < mSorted.front().mF)) {
-            record.setState(SearchRecord::OVERFLOWING);
-            mOverflow.push_back(&record);
-        } else {
-            insert(record);
-        }
+    /// Opens a node that is in neither part. Called for each node that a search visits.
+    [[gnu::always_inline]] void push(const OpenEntry& entry) {
+        if (mSorted.empty() || !(entry.mF < mSorted.front().mF))
+            mOverflow.push_back(entry);
+        else
+            insert(entry);
     }
-    /// Finds a new place for an open record whose cost was lowered.
-    void reposition(SearchRecord& record);
-    /// Learns the cost of an open record that keeps its place although it was lowered.
-    void updateCost(const SearchRecord& record);
+    /// Finds a new place for a node whose cost was lowered, if it is in the list.
+    void reposition(const OpenEntry& entry);
+    /// Learns the cost of a node that keeps its place although it was lowered, if it is there.
+    void updateCost(const OpenEntry& entry);
 
     void clear() {
         mSorted.clear();
@@ -53,24 +51,22 @@ public:
     }
 
 private:
-    /// How many records a refill moves into the sorted part.
+    /// How many entries a refill moves into the sorted part.
     static constexpr std::size_t refillLimit = 50;
+    /// What both parts have room for from the beginning.
+    static constexpr std::size_t firstRoom = BlockPool::blockSize / sizeof(OpenEntry);
 
-    struct Entry {
-        float mF; ///< the record's
-        std::uint32_t mNode;
-    };
+    using Entries = BlockPool::Vector<OpenEntry>;
     class Selection;
 
-    void grow(std::size_t records);
-    void insert(SearchRecord& record);
-    NavMeshContainer::Vector<Entry>::iterator find(std::uint32_t node);
+    void grow(std::size_t entries);
+    void insert(OpenEntry entry);
     void refill();
     void returnToOverflow(std::size_t taken);
 
-    NavMeshContainer::Vector<Entry> mSorted;           ///< the best last
-    NavMeshContainer::Vector<SearchRecord*> mOverflow; ///< in the order in which a refill looks
-    NavMeshContainer::Vector<SearchRecord*> mReturned; ///< while a refill runs
+    Entries mSorted;    ///< the best last
+    Entries mOverflow;  ///< in the order in which a refill looks
+    Entries& mReturned; ///< while a refill runs
 };
 
 } // namespace ZUNO::NavMesh

@@ -1,49 +1,8 @@
 #include "navmesh/searchrecords.h"
 
 #include <algorithm>
-#include <new>
 
 namespace ZUNO::NavMesh {
-
-namespace {
-
-constexpr std::size_t blocksPerChunk = 15;
-
-} // namespace
-
-void BlockPool::clear() {
-    mFree = nullptr;
-    while (mChunks != nullptr) {
-        Link* const next = mChunks->mNext;
-        Common::Memory::releaseBytes(mAllocator, mChunks);
-        mChunks = next;
-    }
-}
-
-void* BlockPool::take() {
-    if (mFree == nullptr)
-        makeBlocks();
-    Link* const block = mFree;
-    mFree = block->mNext;
-    return block;
-}
-
-void BlockPool::giveBack(void* block) {
-    mFree = ::new (block) Link{mFree};
-}
-
-// A chunk begins with its link; the blocks lie at the next multiples of a cache line.
-void BlockPool::makeBlocks() {
-    constexpr std::size_t alignment = 64;
-    void* const chunk = Common::Memory::allocateBytes(
-        mAllocator, 1, sizeof(Link) + alignment + blocksPerChunk * blockSize);
-    mChunks = ::new (chunk) Link{mChunks};
-    auto* const behindLink = static_cast<std::byte*>(chunk) + sizeof(Link);
-    const auto misfit = reinterpret_cast<std::uintptr_t>(behindLink) % alignment;
-    std::byte* const first = behindLink + (alignment - misfit) % alignment;
-    for (std::size_t i = blocksPerChunk; i-- != 0;) // they are taken in ascending order
-        giveBack(first + i * blockSize);
-}
 
 constexpr SearchRecords::Table SearchRecords::tableOfEmptyPages() {
     Table table{};
@@ -54,16 +13,14 @@ constexpr SearchRecords::Table SearchRecords::tableOfEmptyPages() {
 constinit SearchRecords::Page SearchRecords::sEmptyPage{};
 constinit SearchRecords::Table SearchRecords::sEmptyTable = tableOfEmptyPages();
 
-SearchRecords::SearchRecords(std::uint32_t nodeCount, BlockPool& pool,
-                             const Common::SharedPtr<Common::Memory::Allocator>& allocator)
-    : mPool(pool),
-      mTables(nodeCount / (recordsPerPage * pagesPerTable) + 1, &sEmptyTable, allocator) {}
+SearchRecords::SearchRecords(std::uint32_t nodeCount, BlockPool& pool)
+    : mTables(nodeCount / (recordsPerPage * pagesPerTable) + 1, &sEmptyTable, pool) {}
 
 SearchRecord& SearchRecords::makePage(std::uint32_t node) {
     Table*& table = mTables[node / (recordsPerPage * pagesPerTable)];
     if (table == &sEmptyTable)
-        table = ::new (mPool.take()) Table(sEmptyTable);
-    Page* const page = ::new (mPool.take()) Page;
+        table = pool().create<Table>(sEmptyTable);
+    Page* const page = pool().create<Page>();
     table->mPages[node / recordsPerPage % pagesPerTable] = page;
     return page->mRecords[node % recordsPerPage];
 }
@@ -74,8 +31,8 @@ void SearchRecords::clear() {
             continue;
         for (Page* const page : table->mPages)
             if (page != &sEmptyPage)
-                mPool.giveBack(page);
-        mPool.giveBack(table);
+                pool().destroy(page);
+        pool().destroy(table);
         table = &sEmptyTable;
     }
 }

@@ -1,26 +1,17 @@
 #pragma once
 
 #include "common/astar/astarnode.h"
-#include "navmesh/navmeshcontainer.h"
+#include "navmesh/blockpool.h"
+
+#include <cstdint>
+#include <limits>
 
 namespace ZUNO::NavMesh {
 
-/// What a search knows of one node: an `AStarNode`, and with it which node and how far it is.
+/// What a search knows of one node: an `AStarNode`, and its state.
 struct SearchRecord {
-    enum State : std::uint32_t {
-        UNVISITED,
-        OVERFLOWING, ///< open, in the open list's overflow
-        SORTED,      ///< open, in the open list's sorted part, or just taken out of it
-        CLOSED
-    };
+    enum State : std::uint32_t { UNVISITED, OPEN, CLOSED };
 
-    SearchRecord() = default;
-    SearchRecord(std::uint32_t node, std::uint32_t parentEdge, float g, float h)
-        : mF(g + h), mG(g), mParentEdge(parentEdge), mNodeAndState(node << 2) {}
-
-    std::uint32_t node() const { return mNodeAndState >> 2; }
-    State state() const { return static_cast<State>(mNodeAndState & 3U); }
-    void setState(State state) { mNodeAndState = (mNodeAndState & ~3U) | state; }
     void setCheaperPath(std::uint32_t parentEdge, float g) {
         mF = mF - mG + g;
         mG = g;
@@ -28,50 +19,18 @@ struct SearchRecord {
     }
 
     float mF = 0;
-    float mG = 0;
+    float mG = std::numeric_limits<float>::quiet_NaN(); ///< of an unvisited node: no cost is more
     std::uint32_t mParentEdge = 0;
-
-private:
-    std::uint32_t mNodeAndState = UNVISITED;
-};
-
-/// Blocks of one size for the searches of a world, from the world's allocator. What a search gives
-/// back serves the next one; the allocator gets all of it when the pool ends.
-class BlockPool {
-public:
-    static constexpr std::size_t blockSize = 512;
-
-    explicit BlockPool(const Common::SharedPtr<Common::Memory::Allocator>& allocator)
-        : mAllocator(allocator) {}
-    ~BlockPool() { clear(); }
-    BlockPool(const BlockPool&) = delete;
-    BlockPool& operator=(const BlockPool&) = delete;
-
-    /// Returns an aligned block with whatever it held. Throws OutOfMemoryException.
-    void* take();
-    void giveBack(void* block);
-    /// Gives all memory back to the allocator; no block may be in use.
-    void clear();
-
-private:
-    struct Link {
-        Link* mNext;
-    };
-    void makeBlocks();
-
-    Common::SharedPtr<Common::Memory::Allocator> mAllocator;
-    Link* mFree = nullptr;
-    Link* mChunks = nullptr; ///< what the allocator gave
+    State mState = UNVISITED;
 };
 
 /// The records of a search by node number, in pages that are taken when one of their nodes is first
 /// visited, and found through tables that are taken likewise. What was not taken yet is stood for
 /// by one empty page and one table of it, so that reading asks nothing. A search costs what it
-/// visits, and a pointer for each 1,024 nodes of its graph.
+/// visits, and a pointer for each 2,048 nodes of its graph.
 class SearchRecords {
 public:
-    SearchRecords(std::uint32_t nodeCount, BlockPool& pool,
-                  const Common::SharedPtr<Common::Memory::Allocator>& allocator);
+    SearchRecords(std::uint32_t nodeCount, BlockPool& pool);
     ~SearchRecords() { clear(); }
     SearchRecords(const SearchRecords&) = delete;
     SearchRecords& operator=(const SearchRecords&) = delete;
@@ -96,7 +55,7 @@ public:
 
 private:
     static constexpr std::uint32_t recordsPerPage = BlockPool::blockSize / sizeof(SearchRecord);
-    static constexpr std::uint32_t pagesPerTable = 32;
+    static constexpr std::uint32_t pagesPerTable = BlockPool::blockSize / sizeof(void*);
 
     struct Page {
         SearchRecord mRecords[recordsPerPage];
@@ -111,8 +70,9 @@ private:
     static Table sEmptyTable;
     static constexpr Table tableOfEmptyPages();
 
-    BlockPool& mPool;
-    NavMeshContainer::Vector<Table*> mTables;
+    BlockPool& pool() { return mTables.get_allocator().pool(); }
+
+    BlockPool::Vector<Table*> mTables;
 };
 
 } // namespace ZUNO::NavMesh

@@ -38,7 +38,7 @@ void warnOfSingularPlane() {
 } // namespace
 
 NavMeshInstance::NavMeshInstance()
-    : mSearches(mAllocator), mAStarPool(mAllocator), mRecordPool(mAllocator) {}
+    : mSearchMemory(mAllocator), mSearches(mAllocator), mAStarPool(mAllocator) {}
 
 NavMeshInstance::~NavMeshInstance() {
     destroySearches();

@@ -110,9 +110,9 @@ private:
     Raytracer::RayTracer* mRayTracer = nullptr;
     NavMesh::MeshGraph* mAStarMap = nullptr;
     NavMesh::NodeLocator* mLocator = nullptr;
+    NavMesh::SearchMemory mSearchMemory; ///< what all searches draw from
     Common::Container::IDVector<PathSearch> mSearches;
     NavMesh::NavMeshContainer::Vector<NavMesh::MeshSearch*> mAStarPool; ///< last in, first out
-    NavMesh::BlockPool mRecordPool;
     Matrix2 mPlaneTransform;
     Matrix2 mInversePlaneTransform;
 };

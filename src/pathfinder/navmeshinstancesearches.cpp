@@ -22,7 +22,7 @@ std::int32_t NavMeshInstance::initPathSearch(const Vec3& start, const Vec3& goal
     OwnedAStar aStar = takeAStar();
     aStar->begin(
         {start, goal, static_cast<std::uint32_t>(startNode), static_cast<std::uint32_t>(goalNode)});
-    PathSearch search(mAllocator);
+    PathSearch search(mSearchMemory.mPool);
     search.mAStar = aStar.get();
     const std::uint32_t id = mSearches.insert(search);
     aStar.release(); // the record's from here on
@@ -84,8 +84,7 @@ MeshSearch* NavMeshInstance::inspectSearch(std::int32_t id) {
 
 NavMeshInstance::OwnedAStar NavMeshInstance::takeAStar() {
     if (mAStarPool.empty())
-        return {Common::Memory::createObject<MeshSearch>(mAllocator, *mAStarMap, mRecordPool,
-                                                         mAllocator),
+        return {Common::Memory::createObject<MeshSearch>(mAllocator, *mAStarMap, mSearchMemory),
                 {this}};
     OwnedAStar aStar(mAStarPool.back(), {this});
     mAStarPool.pop_back();
@@ -104,7 +103,7 @@ void NavMeshInstance::destroySearches() {
     for (auto search = mSearches.begin(); search != mSearches.end(); ++search)
         Common::Memory::destroyObject(mAllocator, (*search).mAStar);
     mSearches.clear();
-    mRecordPool.clear();
+    mSearchMemory.clear();
 }
 
 } // namespace ZUNO::Pathfinder

@@ -6,16 +6,14 @@ namespace ZUNO::Pathfinder {
 
 /// One open search. Its A* object belongs to the world.
 struct PathSearch {
-    explicit PathSearch(const Common::SharedPtr<Common::Memory::Allocator>& allocator)
-        : mPath(allocator), mAllocator(allocator) {}
+    explicit PathSearch(NavMesh::BlockPool& pool) : mPath(pool) {}
 
     NavMesh::MeshSearch* mAStar = nullptr;
     /// The nodes that the path enters, by the graph's numbers; filled for the first waypoint.
-    NavMesh::NavMeshContainer::Vector<std::uint32_t> mPath;
+    NavMesh::BlockPool::Vector<std::uint32_t> mPath;
     std::int32_t mNextWaypoint = -1; ///< the next node to deliver; -1: no path read yet
     float mCost = 0;                 ///< 0 until the path is read
     std::int32_t mState = Common::Astar::SEARCH_RUNNING; ///< the last SearchResult
-    Common::SharedPtr<Common::Memory::Allocator> mAllocator;
 };
 
 } // namespace ZUNO::Pathfinder

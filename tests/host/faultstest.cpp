@@ -161,7 +161,7 @@ TEST_F(FaultsTest, ASearchGoesOnAfterARefusedRequestAsIfNothingWere) {
             mMemory->mFailingRequest = 0;
             mMemory->mFailsOnwards = false;
         }
-        EXPECT_GT(mFaults, 5U);
+        EXPECT_GT(mFaults, 4U);
         mFaults = 0;
         Interface::close();
     }

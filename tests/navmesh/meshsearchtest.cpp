@@ -66,7 +66,8 @@ protected:
     void expectSameEnd(PlainSearch& plain, MeshSearch& fast, const MeshGraph& graph) {
         std::vector<std::uint32_t> expected;
         const float cost = plain.getPath(expected);
-        NavMeshContainer::Vector<std::uint32_t> nodes(Memory::processHeap());
+        BlockPool pool(Memory::processHeap());
+        BlockPool::Vector<std::uint32_t> nodes(pool);
         EXPECT_EQ(std::bit_cast<std::uint32_t>(fast.getPath(nodes)),
                   std::bit_cast<std::uint32_t>(cost));
         ASSERT_EQ(nodes.size(), expected.size());
@@ -78,8 +79,8 @@ protected:
     void compare(const SharedPtr<NavMeshContainer>& mesh, int searches) {
         const auto count = static_cast<std::uint32_t>(mesh->mNodes.size());
         const MeshGraph graph(mesh, Memory::processHeap());
-        BlockPool pool(Memory::processHeap());
-        MeshSearch fast(graph, pool, Memory::processHeap());
+        SearchMemory memory(Memory::processHeap());
+        MeshSearch fast(graph, memory);
         AStarMapNavMesh map(mesh);
         PlainSearch plain(mesh, map, Memory::processHeap());
         for (int i = 0; i < searches; ++i) {
@@ -134,8 +135,8 @@ TEST_F(MeshSearchTest, CountsWhatItWouldExpandInVain) {
         if (isOneWay)
             mesh->mNodes[static_cast<std::size_t>(first)].mNeighbours[0] = 3;
         const MeshGraph graph(mesh, Memory::processHeap());
-        BlockPool pool(Common::getAllocator());
-        MeshSearch fast(graph, pool, Memory::processHeap());
+        SearchMemory memory(Common::getAllocator());
+        MeshSearch fast(graph, memory);
         AStarMapNavMesh map(mesh);
         PlainSearch plain(mesh, map, Memory::processHeap());
         for (const bool goesBack : {false, true})
@@ -151,7 +152,7 @@ TEST_F(MeshSearchTest, CountsWhatItWouldExpandInVain) {
                         graph.countVainExpansions(graph.numberOf(ends.mStartNode),
                                                   graph.numberOf(ends.mGoalNode)) != 0;
                     EXPECT_EQ(isVain, !isOneWay);
-                    EXPECT_EQ(mMemory->mRequests == 0, isVain) << "counting takes no memory";
+                    EXPECT_TRUE(mMemory->mRequests == 0 || !isVain) << "counting takes no memory";
                     for (std::int32_t state = 1, slices = 0; state == 1; ++slices) {
                         EXPECT_EQ(fast.run(0), 1);
                         state = plain.run(budget);
@@ -161,7 +162,6 @@ TEST_F(MeshSearchTest, CountsWhatItWouldExpandInVain) {
                     }
                     EXPECT_EQ(fast.run(3), plain.run(3)) << "it stays ended";
                     fast.end();
-                    pool.clear();
                 }
     }
 }
@@ -184,11 +184,14 @@ TEST_F(MeshSearchTest, GoesOnAfterARefusedRequestAsIfNothingWere) {
                 states.push_back(stateOf(search, node));
             return states;
         };
-        for (int i = 0; i < 25; ++i) {
+        for (int i = 0; i < 150; ++i) {
             const SearchEnds ends = pickEnds(*mesh);
             for (unsigned int n = 1, isOver = 0; isOver == 0; ++n) {
-                BlockPool pool(host);
-                MeshSearch fast(graph, pool, host);
+                SearchMemory searchMemory(host);
+                MeshSearch fast(graph, searchMemory);
+                std::vector<void*> taken; // so that the pool asks for more at another time
+                while (taken.size() < static_cast<std::size_t>(i % 15))
+                    taken.push_back(searchMemory.mPool.take());
                 plain.begin(ends);
                 memory->mRequests = 0;
                 memory->mFailingRequest = n;
@@ -206,6 +209,8 @@ TEST_F(MeshSearchTest, GoesOnAfterARefusedRequestAsIfNothingWere) {
                 }
                 isOver = memory->mRequests < n ? 1 : 0;
                 memory->mFailingRequest = 0;
+                for (void* const block : taken)
+                    searchMemory.mPool.giveBack(block);
             }
         }
     }

@@ -79,8 +79,8 @@ TEST_F(ThreadsTest, SearchesOfTheirOwnShareOneGraph) {
     NavMesh::MeshGraph graph(mesh, gObjectAllocator);
     const NavMesh::NodeLocator locator(mesh, gObjectAllocator);
     const auto search = [&](unsigned int seed) {
-        NavMesh::BlockPool pool(gObjectAllocator);
-        NavMesh::MeshSearch aStar(graph, pool, gObjectAllocator);
+        NavMesh::SearchMemory memory(gObjectAllocator);
+        NavMesh::MeshSearch aStar(graph, memory);
         std::mt19937 random(seed);
         double sum = 0;
         for (int i = 0; i < 60; ++i) {
@@ -93,7 +93,7 @@ TEST_F(ThreadsTest, SearchesOfTheirOwnShareOneGraph) {
                          static_cast<std::uint32_t>(locator.findNode(to))});
             if (aStar.run(100000) != Astar::SEARCH_FOUND)
                 continue;
-            NavMesh::NavMeshContainer::Vector<std::uint32_t> path(gObjectAllocator);
+            NavMesh::BlockPool::Vector<std::uint32_t> path(memory.mPool);
             sum += aStar.getPath(path);
         }
         return sum;
