@@ -6,23 +6,35 @@
 
 namespace ZUNO::Tools {
 
+namespace {
+
+/// A length in cells. What a number misses a whole one by for being a float is not a part of a
+/// cell: 0.6 is three cells of 0.2.
+double cellsIn(float length, double side) {
+    const double cells = length / side;
+    const double whole = std::round(cells);
+    return std::abs(cells - whole) <= whole * 1e-6 ? whole : cells;
+}
+
+} // namespace
+
 CellSettings::CellSettings(const BakeSettings& settings) {
     constexpr double tallest = 254; // what Recast counts as clearance
-    const auto cellsUp = [&](float length) { return std::ceil(length / settings.mCellHeight); };
     for (const Agent& agent : settings.mAgents) {
-        if (cellsUp(agent.mHeight) > tallest)
+        const double height = std::ceil(cellsIn(agent.mHeight, settings.mCellHeight));
+        if (height > tallest)
             throw std::runtime_error("agent " + agent.mName +
                                      " is more than 254 cells high: "
                                      "choose a larger --cell-height");
-        mAgentHeights.push_back(std::max(static_cast<int>(cellsUp(agent.mHeight)), 3));
+        mAgentHeights.push_back(std::max(static_cast<int>(height), 3));
     }
-    const double radius = std::ceil(settings.mRadius / settings.mCellSize);
+    const double radius = std::ceil(cellsIn(settings.mRadius, settings.mCellSize));
     if (radius > settings.mTileSize)
         throw std::runtime_error("the radius is wider than a tile: choose a larger --cell-size "
                                  "or --tile");
     mRadius = static_cast<int>(radius);
-    mClimb =
-        static_cast<int>(std::min(std::floor(settings.mClimb / settings.mCellHeight), tallest));
+    mClimb = static_cast<int>(
+        std::min(std::floor(cellsIn(settings.mClimb, settings.mCellHeight)), tallest));
     if (mClimb >= mAgentHeights.front())
         throw std::runtime_error("the climb must be lower than every agent");
     // one cell less: cells lie up to one above the ground that they stand for

@@ -30,10 +30,16 @@ struct BakeSettings {
     std::uint64_t mMaxCells = 8'000'000;
 };
 
-/// The settings in whole cells, as the tiles are made with them.
+/// The settings in whole cells, as the tiles are made with them: heights and the radius are rounded
+/// up, the climb down.
 struct CellSettings {
     /// Raises a std::runtime_error for settings that can't be worked with, which says why.
     explicit CellSettings(const BakeSettings& settings);
+
+    /// The clearance that Recast must have counted for an agent. It counts up to two cells less
+    /// than there are, since both floor and ceiling are rounded, and a cell less where both are
+    /// whole cells: so who fits in whole cells always passes, and who is a cell too tall never.
+    int clearanceOf(std::size_t agent) const { return mAgentHeights[agent] - 1; }
 
     int mRadius;
     int mClimb;

@@ -32,14 +32,19 @@ void TileWork::rasterise(const std::vector<int>& faces, const Box& bounds, int c
 }
 
 void TileWork::findWalkable() {
-    const int height = mCells.mAgentHeights.front();
+    const int clearance = mCells.clearanceOf(0);
     rcFilterLowHangingWalkableObstacles(&mContext, mCells.mClimb, *mSolid);
-    rcFilterLedgeSpans(&mContext, height, mCells.mClimb, *mSolid);
-    rcFilterWalkableLowHeightSpans(&mContext, height, *mSolid);
+    // this filter goes by what is higher than it is told
+    rcFilterLedgeSpans(&mContext, clearance - 1, mCells.mClimb, *mSolid);
     mField.reset(rcAllocCompactHeightfield());
-    require(rcBuildCompactHeightfield(&mContext, height, mCells.mClimb, *mSolid, *mField),
+    require(rcBuildCompactHeightfield(&mContext, clearance, mCells.mClimb, *mSolid, *mField),
             "compact height field");
     mSolid.reset();
+    // Recast's own filter also takes away what is just high enough
+    forEachSpan(*mField, [&](int, int, unsigned int i) {
+        if (static_cast<int>(mField->spans[i].h) < clearance)
+            mField->areas[i] = RC_NULL_AREA;
+    });
     findAgents();
     require(rcErodeWalkableArea(&mContext, mCells.mRadius, *mField), "erosion");
 }
@@ -88,7 +93,7 @@ void TileWork::findAgents() {
     const std::vector<unsigned char> areas(mField->areas, mField->areas + count);
     for (std::size_t agent = 1; agent < mCells.mAgentHeights.size(); ++agent) {
         for (std::size_t i = 0; i < count; ++i)
-            if (static_cast<int>(mField->spans[i].h) < mCells.mAgentHeights[agent])
+            if (static_cast<int>(mField->spans[i].h) < mCells.clearanceOf(agent))
                 mField->areas[i] = RC_NULL_AREA;
         require(rcErodeWalkableArea(&mContext, mCells.mRadius, *mField), "erosion");
         for (std::size_t i = 0; i < count; ++i)
