@@ -102,6 +102,7 @@ TEST_F(BakeCommandTest, SaysInOneLineWhatIsWrongWithAScene) {
         {square + "f 1 2 3 4", "--agent low:0.5", "the climb must be lower than every agent"},
         {square + "usemtl a<b\nf 1 2 3 4", "-o x.xml",
          "the name 'a<b' can't stand in an XML file: "},
+        {square + "f 1 2 3 4", "--from 9,0,9", "--from 9,0,9: there is no ground to walk on"},
         {square + "f 1 2 3 4", "--agent a:b", "zunobake: --agent: expected NAME:HEIGHT"},
         {square + "g roof\nf 1 2 3 4", "--without rof", "--without rof: no group or object has"},
         {"v 0 0 " + std::string(200, 'x'), "", "xxx...' is no finite number"},

@@ -1,5 +1,6 @@
 // Doors, gaps and steps around what an agent just fits through or climbs.
 #include "tests/bake/bakedscene.h"
+#include "tools/zunobake/unreachable.h"
 
 #include <gtest/gtest.h>
 
@@ -71,6 +72,45 @@ TEST(BakeLimitsTest, HeightAndRadiusAreRoundedUpAndClimbDown) {
         const BakedScene baked(makeRooms(passage), settings);
         EXPECT_EQ(Tools::countMesh(*baked.mMesh).mIslandSizes.size(), passes ? 1U : 2U)
             << what << ", floor at " << passage.mFloor;
+    }
+}
+
+TEST(BakeLimitsTest, SaysWhichPassageNearlyConnectsWhatCannotBeReached) {
+    using Flaw = Tools::Passage::Flaw;
+    const struct {
+        Passage mPassage;
+        std::optional<Flaw> mFlaw;
+        double mMeasure;
+        double mNeeded;
+    } cases[] = {
+        {{0, 1.8}, Flaw::LOW, 1.8, 2},
+        {{0.07, 1.6}, Flaw::LOW, 1.6, 2},
+        {{0, 4, 1.02}, Flaw::NARROW, 1, 1.25},
+        {{0, 1}, {}, 0, 0},       // far too low
+        {{0, 4, 3, 2}, {}, 0, 0}, // a step
+    };
+    for (const auto& [rooms, flaw, measure, needed] : cases) {
+        Tools::BakeSettings settings;
+        settings.mAgents = {{"agent"}};
+        const BakedScene baked(makeRooms(rooms), settings);
+        const HostKit::MeshView view(*baked.mMesh);
+        Tools::PassageFinder finder(baked.mScene, baked.mSettings, view);
+        for (const float start : {2.0F, 8.0F}) {
+            const auto parts = Tools::listUnreachable(
+                *baked.mMesh,
+                {start, static_cast<float>(rooms.mFloor + rooms.mStep * (start > 5)), 3}, &finder);
+            ASSERT_EQ(parts.size(), 1U);
+            EXPECT_EQ(parts[0].mPart.mPlace.mX > 5, start < 5);
+            const auto& passage = parts[0].mPassage;
+            ASSERT_EQ(passage.has_value(), flaw.has_value());
+            if (!passage.has_value())
+                continue;
+            EXPECT_EQ(passage->mFlaw, flaw);
+            EXPECT_NEAR(passage->mMeasure, measure, 0.01);
+            EXPECT_EQ(passage->mNeeded, needed);
+            EXPECT_NEAR(passage->mPlace.mX, 5, 0.5F);
+            EXPECT_NEAR(passage->mPlace.mY, rooms.mFloor, 0.01);
+        }
     }
 }
 

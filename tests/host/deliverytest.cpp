@@ -188,8 +188,11 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
          "/c.bin: node 0 has more neighbours than corners"},
         {"convert " + mesh + " /tmp/x.txt", 2, "expected a name that ends in .xml or .bin"},
         {"convert " + mesh + " /nowhere/x.bin", 2, "/nowhere/x.bin: cannot be written: no such"},
-        {"check " + mesh, 0, "873 nodes, 0 defects, 0 oddities"},
-        {"check " + binary, 0, "0 defects"},
+        {"check " + mesh, 1,
+         ": odd: the nodes around node 864, at 100, 1, 75, can't be reached from the largest "
+         "island (9 nodes, 82 square units)\n"},
+        {"check " + mesh, 1, "873 nodes, 0 defects, 1 oddities"},
+        {"check " + binary, 1, "0 defects"},
         {"check " + defective, 1, ": defect: vertex 1 is not finite\n"},
         {"check " + defective, 1, "leads to node 9999 of 873\n"},
         {"check " + defective, 1, "2 defects"},

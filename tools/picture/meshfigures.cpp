@@ -1,7 +1,9 @@
 #include "tools/picture/meshfigures.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
+#include <sstream>
 
 namespace ZUNO::Tools {
 
@@ -46,6 +48,57 @@ MeshCounts countMesh(const NavMesh::NavMeshContainer& mesh) {
         ++counts.mIslandSizes[island];
     }
     return counts;
+}
+
+std::vector<MeshPart> measureParts(const NavMesh::NavMeshContainer& mesh,
+                                   const std::vector<unsigned int>& islands) {
+    std::vector<MeshPart> parts;
+    std::vector<double> largest;
+    for (std::size_t id = 0; id < mesh.mNodes.size(); ++id) {
+        const std::size_t island = islands[id];
+        parts.resize(std::max(parts.size(), island + 1));
+        largest.resize(parts.size(), -1);
+        MeshPart& part = parts[island];
+        const auto& corners = mesh.mNodes[id].mPolygon;
+        const auto corner = [&](std::size_t i) {
+            return mesh.projectToPlane(mesh.mVertices[corners[i]]);
+        };
+        double area = 0;
+        for (std::size_t i = 2; i < corners.size(); ++i)
+            area += std::abs(double{signedArea(corner(0), corner(i - 1), corner(i))}) / 2;
+        ++part.mNodes;
+        part.mArea += area;
+        if (area > largest[island]) {
+            largest[island] = area;
+            part.mLargestNode = static_cast<std::int32_t>(id);
+            part.mPlace = mesh.getNodeCenter(part.mLargestNode);
+        }
+    }
+    return parts;
+}
+
+std::size_t largestOf(const std::vector<MeshPart>& parts) {
+    return static_cast<std::size_t>(std::ranges::max_element(parts, {}, &MeshPart::mArea) -
+                                    parts.begin());
+}
+
+bool findUnreachable(const NavMesh::NavMeshContainer& mesh,
+                     const std::function<bool(const char* text)>& listener) {
+    const std::vector<MeshPart> parts = measureParts(mesh, findIslands(mesh));
+    const std::size_t largest = largestOf(parts);
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (i == largest)
+            continue;
+        const auto& [nodes, area, node, place] = parts[i];
+        std::ostringstream text;
+        text << (nodes == 1 ? "node " : "the nodes around node ") << node << ", at " << place.mX
+             << ", " << place.mY << ", " << place.mZ
+             << ", can't be reached from the largest island (" << nodes
+             << (nodes == 1 ? " node, " : " nodes, ") << area << " square units)";
+        if (!listener(text.str().c_str()))
+            return false;
+    }
+    return parts.size() < 2;
 }
 
 Common::Math::Vec2<float> positionAt(const NavMesh::NavMeshContainer& mesh,

@@ -2,6 +2,7 @@
 
 #include "navmesh/navmeshcontainer.h"
 
+#include <functional>
 #include <vector>
 
 namespace ZUNO::Tools {
@@ -17,6 +18,24 @@ struct MeshCounts {
     std::vector<std::size_t> mIslandSizes; ///< in nodes, the largest first
 };
 MeshCounts countMesh(const NavMesh::NavMeshContainer& mesh);
+
+/// What neighbours connect.
+struct MeshPart {
+    std::size_t mNodes = 0;
+    double mArea = 0;                          ///< in the plane
+    std::int32_t mLargestNode = -1;            ///< by area
+    Common::Math::Vec3<float> mPlace{0, 0, 0}; ///< the centre of that node
+};
+/// Returns the parts of a mesh without defects, by the numbers of `islands`.
+std::vector<MeshPart> measureParts(const NavMesh::NavMeshContainer& mesh,
+                                   const std::vector<unsigned int>& islands);
+/// The part of the largest area; the first of several. There must be one.
+std::size_t largestOf(const std::vector<MeshPart>& parts);
+
+/// Lists the parts of a mesh without defects that can't be reached from the largest one: calls with
+/// a line for each, and returns whether there are none.
+bool findUnreachable(const NavMesh::NavMeshContainer& mesh,
+                     const std::function<bool(const char* text)>& listener);
 
 /// Returns the host's position over a point of the mesh's plane: the point in the world without its
 /// up component.

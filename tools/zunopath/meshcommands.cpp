@@ -24,8 +24,10 @@ ExitStatus check(const std::string& file) {
     };
     std::size_t defects = 0;
     std::size_t oddities = 0;
-    if (findDefects(*mesh, printAs("defect", defects)))
+    if (findDefects(*mesh, printAs("defect", defects))) {
         findOddities(*mesh, printAs("odd", oddities));
+        findUnreachable(*mesh, printAs("odd", oddities));
+    }
     std::cout << file << ": " << mesh->mNodes.size() << " nodes, " << defects << " defects, "
               << oddities << " oddities\n";
     return defects + oddities == 0 ? STATUS_OK : STATUS_NOTHING;

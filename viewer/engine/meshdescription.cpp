@@ -114,8 +114,10 @@ val describe(const Tools::LoadedMesh& loaded) {
     const NavMeshContainer& mesh = *loaded;
     val defects = val::array();
     const bool isFit = findDefects(mesh, listIn(defects, "defect"));
-    if (isFit)
+    if (isFit) {
         findOddities(mesh, listIn(defects, "odd"));
+        Tools::findUnreachable(mesh, listIn(defects, "odd"));
+    }
 
     val out = val::object();
     out.set("defects", defects);

@@ -86,14 +86,14 @@ TEST_F(OutputTest, AFileMayBeInputAndOutputByWhateverName) {
         EXPECT_EQ(outcome.mStatus, 0) << outcome.mOutput;
         EXPECT_TRUE(fs::is_symlink(in("link.xml")));
         EXPECT_EQ(get("mesh.xml").substr(0, 200), get("link.xml").substr(0, 200));
-        EXPECT_EQ(runCommand(tools + "/zunopath check " + in("link.xml")).mStatus, 0);
+        EXPECT_EQ(runCommand(tools + "/zunopath info " + in("link.xml")).mStatus, 0);
     }
     // a picture is no mesh: it would replace its own input
     const Outcome drawn =
         runCommand(tools + "/zunopath draw " + in("mesh.xml") + ' ' + in("link.xml"));
     EXPECT_EQ(drawn.mStatus, 2);
     EXPECT_NE(drawn.mOutput.find("link.xml: "), std::string::npos) << drawn.mOutput;
-    EXPECT_EQ(runCommand(tools + "/zunopath check " + in("mesh.xml")).mStatus, 0);
+    EXPECT_EQ(runCommand(tools + "/zunopath info " + in("mesh.xml")).mStatus, 0);
 }
 
 TEST_F(OutputTest, AnInterruptedSaveLeavesTheOldFileAlone) {
