@@ -66,7 +66,7 @@ TEST_F(BakeCommandTest, ReadsWhatObjFilesHold) {
             for (std::size_t i = 2; i < node.mPolygon.size(); ++i)
                 area += signedArea(corner(0), corner(i - 1), corner(i)) / 2;
         }
-        EXPECT_NEAR(area, each.mArea, 0.5F); // borders on a slant run up to a cell off
+        EXPECT_NEAR(area, each.mArea, 1.7F); // borders may leave their cells by one, all along
     }
 }
 

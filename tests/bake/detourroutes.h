@@ -22,8 +22,8 @@ public:
             parameters.orig[axis] = grid.positionOf(0, axis);
         parameters.tileWidth = parameters.tileHeight =
             static_cast<float>(settings.mTileSize * settings.mCellSize);
-        parameters.maxTiles = 1 << 16; // with the polygons of a tile, as many bits as it has
-        parameters.maxPolys = 1 << 6;
+        parameters.maxTiles = 1 << 8; // with the polygons of a tile, as many bits as it has
+        parameters.maxPolys = 1 << 14;
         require(mMesh->init(&parameters));
         for (std::size_t tile = 0; tile < grid.tileCount(); ++tile)
             if (const auto baked = baker.bake(tile); baked.mMesh != nullptr)

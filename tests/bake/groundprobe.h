@@ -123,7 +123,7 @@ private:
     }
 
     bool fits(const Point& place, const Walker& walker) const {
-        constexpr int directions = 24;
+        constexpr int directions = 48;
         if (!isFree(place[0], place[2], place[1], walker))
             return false;
         for (int i = 0; i < directions; ++i)

@@ -1,9 +1,12 @@
 #include "tools/zunobake/bakedmesh.h"
 
+#include "tools/zunobake/nodeshapes.h"
+
 #include <algorithm>
 #include <cmath>
 #include <map>
 #include <numeric>
+#include <tuple>
 
 namespace ZUNO::Tools {
 
@@ -11,10 +14,6 @@ namespace {
 
 std::uint64_t placeOf(int x, int z) {
     return std::uint64_t{static_cast<std::uint32_t>(x)} << 32U | static_cast<std::uint32_t>(z);
-}
-
-std::uint64_t borderOf(std::size_t from, std::size_t to) {
-    return std::uint64_t{from} << 32U | to;
 }
 
 /// The vertices on the lines between tiles, in their order along each.
@@ -89,10 +88,10 @@ BakedMesh::BakedMesh(const std::vector<TilePolygon>& polygons, const BakeSetting
     for (const TilePolygon& polygon : polygons)
         addPolygon(polygon);
     splitBordersOfTiles();
-    connect();
+    shapeNodes();
     dropSmallIslands();
     lowerCorners();
-    for (Node& node : mNodes)
+    for (BakedNode& node : mNodes)
         turnToLowestCorner(node);
     sortFromHighToLow();
 }
@@ -111,8 +110,7 @@ std::size_t BakedMesh::vertexAt(const GridPoint& point) {
 }
 
 void BakedMesh::addPolygon(const TilePolygon& polygon) {
-    Node node{
-        {}, {}, polygon.mLowestGround, polygon.mHighestGround, polygon.mSurface, polygon.mAgent};
+    BakedNode node{{}, {}, polygon.mGround, polygon.mSurface, polygon.mAgent};
     for (const GridPoint& corner : polygon.mCorners)
         node.mCorners.push_back(vertexAt(corner));
     const double area = cellsOf(node);
@@ -127,7 +125,7 @@ void BakedMesh::addPolygon(const TilePolygon& polygon) {
 /// the other side that lie on it, so that the pieces match.
 void BakedMesh::splitBordersOfTiles() {
     const TileLines lines(mVertices, mSettings.mTileSize, mCells.mAgentHeights.front() / 2.0);
-    for (Node& node : mNodes) {
+    for (BakedNode& node : mNodes) {
         std::vector<std::size_t> corners;
         for (std::size_t i = 0; i < node.mCorners.size(); ++i) {
             corners.push_back(node.mCorners[i]);
@@ -138,23 +136,14 @@ void BakedMesh::splitBordersOfTiles() {
     }
 }
 
-void BakedMesh::connect() {
-    std::unordered_map<std::uint64_t, std::pair<std::size_t, std::size_t>> borders;
-    for (std::size_t id = 0; id < mNodes.size(); ++id) {
-        const std::vector<std::size_t>& corners = mNodes[id].mCorners;
-        mNodes[id].mNeighbours.assign(corners.size(), -1);
-        for (std::size_t i = 0; i < corners.size(); ++i)
-            borders.try_emplace(borderOf(corners[i], corners[(i + 1) % corners.size()]), id, i);
-    }
-    for (const auto& [border, place] : borders) {
-        const auto other = borders.find(border << 32U | border >> 32U);
-        if (other != borders.end())
-            mNodes[place.first].mNeighbours[place.second] =
-                static_cast<std::int32_t>(other->second.first);
-    }
+void BakedMesh::shapeNodes() {
+    NodeRings rings(mVertices, mNodes);
+    Tools::shapeNodes(rings, mCells);
+    rings.dropNeedlessVertices();
+    rings.finish();
 }
 
-double BakedMesh::cellsOf(const Node& node) const {
+double BakedMesh::cellsOf(const BakedNode& node) const {
     double area = 0;
     for (std::size_t i = 0; i < node.mCorners.size(); ++i) {
         const GridPoint& a = mVertices[node.mCorners[i]];
@@ -168,12 +157,12 @@ double BakedMesh::cellsOf(const Node& node) const {
 /// nobody's neighbour that stays.
 void BakedMesh::arrange(const std::vector<std::size_t>& order) {
     std::vector<std::int32_t> newIds(mNodes.size());
-    std::vector<Node> arranged;
+    std::vector<BakedNode> arranged;
     for (const std::size_t id : order) {
         newIds[id] = static_cast<std::int32_t>(arranged.size());
         arranged.push_back(std::move(mNodes[id]));
     }
-    for (Node& node : arranged)
+    for (BakedNode& node : arranged)
         for (std::int32_t& neighbour : node.mNeighbours)
             if (neighbour >= 0)
                 neighbour = newIds[static_cast<std::size_t>(neighbour)];
@@ -210,22 +199,24 @@ void BakedMesh::dropSmallIslands() {
     arrange(kept);
 }
 
-std::ptrdiff_t BakedMesh::lowestCornerOf(const Node& node) const {
-    return std::ranges::min_element(node.mCorners, {},
-                                    [&](std::size_t vertex) { return heightOf(vertex); }) -
-           node.mCorners.begin();
+std::ptrdiff_t BakedMesh::lowestCornerOf(const BakedNode& node) const {
+    const auto key = [&](std::size_t vertex) {
+        const GridPoint& point = mVertices[vertex];
+        return std::tuple(point.mY, point.mX, point.mZ); // as lowestCornerOf an outline
+    };
+    return std::ranges::min_element(node.mCorners, {}, key) - node.mCorners.begin();
 }
 
 /// Ground that dips below a node's corners is still on the node when its lowest corner lies near
 /// enough above.
 void BakedMesh::lowerCorners() {
-    for (const Node& node : mNodes) {
+    for (const BakedNode& node : mNodes) {
         int& height = mVertices[node.mCorners[static_cast<std::size_t>(lowestCornerOf(node))]].mY;
-        height = std::min(height, node.mLowestGround + mCells.mReachBelow);
+        height = std::min(height, node.mGround.mLowest + mCells.mReachBelow);
     }
 }
 
-void BakedMesh::turnToLowestCorner(Node& node) const {
+void BakedMesh::turnToLowestCorner(BakedNode& node) const {
     const std::ptrdiff_t turn = lowestCornerOf(node);
     std::rotate(node.mNeighbours.begin(), node.mNeighbours.begin() + turn, node.mNeighbours.end());
     std::rotate(node.mCorners.begin(), node.mCorners.begin() + turn, node.mCorners.end());
@@ -242,8 +233,8 @@ void BakedMesh::sortFromHighToLow() {
 }
 
 /// How many steps of the cube size the ground of a node, or a corner, rises above its first corner.
-int BakedMesh::classStepsOf(const Node& node) const {
-    int highest = node.mHighestGround;
+int BakedMesh::classStepsOf(const BakedNode& node) const {
+    int highest = node.mGround.mHighest;
     for (const std::size_t vertex : node.mCorners)
         highest = std::max(highest, heightOf(vertex));
     return static_cast<int>(std::ceil((highest - heightOf(node.mCorners[0])) *
@@ -263,7 +254,7 @@ void BakedMesh::fill(NavMesh::NavMeshContainer& mesh, const TileGrid& grid, cons
     std::map<std::pair<std::size_t, int>, std::int32_t> classes;
     for (std::size_t agent = 0; agent < mSettings.mAgents.size(); ++agent)
         classes[{agent, 0}];
-    for (const Node& node : mNodes)
+    for (const BakedNode& node : mNodes)
         classes[{node.mAgent, classStepsOf(node)}];
     for (auto& [kind, number] : classes) {
         number = static_cast<std::int32_t>(mesh.mHeights.size());
@@ -289,7 +280,7 @@ void BakedMesh::fill(NavMesh::NavMeshContainer& mesh, const TileGrid& grid, cons
     }
 
     std::vector<std::int32_t> vertexIds(mVertices.size(), -1);
-    for (const Node& node : mNodes) {
+    for (const BakedNode& node : mNodes) {
         auto& filled = mesh.mNodes.emplace_back(mesh.getAllocator());
         filled.mHeightClass = classes[{node.mAgent, classStepsOf(node)}];
         filled.mSurfaceTypeID = node.mSurface;

@@ -43,6 +43,8 @@ CellSettings::CellSettings(const BakeSettings& settings) {
     // A node holds what lies a little below its lowest corner. Where floors lie above each other
     // that must not reach the floor below, which is at least an agent's height away.
     mLevel = std::max(mAgentHeights.front() - mReachBelow - 2, mClimb + 1);
+    // where there is a step the surface runs half way between what lies above and below
+    mHeightError = std::max(settings.mHeightError / settings.mCellHeight, mClimb / 2.0 + 0.5);
 }
 
 } // namespace ZUNO::Tools

@@ -22,10 +22,11 @@ struct BakeSettings {
     float mClimb = 0.5F;  ///< the highest step
     float mSlope = 45;    ///< the steepest ground, in degrees
     std::vector<Agent> mAgents;
-    int mMinRegion = 64;    ///< islands of fewer cells are left out
-    int mMergeRegion = 400; ///< regions of fewer cells are joined with others
-    int mCorners = 6;       ///< of a polygon as it is made
-    int mTileSize = 10;     ///< cells along the side of a tile; no polygon is larger
+    int mMinRegion = 64;       ///< islands of fewer cells are left out
+    int mMergeRegion = 400;    ///< regions of fewer cells are joined with others
+    int mCorners = 6;          ///< of a polygon as it is made
+    int mTileSize = 128;       ///< cells along the side of a tile, which is made in one go
+    float mHeightError = 0.4F; ///< how far a node's surface may be off the ground
     float mMaxError = 1.1F; ///< how far borders may run beside the cells that they bound, in cells
     std::uint64_t mMaxCells = 8'000'000;
 };
@@ -43,8 +44,9 @@ struct CellSettings {
 
     int mRadius;
     int mClimb;
-    int mReachBelow;                ///< how far below a node's plane one still stands on it
-    int mLevel;                     ///< how much height the ground of one polygon may span
+    int mReachBelow; ///< how far below a node's plane one still stands on it
+    int mLevel;      ///< how much height a node's ground may span where floors lie above each other
+    double mHeightError;            ///< how far a node's surface may be off the ground
     std::vector<int> mAgentHeights; ///< from the lowest to the highest, as the settings have them
 };
 

@@ -1,6 +1,7 @@
 #include "tools/zunobake/ground.h"
 
 #include "tools/zunobake/levels.h"
+#include "tools/zunobake/outline.h"
 #include "tools/zunobake/recastfield.h"
 
 #include <algorithm>
@@ -8,88 +9,130 @@
 
 namespace ZUNO::Tools {
 
-std::vector<bool> findOddLevels(const rcCompactHeightfield& field, const CellSettings& cells) {
-    int lowest = std::numeric_limits<int>::max();
-    int highest = 0;
-    forEachSpan(field, [&](int, int, unsigned int i) {
-        lowest = std::min<int>(lowest, field.spans[i].y);
-        highest = std::max<int>(highest, field.spans[i].y);
-    });
-    if (lowest > highest)
-        return {};
-    std::vector<int> crossings(unsignedOf(highest - lowest) + 1);
-    forEachSpan(field, [&](int x, int z, unsigned int i) {
-        for (int side = 0; side < 4; ++side) {
-            const int connection = rcGetCon(field.spans[i], side);
-            if (connection == RC_NOT_CONNECTED)
-                continue;
-            const int other = x + rcGetDirOffsetX(side) + (z + rcGetDirOffsetY(side)) * field.width;
-            const unsigned int neighbour =
-                field.cells[other].index + static_cast<unsigned int>(connection);
-            if (field.areas[neighbour] == RC_NULL_AREA)
-                continue;
-            for (int y = field.spans[i].y + 1; y <= field.spans[neighbour].y; ++y)
-                ++crossings[unsignedOf(y - lowest)];
-        }
-    });
-    const std::vector<int> levels = chooseLevels(crossings, cells.mClimb + 1, cells.mLevel);
-    std::vector<bool> isOdd(unsignedOf(highest) + 1);
-    std::size_t level = 0;
-    for (int y = lowest; y <= highest; ++y) {
-        while (level < levels.size() && y - lowest >= levels[level])
-            ++level;
-        isOdd[unsignedOf(y)] = level % 2 != 0;
+namespace {
+
+struct SpanPlace {
+    int mX;
+    int mZ;
+    unsigned int mSpan;
+};
+
+/// Calls `visit` with the walkable neighbours of a span.
+template <typename Visitor>
+void forEachNeighbour(const rcCompactHeightfield& field, const SpanPlace& place, Visitor visit) {
+    for (int side = 0; side < 4; ++side) {
+        const int connection = rcGetCon(field.spans[place.mSpan], side);
+        if (connection == RC_NOT_CONNECTED)
+            continue;
+        const int x = place.mX + rcGetDirOffsetX(side);
+        const int z = place.mZ + rcGetDirOffsetY(side);
+        const unsigned int other =
+            spansOf(field, x, z).mFirst + static_cast<unsigned int>(connection);
+        if (field.areas[other] != RC_NULL_AREA)
+            visit(SpanPlace{x, z, other});
     }
+}
+
+bool hasFloors(const rcCompactHeightfield& field, int x, int z) {
+    const auto [first, end] = spansOf(field, x, z);
+    return std::count_if(field.areas + first, field.areas + end,
+                         [](unsigned char area) { return area != RC_NULL_AREA; }) > 1;
+}
+
+/// Takes what hangs together with the first of some spans.
+void fillPiece(const rcCompactHeightfield& field, std::vector<SpanPlace>& piece,
+               std::vector<bool>& isSeen) {
+    for (std::size_t i = 0; i < piece.size(); ++i)
+        forEachNeighbour(field, SpanPlace(piece[i]), [&](const SpanPlace& next) {
+            if (!isSeen[next.mSpan]) {
+                isSeen[next.mSpan] = true;
+                piece.push_back(next);
+            }
+        });
+}
+
+void cutPiece(const rcCompactHeightfield& field, const std::vector<SpanPlace>& piece,
+              const CellSettings& cells, std::vector<bool>& isOdd) {
+    const auto heightOf = [&](const SpanPlace& place) { return int{field.spans[place.mSpan].y}; };
+    const auto [low, high] = std::ranges::minmax_element(piece, {}, heightOf);
+    const int lowest = heightOf(*low);
+    const int highest = heightOf(*high);
+    std::vector<int> crossings(unsignedOf(highest - lowest) + 1);
+    for (const SpanPlace& place : piece)
+        forEachNeighbour(field, place, [&](const SpanPlace& next) {
+            for (int y = heightOf(place) + 1; y <= heightOf(next); ++y)
+                ++crossings[unsignedOf(y - lowest)];
+        });
+    const std::vector<int> levels = chooseLevels(crossings, cells.mClimb + 1, cells.mLevel);
+    for (const SpanPlace& place : piece) {
+        const auto level = std::ranges::upper_bound(levels, heightOf(place) - lowest);
+        isOdd[place.mSpan] = (level - levels.begin()) % 2 != 0;
+    }
+}
+
+} // namespace
+
+std::vector<bool> findOddLevels(const rcCompactHeightfield& field, const CellSettings& cells) {
+    std::vector<bool> isOdd(unsignedOf(field.spanCount));
+    std::vector<bool> isSeen(unsignedOf(field.spanCount));
+    forEachSpan(field, [&](int x, int z, unsigned int i) {
+        if (isSeen[i])
+            return;
+        isSeen[i] = true;
+        std::vector<SpanPlace> piece{{x, z, i}};
+        fillPiece(field, piece, isSeen);
+        if (std::ranges::any_of(piece, [&](const SpanPlace& place) {
+                return hasFloors(field, place.mX, place.mZ);
+            }))
+            cutPiece(field, piece, cells, isOdd);
+    });
     return isOdd;
 }
 
 namespace {
 
-/// Whether the centre of a cell lies in a polygon of the mesh. Both are in cells.
-bool holdsCentre(const std::vector<GridPoint>& polygon, int x, int z) {
-    bool isInside = false;
-    for (std::size_t i = 0, j = polygon.size() - 1; i < polygon.size(); j = i++) {
-        const GridPoint& a = polygon[i];
-        const GridPoint& b = polygon[j];
-        const double centre = z + 0.5;
-        if ((a.mZ > centre) != (b.mZ > centre) &&
-            x + 0.5 < (b.mX - a.mX) * (centre - a.mZ) / (b.mZ - a.mZ) + a.mX)
-            isInside = !isInside;
+constexpr int noHeight = std::numeric_limits<int>::max();
+
+/// The height of the span of a region in a cell, or of the only span for a polygon of several
+/// regions; else of the walkable one nearest to some height, which says nothing when it is further
+/// away than `reach`.
+int heightIn(const rcCompactHeightfield& field, int x, int z, unsigned short region, int mean,
+             int reach) {
+    int nearest = noHeight;
+    const auto [first, end] = spansOf(field, x, z);
+    for (unsigned int i = first; i < end; ++i) {
+        if (field.areas[i] == RC_NULL_AREA)
+            continue;
+        const int height = field.spans[i].y;
+        if (field.spans[i].reg == region || (region == RC_MULTIPLE_REGS && !hasFloors(field, x, z)))
+            return height;
+        if (std::abs(height - mean) <= reach &&
+            (nearest == noHeight || std::abs(height - mean) < std::abs(nearest - mean)))
+            nearest = height;
     }
-    return isInside;
+    return nearest;
 }
 
 } // namespace
 
-void measureGround(const rcCompactHeightfield& field, int border, TilePolygon& polygon) {
-    GridPoint low = polygon.mCorners[0];
-    GridPoint high = low;
-    int sum = 0;
-    for (const GridPoint& corner : polygon.mCorners) {
-        low = {std::min(low.mX, corner.mX), std::min(low.mY, corner.mY),
-               std::min(low.mZ, corner.mZ)};
-        high = {std::max(high.mX, corner.mX), std::max(high.mY, corner.mY),
-                std::max(high.mZ, corner.mZ)};
-        sum += corner.mY;
-    }
-    const int mean = sum / static_cast<int>(polygon.mCorners.size());
-    polygon.mLowestGround = low.mY;
-    polygon.mHighestGround = high.mY;
-    for (int z = low.mZ; z < high.mZ; ++z)
-        for (int x = low.mX; x < high.mX; ++x) {
-            if (!holdsCentre(polygon.mCorners, x, z))
-                continue;
-            int nearest = std::numeric_limits<int>::max();
-            const auto [first, end] = spansOf(field, x + border, z + border);
-            for (unsigned int i = first; i < end; ++i)
-                if (field.areas[i] != RC_NULL_AREA &&
-                    std::abs(field.spans[i].y - mean) < std::abs(nearest - mean))
-                    nearest = field.spans[i].y;
-            if (nearest - high.mY > field.walkableHeight || low.mY - nearest > field.walkableHeight)
-                continue;
-            polygon.mLowestGround = std::min(polygon.mLowestGround, nearest);
-            polygon.mHighestGround = std::max(polygon.mHighestGround, nearest);
-        }
+Ground measureGround(const rcCompactHeightfield& field, int border, unsigned short region,
+                     const std::vector<GridPoint>& polygon) {
+    const auto [low, high] = std::ranges::minmax(polygon, {}, &GridPoint::mY);
+    Ground ground{low.mY, high.mY, false, {}};
+    const int mean = (low.mY + high.mY) / 2;
+    const int reach = field.walkableHeight + (high.mY - low.mY) / 2;
+    forEachCell(polygon, [&](int x, int z) {
+        const int height = heightIn(field, x + border, z + border, region, mean, reach);
+        if (height == noHeight)
+            return;
+        ground.mLowest = std::min(ground.mLowest, height);
+        ground.mHighest = std::max(ground.mHighest, height);
+        ground.mHasFloors = ground.mHasFloors || hasFloors(field, x + border, z + border);
+        ground.mCells.push_back({x, height, z});
+    });
+    if (ground.mLowest == ground.mHighest)
+        ground.mCells = {};
+    return ground;
 }
 
 } // namespace ZUNO::Tools

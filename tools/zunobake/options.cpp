@@ -97,8 +97,10 @@ void addOptions(CLI::App& app, Options& options) {
         ->check(CLI::Range(0, 100'000'000));
     detail("--corners", bake.mCorners, "corners of a polygon; where tiles meet it may get more")
         ->check(CLI::Range(3, 6));
-    detail("--tile", bake.mTileSize, "cells along a tile; smaller ones give straighter paths")
+    detail("--tile", bake.mTileSize, "cells along a tile, which is made in one go")
         ->check(CLI::Range(8, 512));
+    detail("--height-error", bake.mHeightError, "how far nodes may be off the ground in height")
+        ->check(CLI::Range(0.0, 1e6));
     detail("--max-error", bake.mMaxError, "how far borders may leave their cells, in cells")
         ->check(CLI::Range(0.0, 10.0));
     detail("--max-cells", bake.mMaxCells, "refuse scenes of more cells")

@@ -37,10 +37,11 @@ TileBaker::Tile TileBaker::bake(std::size_t tile) const {
         return result;
     result.mPolygons = work.listPolygons(*result.mMesh);
     for (TilePolygon& polygon : result.mPolygons) {
-        for (GridPoint& corner : polygon.mCorners)
-            corner = {corner.mX + column, corner.mY - countedHigher, corner.mZ + row};
-        polygon.mLowestGround -= countedHigher;
-        polygon.mHighestGround -= countedHigher;
+        for (std::vector<GridPoint>* const points : {&polygon.mCorners, &polygon.mGround.mCells})
+            for (GridPoint& point : *points)
+                point = {point.mX + column, point.mY - countedHigher, point.mZ + row};
+        polygon.mGround.mLowest -= countedHigher;
+        polygon.mGround.mHighest -= countedHigher;
     }
     return result;
 }

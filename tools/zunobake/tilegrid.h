@@ -14,11 +14,18 @@ struct GridPoint {
     int mZ;
 };
 
+/// The ground under a polygon, in cells and cell heights.
+struct Ground {
+    int mLowest;
+    int mHighest;
+    bool mHasFloors = false;       ///< other ground lies above or below some of it
+    std::vector<GridPoint> mCells; ///< with the height of each; none when all lie at mLowest
+};
+
 /// A walkable polygon of a tile.
 struct TilePolygon {
     std::vector<GridPoint> mCorners;
-    int mLowestGround; ///< of the ground on it, in cell heights
-    int mHighestGround;
+    Ground mGround;
     std::uint16_t mSurface; ///< of the scene's, or Scene::noSurface
     std::uint16_t mAgent;   ///< the tallest that fits, by its place in the settings
 };

@@ -52,14 +52,16 @@ void TileWork::findWalkable() {
 void TileWork::divide() {
     const std::vector<bool> isOddLevel = findOddLevels(*mField, mCells);
     forEachSpan(*mField, [&](int, int, unsigned int i) {
-        mField->areas[i] = mKinds.areaOf(
-            {mMaterials[mField->areas[i]].mSurface, mAgents[i], isOddLevel[mField->spans[i].y]});
+        mField->areas[i] =
+            mKinds.areaOf({mMaterials[mField->areas[i]].mSurface, mAgents[i], isOddLevel[i]});
     });
 }
 
 PolyMesh TileWork::makePolygons(int border) {
+    // what is left out is decided when all tiles are joined; here it is the dust alone
+    constexpr int dust = 8;
     require(rcBuildDistanceField(&mContext, *mField) &&
-                rcBuildRegions(&mContext, *mField, border, mSettings.mMinRegion,
+                rcBuildRegions(&mContext, *mField, border, std::min(mSettings.mMinRegion, dust),
                                mSettings.mMergeRegion),
             "regions");
     const ContourSet contours(rcAllocContourSet());
@@ -75,13 +77,13 @@ std::vector<TilePolygon> TileWork::listPolygons(const rcPolyMesh& mesh) const {
     std::vector<TilePolygon> polygons;
     for (int id = 0; id < mesh.npolys; ++id) {
         const AreaTable::Entry& kind = mKinds[mesh.areas[id]];
-        TilePolygon polygon{{}, 0, 0, kind.mSurface, kind.mAgent};
+        TilePolygon polygon{{}, {}, kind.mSurface, kind.mAgent};
         const unsigned short* const corners = mesh.polys + std::ptrdiff_t{id} * mesh.nvp * 2;
         for (int i = 0; i < mesh.nvp && corners[i] != RC_MESH_NULL_IDX; ++i) {
             const unsigned short* const vertex = mesh.verts + std::ptrdiff_t{corners[i]} * 3;
             polygon.mCorners.push_back({vertex[0], vertex[1], vertex[2]});
         }
-        measureGround(*mField, mesh.borderSize, polygon);
+        polygon.mGround = measureGround(*mField, mesh.borderSize, mesh.regs[id], polygon.mCorners);
         polygons.push_back(std::move(polygon));
     }
     return polygons;

@@ -1,0 +1,52 @@
+// How many nodes uneven ground takes, and how near they lie to it.
+#include "hostkit/surface.h"
+#include "tests/bake/bakedscene.h"
+#include "tests/bake/groundprobe.h"
+
+#include <gtest/gtest.h>
+
+namespace ZUNO::Tests {
+namespace {
+
+/// Hills of 50 x 50 units, `height` up and down.
+Worlds::SceneModel makeHills(double height) {
+    Worlds::SceneModel scene;
+    scene.begin("ground", "");
+    const auto at = [&](int x, int z) {
+        const double up = std::sin(0.21 * x + 0.3) * std::cos(0.17 * z) + std::sin(0.11 * (x + z));
+        return Worlds::SceneModel::Point{double(x), height / 2 * up, double(z)};
+    };
+    for (int x = 0; x < 50; ++x)
+        for (int z = 0; z < 50; ++z) {
+            scene.addFace({at(x, z), at(x, z + 1), at(x + 1, z + 1)});
+            scene.addFace({at(x, z), at(x + 1, z + 1), at(x + 1, z)});
+        }
+    return scene;
+}
+
+TEST(NodeShapesTest, AreFewAndLieNearToTheGround) {
+    const struct {
+        double mHeight; ///< of the hills
+        std::size_t mMostNodes;
+    } cases[] = {{0, 1}, {0.5, 10}, {3, 100}, {5, 150}};
+    for (const auto& [height, mostNodes] : cases) {
+        const Worlds::SceneModel model = makeHills(height);
+        Tools::BakeSettings settings;
+        settings.mAgents = {{"agent"}};
+        const BakedScene baked(model, settings);
+        EXPECT_LE(baked.mMesh->mNodes.size(), mostNodes);
+        const HostKit::MeshView view(*baked.mMesh);
+        for (const auto& place : GroundProbe(model).sample(2000, {0.75, 2.25, 0.5}, 3)) {
+            const HostKit::Position point{static_cast<float>(place[0]),
+                                          static_cast<float>(place[1]),
+                                          static_cast<float>(place[2])};
+            const std::uint32_t node = view.findNode(point);
+            ASSERT_NE(node, HostKit::NO_NODE) << place[0] << ' ' << place[2];
+            EXPECT_NEAR(surfaceAt(view, node, view.planeOf(point)).mY, point.mY, 0.5)
+                << place[0] << ' ' << place[2];
+        }
+    }
+}
+
+} // namespace
+} // namespace ZUNO::Tests
