@@ -33,7 +33,7 @@ public:
     /// Fills an empty mesh.
     void fill(Mesh& mesh) {
         setFrame(mesh);
-        const std::size_t count = 1 + below(14);
+        const std::size_t count = 1 + below(9);
         for (std::size_t i = 0; i < count; ++i)
             addNode(mesh);
         const std::size_t manner = below(4);

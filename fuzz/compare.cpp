@@ -171,7 +171,7 @@ private:
             straighten();
             break;
         case 12:
-            if (below(4) == 0)
+            if (below(8) == 0)
                 start();
             break;
         case 13:
