@@ -33,6 +33,11 @@ public:
     /// Fills an empty mesh.
     void fill(Mesh& mesh) {
         setFrame(mesh);
+        if (below(16) == 15) {
+            addFloor(mesh);
+            setCubeSize(mesh);
+            return;
+        }
         const std::size_t count = 1 + below(9);
         for (std::size_t i = 0; i < count; ++i)
             addNode(mesh);
@@ -173,12 +178,41 @@ private:
         default: { // a tile
             const float width = static_cast<float>(1 + below(4)) * mFraction;
             const float depth = static_cast<float>(1 + below(4)) * mFraction;
-            addCorner(mesh, node, x, y, height);
-            addCorner(mesh, node, x + width, y, height);
-            addCorner(mesh, node, x + width, y + depth, height);
-            addCorner(mesh, node, x, y + depth, height);
+            addTile(mesh, node, x, y, {width, depth}, height);
         }
         }
+    }
+
+    /// Adds up to a hundred tiles side by side, with holes: so many that open lists are refilled,
+    /// and full of ties.
+    void addFloor(Mesh& mesh) {
+        const auto side = static_cast<std::int32_t>(3 + below(8));
+        const std::size_t holes = below(64);
+        std::vector<std::int32_t> ids;
+        std::int32_t count = 0;
+        for (std::int32_t i = 0; i < side * side; ++i)
+            ids.push_back(static_cast<std::size_t>(i) * 7 % (holes + 5) == 2 ? -1 : count++);
+        const auto idAt = [&](std::int32_t x, std::int32_t y) {
+            const bool isInside = x >= 0 && y >= 0 && x < side && y < side;
+            return isInside ? ids[static_cast<std::size_t>(y * side + x)] : -1;
+        };
+        for (std::int32_t y = 0; y < side; ++y)
+            for (std::int32_t x = 0; x < side; ++x) {
+                if (idAt(x, y) < 0)
+                    continue;
+                auto& node = mesh.mNodes.emplace_back(mesh.getAllocator());
+                node.mHeightClass = 0;
+                addTile(mesh, node, static_cast<float>(x), static_cast<float>(y), {1, 1}, 0);
+                node.mNeighbours.assign(
+                    {idAt(x, y - 1), idAt(x + 1, y), idAt(x, y + 1), idAt(x - 1, y)});
+            }
+    }
+    void addTile(Mesh& mesh, Mesh::NavNode& node, float x, float y, const Point2& size,
+                 float height) {
+        addCorner(mesh, node, x, y, height);
+        addCorner(mesh, node, x + size.mX, y, height);
+        addCorner(mesh, node, x + size.mX, y + size.mY, height);
+        addCorner(mesh, node, x, y + size.mY, height);
     }
 
     /// Gives a node neighbours: those that it touches or overlaps, whether or not these lead back;

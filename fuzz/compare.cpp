@@ -156,7 +156,8 @@ private:
             closeOne();
             break;
         case 7:
-            trace();
+            for (std::size_t i = below(8); i != 0; --i)
+                trace();
             break;
         case 8:
             traceInSpace();
@@ -235,6 +236,9 @@ private:
 
     void trace() {
         Common::Geom::Ray2D<float, float> ray(flatPlace(), flatPlace());
+        if (below(4) == 0) // along an axis
+            (below(2) == 0 ? ray.mEnd.mX : ray.mEnd.mY) =
+                below(2) == 0 ? ray.mStart.mX : ray.mStart.mY;
         Common::Geom::Ray2D<float, float> expected = ray;
         mPlain->mWorld.traceRay(expected);
         Interface::traceRay(ray);
