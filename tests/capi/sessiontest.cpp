@@ -59,6 +59,55 @@ TEST_F(CApiTest, SurvivesTheEndOfMemoryAtEveryRequest) {
     EXPECT_GT(requests, 10);
 }
 
+/// A host's files, of which one call goes wrong.
+struct FailingFiles {
+    const std::string& mMesh;
+    const zuno_file_functions mFunctions{
+        this,
+        [](void* user, const char*) -> std::int64_t {
+            auto& files = *static_cast<FailingFiles*>(user);
+            const auto size = static_cast<std::int64_t>(files.mMesh.size());
+            return files.isNow() ? (files.mFault > 0 ? size + 7 : files.mFault) : size;
+        },
+        [](void* user, const char*, std::uint64_t offset, void* bytes, std::uint32_t count) {
+            auto& files = *static_cast<FailingFiles*>(user);
+            const auto given = static_cast<std::int32_t>(files.mMesh.copy(
+                static_cast<char*>(bytes), count, static_cast<std::size_t>(offset)));
+            return files.isNow() ? (files.mFault > 0 ? given - 1 : files.mFault) : given;
+        }};
+    int mFault = 0; ///< what the call gives; above 0: a wrong size, or a byte too few
+    int mFailing = 0;
+    int mCalls = 0;
+
+    bool isNow() { return ++mCalls == mFailing; }
+};
+
+TEST_F(CApiTest, SurvivesEveryCallOfFilesThatFails) {
+    FailingFiles files{mFiles["floor"]};
+    mSettings.files = &files.mFunctions;
+    int refused = 0;
+    for (const int fault : {-1, -2, -2147483647 - 1, 0, 1})
+        for (bool isReached = true; isReached;) {
+            zuno_mesh* mesh = nullptr;
+            files.mFault = fault;
+            files.mCalls = 0;
+            zuno_status status = start();
+            if (status == ZUNO_OK)
+                status = zuno_mesh_load(mSession, "floor", &mesh);
+            isReached = files.mCalls >= files.mFailing;
+            EXPECT_TRUE(isReached || status == ZUNO_OK) << lastError().text;
+            refused += status < 0 ? 1 : 0;
+            const int next = isReached ? files.mFailing + 1 : 1;
+            files.mFailing = 0;
+            EXPECT_TRUE(mSession != nullptr || start() == ZUNO_OK) << lastError().text;
+            EXPECT_OK(zuno_mesh_load(mSession, "floor", &mesh)) << " after " << fault;
+            EXPECT_OK(zuno_close(mSession, nullptr));
+            mSession = nullptr;
+            files.mFailing = next;
+        }
+    EXPECT_GT(refused, 15);
+}
+
 TEST_F(CApiTest, SaysWhatIsWrongWithAMesh) {
     mFiles["text"] = "<a>\n<b></a>";
     mFiles["empty"] = "<a><navmesh></navmesh></a>";
@@ -182,7 +231,8 @@ TEST_F(CApiTest, RecordsAndReplays) {
     {
         std::fstream damaged(folder.path() / u8"Größe 世界",
                              std::ios::in | std::ios::out | std::ios::binary);
-        damaged.seekp(-7, std::ios::end); // in the height, before the closing call and the end
+        damaged.seekp(-7,
+                      std::ios::end); // in the height, before the closing call and the end
         damaged.put(77);
     }
     EXPECT_OK(zuno_replay(recording.c_str(), nullptr, 0, &result, text, &(size = sizeof text)));
