@@ -1,6 +1,7 @@
 // Writes the sample scenes.
 #include "tools/output/outputfile.h"
 #include "tools/output/toolmain.h"
+#include "tools/output/wordchecks.h"
 #include "worlds/scenes.h"
 
 #include <iostream>
@@ -27,15 +28,17 @@ int main(int argc, char** argv) {
     std::string file;
     int size = 200;
     unsigned int seed = 1;
-    app.add_option("kind", kind, "courtyard, bridge, spiral, maze or town")
+    app.add_option("kind", kind, "which scene")
         ->required()
-        ->check(CLI::IsMember({"courtyard", "bridge", "spiral", "maze", "town"}));
+        ->check(ZUNO::Tools::oneOf({"courtyard", "bridge", "spiral", "maze", "town"}));
     app.add_option("file", file, "the file to write")->required();
     const CLI::Option* const sizeOption =
         app.add_option("--size", size, "cells along a side of the maze, or plots of the town")
-            ->check(CLI::Range(2, 1000))
+            ->check(ZUNO::Tools::wholeNumber(2, 1000))
             ->capture_default_str();
-    const CLI::Option* const seedOption = app.add_option("--seed", seed, "which maze or town");
+    const CLI::Option* const seedOption = app.add_option("--seed", seed, "which maze or town")
+                                              ->check(ZUNO::Tools::wholeNumberOf<unsigned int>(0))
+                                              ->capture_default_str();
     return ZUNO::Tools::runTool("makescene", [&] {
         if (const auto end = ZUNO::Tools::parseWords(app, argc, argv); end.has_value())
             return *end;

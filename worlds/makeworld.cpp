@@ -1,6 +1,7 @@
 // Writes the sample meshes.
 #include "tools/output/outputfile.h"
 #include "tools/output/toolmain.h"
+#include "tools/output/wordchecks.h"
 #include "worlds/meshmodel.h"
 
 #include <iostream>
@@ -14,12 +15,15 @@ int main(int argc, char** argv) {
     unsigned int seed = 1;
     app.add_option("kind", kind, "harbour, or floor: squares with scattered holes")
         ->required()
-        ->check(CLI::IsMember({"harbour", "floor"}));
+        ->check(ZUNO::Tools::oneOf({"harbour", "floor"}));
     app.add_option("file", file, "the file to write")->required();
-    const CLI::Option* const nodesOption =
-        app.add_option("--nodes", nodes, "nodes of a floor")->check(CLI::Range(1U, 1000000U));
+    const CLI::Option* const nodesOption = app.add_option("--nodes", nodes, "nodes of a floor")
+                                               ->check(ZUNO::Tools::wholeNumber(1, 1000000))
+                                               ->capture_default_str();
     const CLI::Option* const seedOption =
-        app.add_option("--seed", seed, "where a floor's holes are");
+        app.add_option("--seed", seed, "where a floor's holes are")
+            ->check(ZUNO::Tools::wholeNumberOf<unsigned int>(0))
+            ->capture_default_str();
     return ZUNO::Tools::runTool("makeworld", [&] {
         if (const auto end = ZUNO::Tools::parseWords(app, argc, argv); end.has_value())
             return *end;

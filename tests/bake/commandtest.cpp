@@ -107,6 +107,8 @@ TEST_F(BakeCommandTest, SaysInOneLineWhatIsWrongWithAScene) {
         {square + "g roof\nf 1 2 3 4", "--without rof", "--without rof: no group or object has"},
         {"v 0 0 " + std::string(200, 'x'), "", "xxx...' is no finite number"},
         {square + "f 1 2 3 4", "-o y.xml --picture ./y.xml", "./y.xml: would be written twice"},
+        {square + "f 1 2 3 4", "--up x", "zunobake: --up: expected y or z instead of 'x'\n"},
+        {square + "f 1 2 3 4", "--slope 90", "--slope: expected a number from 0 to 89 instead of"},
     };
     for (const auto& each : cases) {
         const Outcome outcome = bake(each.mScene, each.mOptions);
@@ -122,6 +124,7 @@ TEST_F(BakeCommandTest, OutputThatIsLostFails) {
                                     mMesh + " >/dev/full'");
     EXPECT_EQ(lost.mStatus, 2);
     EXPECT_EQ(lost.mOutput, "zunobake: standard output cannot be written\n");
+    EXPECT_TRUE(bake(square + "f 1 2 3 4", "--json").mOutput.starts_with("{\"mesh\":\""));
     EXPECT_EQ(runCommand(std::string(ZUNO_TOOL_FOLDER) + "/zunobake --version").mOutput,
               "zunobake " ZUNO_VERSION_TEXT "\n");
 }

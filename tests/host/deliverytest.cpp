@@ -98,7 +98,12 @@ TEST(Delivery, RunsProgramsAsTheySay) {
         {"makeworld harbour", 2, "file is required"},
         {"makescene maze" + file + "--size 4 --seed 3", 0, "faces"},
         {"makescene bridge" + file + "--seed 3", 2, "for mazes and towns; a bridge has"},
-        {"makescene tower" + file, 2, "tower not in"},
+        {"makescene toun" + file, 2, "maze or town instead of 'toun'; did you mean 'town'?\n"},
+        {"makescene maze" + file + "--size 1", 2,
+         "--size: expected a whole number from 2 to 1000 instead of"},
+        {"makescene maze" + file + "--sise 9", 2, "no option '--sise'; did you mean '--size'?\n"},
+        {"zunodemo" + harbour + " --budget 0", 2,
+         "--budget: expected a whole number of 1 or more instead"},
         {"makescene --version", 0, "makescene " ZUNO_VERSION_TEXT "\n"},
         {"makeworld --version", 0, "makeworld " ZUNO_VERSION_TEXT "\n"},
         {"zunodemo --version", 0, "zunodemo " ZUNO_VERSION_TEXT "\n"},
@@ -147,6 +152,10 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
     const std::string marked = folder + "/marked";
     std::ofstream(marked) << "\xEF\xBB\xBF"
                              "bounds\n";
+    const std::string scene = folder + "/scene.obj";
+    std::ofstream(scene) << "# a square\nv 0 0 0\n";
+    const std::string empty = folder + "/empty.xml";
+    std::ofstream{empty};
     const std::string copy = folder + "/copy.XML";
     struct Case {
         std::string mArguments;
@@ -158,31 +167,37 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
         {"path --help", 0, "--budget"},
         {"info " + mesh, 0, "nodes          873"},
         {"info --json " + mesh, 0, "\"islands\":[864,9]"},
-        {"path " + mesh + " --from 2,0,2 --to 50,5,25 --budget 10", 0, "found: cost 109.593971"},
-        {"path " + mesh + " --from -2,0,2 --to 50,5,25", 1, "stands on no node"},
-        {"path " + mesh + " --from 2,0,2 --to 100,1,75", 1, "no path"},
+        {"path " + mesh + " --from 2,0,2 --to 50,5,25 --budget 10", 0, "found: cost 109.594, "},
+        {"path " + mesh + " --from -2,0,2 --to 50,5,25", 1,
+         "The nearest place is (0, 0, 2) on node 0, 2 away."},
+        {"path " + mesh + " --to -2,0,2 --from 50,5,25 --json", 1,
+         "\"goal\":{\"node\":null,\"nearest\""},
+        {"path " + mesh + " --from 2,0,2 --to 100,1,75", 1, "no path\nThe start"},
         {"path " + mesh + " --from 2,0 --to 1,1,1", 2, "zunopath: expected x,y,z instead of '2,0'"},
         {"path " + mesh + " --from 2,0,2 --to 1,1,nope", 2, "instead of '1,1,nope'"},
         {"path " + mesh + " --from 2,0,2 --to 50,5,25 --straight", 0, "straight: length 93."},
         {"path " + mesh + " --from 2,0,2 --to 50,5,25 --straight=plain --json", 0,
          "\"straight\":[[2.0,0.0,2.0],["},
-        {"nearest " + mesh + " --at -2,0,2", 0, "0 0 2 on node 0, 2 away"},
+        {"nearest " + mesh + " --at -2,0,2", 0, "0 0 2 on node 0, 2 units away"},
         {"nearest " + mesh + " --at -2,0,2 --within 1 --json", 1, "\"nearest\":null"},
         {"explain " + mesh + " --from -2,0,2 --to 50,5,25", 1, "The nearest place is (0, 0, 2)"},
         {"explain " + mesh + " --from 2,0,2 --to 100,1,75 --json", 1,
          "\"answer\":\"other island\""},
-        {"height " + mesh + " --at 20,5,20", 0, "5 on node "},
+        {"height " + mesh + " --at 20,5,20", 0, "5 units on node "},
         {"height " + mesh + " --at 20,1,20 --json", 0, "\"height\":0.0,\"node\":"},
         {"ray " + mesh + " --from 2,2 --to 90,2 --json", 0, "{\"query\":\"ray\",\"hit\":false}"},
-        {"ray " + mesh + " --from 2,0,2 --to 2,0,90", 0, "hit at 45.5"},
+        {"ray " + mesh + " --from 2,0,2 --to 2,0,90", 0, "hit at 45.5 units"},
         {"blocked " + mesh + " --at 2,2", 0, "free"},
         {"height " + mesh + " --at 20,20 --json", 0, "\"height\":5.0"},
         {"height " + mesh + " --at -9,20", 1, "no ground"},
-        {"bounds " + mesh, 0, "0 0 to 105 80"},
+        {"bounds " + mesh, 0, "0 0 to 105 80 units"},
         {"draw " + mesh + " " + folder + "/d.svg --path 2,0,2 50,5,25 --blocked", 0, ""},
+        {"draw " + mesh + " " + folder + "/d.svg --path 2,0,2 100,1,75", 1,
+         "zunopath: path 1 of 1: no path\nThe start (2, 0, 2) stands on node 0"},
+        {"draw " + mesh + " " + folder + "/d.svg --path 1,0,1", 2, "expected a start and a goal"},
         {"draw " + mesh + " /nowhere/d.svg", 2, "zunopath: /nowhere/d.svg: cannot be written"},
         {"convert " + mesh + " " + binary, 0, "harbour.bin: 873 nodes, 1096 vertices"},
-        {"path " + binary + " --from 2,0,2 --to 50,5,25", 0, "found: cost 109.593971"},
+        {"path " + binary + " --from 2,0,2 --to 50,5,25", 0, "found: cost 109.594, "},
         {"convert " + binary + " " + folder + "/back.xml", 0, "873 nodes"},
         {"convert " + crowded + " " + folder + "/c.bin", 0,
          "/c.bin: node 0 has more neighbours than corners"},
@@ -196,14 +211,20 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
         {"check " + defective, 1, ": defect: vertex 1 is not finite\n"},
         {"check " + defective, 1, "leads to node 9999 of 873\n"},
         {"check " + defective, 1, "2 defects"},
+        {"check --json " + defective, 1, "\"defects\":[\"vertex 1 is not finite\",\"node 1: "},
         {"check " + broken, 2, "are not equal (Line: 3, Row: "},
-        {"info /nowhere/mesh.xml", 2, "zunopath: /nowhere/mesh.xml: CallbackFileStream: File or "},
-        {"info " + sources, 2, "Given path is a directory"},
+        {"info /nowhere/mesh.xml", 2, "zunopath: /nowhere/mesh.xml: there is no such file\n"},
+        {"info " + sources, 2, ": is a folder; expected a mesh\n"},
         {"info " + broken, 2, "are not equal (Line: 3, Row: "},
-        {"info", 2, "mesh is required"},
+        {"info " + scene, 2, "is a scene (Wavefront OBJ); 'zunobake SCENE -o MESH' makes a mesh"},
+        {"check " + empty, 2, ": is empty; expected a mesh\n"},
+        {"check " + marked, 2, ": is no mesh: neither XML nor the binary form\n"},
+        {"info", 2, "zunopath: mesh is required; --help tells more\n"},
+        {"info --to", 2, "there is no option '--to'; --help lists them\n"},
+        {"path --to", 2, "zunopath: --to: a value is missing\n"},
         {"run " + mesh + " /nowhere/script", 2, "/nowhere/script: cannot be opened"},
         {"run " + mesh + ' ' + folder, 2, folder + ": cannot be opened; expected a script"},
-        {"run " + mesh + ' ' + marked, 0, "0 0 to 105 80\n"},
+        {"run " + mesh + ' ' + marked, 0, "0 0 to 105 80 units\n"},
         {"inof " + mesh, 2, "zunopath: there is no command 'inof'; did you mean 'info'?\n"},
         {"path " + mesh + " --to 1,1,1 --from " + std::string(5000, '7'), 2,
          "instead of '" + std::string(60, '7') + "...'\n"},
@@ -228,7 +249,8 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
     std::ofstream(scriptFile) << "bounds # all\n\nblocked 2,2\nstraight plain\nray 1,1 2\n";
     const Outcome script = runCommand(tools + "/zunopath run " + mesh + " <" + scriptFile);
     EXPECT_EQ(script.mStatus, 2);
-    EXPECT_NE(script.mOutput.find("0 0 to 105 80\nfree\n"), std::string::npos) << script.mOutput;
+    EXPECT_NE(script.mOutput.find("0 0 to 105 80 units\nfree\n"), std::string::npos)
+        << script.mOutput;
     EXPECT_NE(script.mOutput.find("standard input:5: expected x,y or x,y,z instead of '2'"),
               std::string::npos);
 }

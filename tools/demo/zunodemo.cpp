@@ -6,6 +6,7 @@
 #include "tools/demo/crowd.h"
 #include "tools/output/outputfile.h"
 #include "tools/output/toolmain.h"
+#include "tools/output/wordchecks.h"
 #include "tools/picture/loadedmesh.h"
 #include "tools/picture/meshpicture.h"
 
@@ -126,8 +127,8 @@ void save(const Tools::MeshPicture& picture, const std::string& file, const char
     std::printf("%-21s  %s\n", name, file.c_str());
 }
 
-void draw(const Tools::Crowd& crowd, const Run& run, const Options& options) {
-    const Tools::LoadedMesh mesh(options.mMesh);
+void draw(const Tools::LoadedMesh& mesh, const Tools::Crowd& crowd, const Run& run,
+          const Options& options) {
     const auto isBlocked = [](const Common::Math::Vec2<float>& p) {
         return Pathfinder::Interface::isBlocked(p);
     };
@@ -158,6 +159,7 @@ void draw(const Tools::Crowd& crowd, const Run& run, const Options& options) {
 int run(const Options& options) {
     Tools::requireApart({options.mMesh},
                         {options.mPicture, options.mAnimation, options.mRecording});
+    const Tools::LoadedMesh mesh(options.mMesh); // says in one line what is wrong with it
     HostKit::Session session(options.mMesh,
                              HostKit::SessionSettings{.mRecording = options.mRecording});
     {
@@ -171,7 +173,7 @@ int run(const Options& options) {
         const Run run = runFrames(crowd, scheduler, options);
         printTable(crowd, scheduler.figures(), run);
         std::printf("\n");
-        draw(crowd, run, options);
+        draw(mesh, crowd, run, options);
     }
     const HostKit::MemoryFigures left = session.close();
     std::printf("memory, peak           %.1f KiB in %llu allocations\n",
@@ -186,6 +188,7 @@ int run(const Options& options) {
 } // namespace
 
 int main(int argc, char** argv) {
+    namespace Tools = ZUNO::Tools;
     Options options;
     CLI::App app{"Lets many characters of a host walk, and search their paths frame by frame."};
     app.add_option("mesh", options.mMesh, "the mesh file")->required();
@@ -194,17 +197,18 @@ int main(int argc, char** argv) {
     app.add_option("--record", options.mRecording, "a file for 'zunopath replay'");
     app.add_option("--characters", options.mCrowd.mCharacters, "how many")
         ->capture_default_str()
-        ->check(CLI::PositiveNumber);
+        ->check(Tools::wholeNumberOf<unsigned int>(1));
     app.add_option("--seconds", options.mSeconds, "of simulated time")
         ->capture_default_str()
-        ->check(CLI::PositiveNumber);
+        ->check(Tools::wholeNumberOf<unsigned int>(1));
     app.add_option("--budget", options.mBudget, "expansions per frame, all together")
         ->capture_default_str()
-        ->check(CLI::PositiveNumber);
+        ->check(Tools::wholeNumberOf<std::uint64_t>(1));
     app.add_option("--seed", options.mCrowd.mSeed, "chooses the starts and goals")
-        ->capture_default_str();
-    return ZUNO::Tools::runTool("zunodemo", [&] {
-        const std::optional<int> end = ZUNO::Tools::parseWords(app, argc, argv);
+        ->capture_default_str()
+        ->check(Tools::wholeNumberOf<unsigned int>(0));
+    return Tools::runTool("zunodemo", [&] {
+        const std::optional<int> end = Tools::parseWords(app, argc, argv);
         return end.has_value() ? *end : run(options);
     });
 }

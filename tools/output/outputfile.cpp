@@ -33,11 +33,14 @@ auto handle(int signal) {
     return former;
 }
 
-/// The file that a name leads to through links, whether it is there or not.
+/// The file that a name leads to through links, whether it is there or not. What is no file (a
+/// device, a pipe) stays under its name: where such a link leads may have none.
 fs::path targetOf(const std::string& name) {
     constexpr int mostLinks = 40; // more are a ring
     fs::path path = name;
     std::error_code error;
+    if (fs::exists(path, error) && !fs::is_regular_file(path, error))
+        return path;
     for (int i = 0; i < mostLinks && fs::is_symlink(path, error); ++i)
         path = path.parent_path() / fs::read_symlink(path, error);
     return path;

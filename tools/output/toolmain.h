@@ -15,7 +15,7 @@ enum ExitStatus : int { STATUS_OK = 0, STATUS_NOTHING = 1, STATUS_ERROR = 2 };
 int runTool(const char* name, const std::function<int()>& action);
 
 /// Reads the command line. Returns nothing when the tool is to go on, else the status to exit with:
-/// help or the version was asked for, or a word was wrong, which was said.
+/// help or the version was asked for. Throws a std::runtime_error that says which word is wrong.
 std::optional<int> parseWords(CLI::App& app, int argc, char** argv);
 
 } // namespace ZUNO::Tools

@@ -34,8 +34,8 @@ std::string shown(std::string_view word) {
 }
 
 std::string suggestion(std::string_view word, const std::vector<std::string>& candidates) {
-    constexpr std::size_t mostEdits = 2;
-    constexpr std::size_t longest = 40; // a longer word is no misspelt one
+    const std::size_t mostEdits = word.size() > 2 ? 2 : 0; // else any short word is near
+    constexpr std::size_t longest = 40;                    // a longer word is no misspelt one
     if (candidates.empty() || word.size() > longest)
         return "";
     const auto edits = [&](const std::string& each) { return editsBetween(word, each); };

@@ -13,6 +13,7 @@
 #include "navmesh/meshforms.h"
 #include "tools/output/outputfile.h"
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -54,6 +55,36 @@ bool isBinaryFile(const std::string& fileName) {
     return NavMesh::beginsBinaryForm(file.get());
 }
 
+/// Whether a line is one of a Wavefront OBJ file.
+bool isSceneLine(const std::string& line) {
+    static constexpr const char* words[] = {"v ", "vt ", "vn ",     "f ",     "g ",
+                                            "o ", "s ",  "mtllib ", "usemtl "};
+    return std::ranges::any_of(words, [&](const char* word) { return line.starts_with(word); });
+}
+
+/// What a file is that is no mesh, as far as its beginning tells; empty: it may be one.
+std::string whatElseIs(const std::string& fileName) {
+    std::error_code error;
+    const auto status = std::filesystem::status(fileName, error);
+    if (!std::filesystem::exists(status))
+        return "there is no such file";
+    if (std::filesystem::is_directory(status))
+        return "is a folder; expected a mesh";
+    std::ifstream file(fileName, std::ios::binary);
+    std::string line;
+    constexpr unsigned int mostLines = 100;
+    for (unsigned int i = 0; i < mostLines && std::getline(file, line); ++i) {
+        if (isSceneLine(line))
+            return "is a scene (Wavefront OBJ); 'zunobake SCENE -o MESH' makes a mesh of it";
+        if (line.find('<') != std::string::npos)
+            return "";
+    }
+    if (file.eof() && std::filesystem::is_regular_file(status) &&
+        std::filesystem::file_size(fileName, error) == 0)
+        return "is empty; expected a mesh";
+    return "is no mesh: neither XML nor the binary form";
+}
+
 SharedPtr<NavMesh::NavMeshContainer> makeMesh() {
     return SharedPtr<NavMesh::NavMeshContainer>(
         Memory::createManaged<NavMesh::NavMeshContainer>(gObjectAllocator));
@@ -72,7 +103,9 @@ LoadedMesh::LoadedMesh(const std::string& fileName, Defects defects) {
     try {
         load(fileName, defects);
     } catch (Exceptions::Exception* exception) {
-        throw std::runtime_error(fileName + ": " + HostKit::takeMessage(exception));
+        const std::string reason = HostKit::takeMessage(exception);
+        const std::string other = mIsBinary ? "" : whatElseIs(fileName);
+        throw std::runtime_error(fileName + ": " + (other.empty() ? reason : other));
     }
 }
 

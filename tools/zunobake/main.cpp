@@ -1,9 +1,11 @@
 // Makes a navigation mesh of a scene.
+#include "tools/output/jsonline.h"
 #include "tools/output/outputfile.h"
 #include "tools/output/toolmain.h"
 #include "tools/output/wording.h"
 #include "tools/picture/loadedmesh.h"
 #include "tools/picture/meshpicture.h"
+#include "tools/picture/meshsummary.h"
 #include "tools/zunobake/baker.h"
 #include "tools/zunobake/options.h"
 #include "tools/zunobake/progress.h"
@@ -82,6 +84,15 @@ void bake(const Options& options) {
     progress.end();
     if (options.mIsQuiet)
         return;
+    if (options.mIsJson) {
+        nlohmann::ordered_json json = summaryOf(*written, options.mOutput);
+        json["triangles"] = scene.triangleCount();
+        json["unreachable"] = unreachable.size();
+        for (const auto& [stage, seconds] : progress.stages())
+            json["seconds"][stage] = seconds;
+        std::cout << lineOf(json);
+        return;
+    }
     summary.print(std::cout, options.mOutput, baked.islandsLeftOut(), unreachable);
     std::cout << "seconds       ";
     for (const auto& [stage, seconds] : progress.stages()) {

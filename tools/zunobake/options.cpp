@@ -1,5 +1,6 @@
 #include "tools/zunobake/options.h"
 
+#include "tools/output/wordchecks.h"
 #include "tools/output/wording.h"
 
 #include <charconv>
@@ -46,12 +47,18 @@ void addOptions(CLI::App& app, Options& options) {
                    "of from the largest part")
         ->delimiter(',')
         ->expected(3);
-    app.add_flag("--quiet", options.mIsQuiet, "print nothing but errors");
+    CLI::Option* const quiet =
+        app.add_flag("--quiet", options.mIsQuiet, "print nothing but errors");
+    app.add_flag("--json", options.mIsJson, "print what was made in JSON, on one line")
+        ->excludes(quiet);
 
-    app.add_option("--up", options.mScene.mUp, "the axis that points up")
-        ->transform(CLI::CheckedTransformer(
-            std::map<std::string, UpAxis>{{"y", UpAxis::Y}, {"z", UpAxis::Z}}))
-        ->type_name("y|z")
+    app.add_option_function<std::string>(
+           "--up",
+           [&options](const std::string& axis) {
+               options.mScene.mUp = axis == "z" ? UpAxis::Z : UpAxis::Y;
+           },
+           "the axis that points up")
+        ->check(oneOf({"y", "z"}))
         ->default_str("y")
         ->group("Scene");
     const auto choice = [&](const char* name, bool& value, const char* description) {
@@ -83,28 +90,29 @@ void addOptions(CLI::App& app, Options& options) {
         };
     };
     const auto length = numbers("Agents");
-    length("--radius", bake.mRadius, "of every agent")->check(CLI::Range(0.0, 1e6));
-    length("--climb", bake.mClimb, "the highest step")->check(CLI::Range(0.0, 1e6));
-    length("--slope", bake.mSlope, "the steepest ground, in degrees")->check(CLI::Range(0.0, 89.0));
+    length("--radius", bake.mRadius, "of every agent")->check(numberBetween(0.0, 1e6));
+    length("--climb", bake.mClimb, "the highest step")->check(numberBetween(0.0, 1e6));
+    length("--slope", bake.mSlope, "the steepest ground, in degrees")
+        ->check(numberBetween(0.0, 89.0));
 
     const auto detail = numbers("Mesh");
     detail("--cell-size", bake.mCellSize, "side of a cell, which becomes the cube size")
-        ->check(CLI::Range(1e-6, 1e6));
-    detail("--cell-height", bake.mCellHeight, "height of a cell")->check(CLI::Range(1e-6, 1e6));
+        ->check(numberBetween(1e-6, 1e6));
+    detail("--cell-height", bake.mCellHeight, "height of a cell")->check(numberBetween(1e-6, 1e6));
     detail("--min-region", bake.mMinRegion, "leave out islands of fewer cells")
-        ->check(CLI::Range(0, 100'000'000));
+        ->check(wholeNumber(0, 100'000'000));
     detail("--merge-region", bake.mMergeRegion, "join regions of fewer cells with others")
-        ->check(CLI::Range(0, 100'000'000));
+        ->check(wholeNumber(0, 100'000'000));
     detail("--corners", bake.mCorners, "corners of a polygon; where tiles meet it may get more")
-        ->check(CLI::Range(3, 6));
+        ->check(wholeNumber(3, 6));
     detail("--tile", bake.mTileSize, "cells along a tile, which is made in one go")
-        ->check(CLI::Range(8, 512));
+        ->check(wholeNumber(8, 512));
     detail("--height-error", bake.mHeightError, "how far nodes may be off the ground in height")
-        ->check(CLI::Range(0.0, 1e6));
+        ->check(numberBetween(0.0, 1e6));
     detail("--max-error", bake.mMaxError, "how far borders may leave their cells, in cells")
-        ->check(CLI::Range(0.0, 10.0));
+        ->check(numberBetween(0.0, 10.0));
     detail("--max-cells", bake.mMaxCells, "refuse scenes of more cells")
-        ->check(CLI::Range(1ULL, 1'000'000'000ULL));
+        ->check(wholeNumber(1, 1'000'000'000));
 }
 
 } // namespace ZUNO::Tools

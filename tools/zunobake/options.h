@@ -14,6 +14,7 @@ struct Options {
     std::string mPicture;
     std::vector<float> mFrom; ///< where walkers begin; empty: on the largest part
     bool mIsQuiet = false;
+    bool mIsJson = false;
     SceneOptions mScene;
     BakeSettings mBake;
 };

@@ -6,7 +6,9 @@
 #include "tools/zunopath/world.h"
 
 #include <algorithm>
+#include <iostream>
 #include <memory>
+#include <stdexcept>
 
 namespace ZUNO::Tools {
 namespace {
@@ -19,6 +21,8 @@ struct Options {
 
 ExitStatus draw(const std::string& mesh, const Options& options) {
     requireApart({mesh}, {options.mPicture});
+    if (options.mPaths.size() % 2 != 0)
+        throw std::runtime_error("--path: expected a start and a goal, x,y,z x,y,z");
     std::vector<Query> queries;
     for (std::size_t i = 0; i + 1 < options.mPaths.size(); i += 2)
         queries.push_back(parseQuery({"path", options.mPaths[i], options.mPaths[i + 1]}));
@@ -36,6 +40,9 @@ ExitStatus draw(const std::string& mesh, const Options& options) {
     for (const Query& query : queries) {
         const Answer answer = *questioner.ask(query);
         status = std::max(status, answer.mStatus);
+        if (!answer.mPath.mIsFound)
+            std::cerr << "zunopath: path " << &query - queries.data() + 1 << " of "
+                      << queries.size() << ": " << answer.mText << '\n';
         picture.addPath(answer.mPath);
     }
     saveFile(options.mPicture, picture.text());
@@ -49,11 +56,8 @@ void addDrawCommand(CommandLine& line) {
     CLI::App* const command = line.add("draw", "Draw a mesh as an SVG picture",
                                        [&line, options] { return draw(line.mesh(), *options); });
     command->add_option("picture", options->mPicture, "the file to write")->required();
-    command
-        ->add_option("--path", options->mPaths,
-                     "a path to draw, with its start and goal: x,y,z x,y,z")
-        ->type_size(2)
-        ->allow_extra_args();
+    command->add_option("--path", options->mPaths,
+                        "a path to draw, with its start and goal: x,y,z x,y,z; again for others");
     command->add_flag("--blocked", options->mShowsBlocked, "mark what is blocked");
 }
 

@@ -1,36 +1,49 @@
 // The commands about a mesh as it is: what is in it, what is wrong with it, its other form.
 #include "navmesh/meshdefects.h"
 #include "navmesh/meshforms.h"
+#include "tools/output/jsonline.h"
+#include "tools/output/table.h"
 #include "tools/picture/meshfigures.h"
+#include "tools/picture/meshsummary.h"
 #include "tools/zunopath/commandline.h"
 #include "tools/zunopath/world.h"
 
 #include <filesystem>
 #include <iostream>
-#include <map>
 #include <memory>
 
 namespace ZUNO::Tools {
 namespace {
 
-ExitStatus check(const std::string& file) {
+ExitStatus check(const std::string& file, bool isJson) {
     const LoadedMesh mesh(file, LoadedMesh::Defects::ACCEPTED);
-    const auto printAs = [&](const char* kind, std::size_t& count) {
-        return [&, kind](const char* text) {
-            std::cout << file << ": " << kind << ": " << text << '\n';
-            ++count;
+    std::vector<std::string> defects;
+    std::vector<std::string> oddities;
+    const auto addTo = [](std::vector<std::string>& findings) {
+        return [&](const char* text) {
+            findings.emplace_back(text);
             return true;
         };
     };
-    std::size_t defects = 0;
-    std::size_t oddities = 0;
-    if (findDefects(*mesh, printAs("defect", defects))) {
-        findOddities(*mesh, printAs("odd", oddities));
-        findUnreachable(*mesh, printAs("odd", oddities));
+    if (findDefects(*mesh, addTo(defects))) {
+        findOddities(*mesh, addTo(oddities));
+        findUnreachable(*mesh, addTo(oddities));
     }
-    std::cout << file << ": " << mesh->mNodes.size() << " nodes, " << defects << " defects, "
-              << oddities << " oddities\n";
-    return defects + oddities == 0 ? STATUS_OK : STATUS_NOTHING;
+    const ExitStatus status = defects.empty() && oddities.empty() ? STATUS_OK : STATUS_NOTHING;
+    if (isJson) {
+        std::cout << lineOf({{"mesh", file},
+                             {"nodes", mesh->mNodes.size()},
+                             {"defects", defects},
+                             {"oddities", oddities}});
+        return status;
+    }
+    for (const std::string& defect : defects)
+        std::cout << file << ": defect: " << defect << '\n';
+    for (const std::string& oddity : oddities)
+        std::cout << file << ": odd: " << oddity << '\n';
+    std::cout << file << ": " << mesh->mNodes.size() << " nodes, " << defects.size() << " defects, "
+              << oddities.size() << " oddities\n";
+    return status;
 }
 
 /// Says what the binary form can't hold of a mesh.
@@ -65,45 +78,20 @@ ExitStatus convert(const std::string& input, const std::string& output) {
 
 ExitStatus showInfo(const std::string& file, bool isJson) {
     const World world(file);
-    const NavMesh::NavMeshContainer& mesh = world.mesh();
-    const MeshCounts counts = countMesh(mesh);
-    std::map<std::int32_t, unsigned int> classes;
-    for (const auto& node : mesh.mNodes)
-        ++classes[node.mHeightClass];
+    const HostKit::MemoryFigures& memory = world.session().memory();
     const Answer bounds = ask({});
-    nlohmann::ordered_json json = {{"mesh", file},
-                                   {"nodes", mesh.mNodes.size()},
-                                   {"vertices", mesh.mVertices.size()},
-                                   {"borders", counts.mBorders},
-                                   {"links", counts.mLinks},
-                                   {"cubesize", mesh.mCubeSize},
-                                   {"bounds", {bounds.mJson["min"], bounds.mJson["max"]}}};
-    for (const auto& [number, count] : classes)
-        json["heightclasses"].push_back(
-            {{"class", number},
-             {"height", mesh.mHeights[static_cast<std::size_t>(number)]},
-             {"nodes", count}});
-    for (const std::size_t size : counts.mIslandSizes)
-        json["islands"].push_back(size);
-    for (const auto& info : mesh.mCharacters)
-        json["characters"].push_back(info.mName.getConstCharPtr());
-    for (const auto& type : mesh.mSurfaceTypes)
-        json["surfacetypes"].push_back(type.mName.getConstCharPtr());
-    json["memory"] = {{"mesh", mesh.getMemoryUsage()},
-                      {"world", world.session().memory().mBytes},
-                      {"peak", world.session().memory().mPeakBytes}};
+    nlohmann::ordered_json json = summaryOf(world.mesh(), file);
+    json["bounds"] = {bounds.mJson["min"], bounds.mJson["max"]};
+    json["memory"] = {{"mesh", world.mesh().getMemoryUsage()},
+                      {"world", memory.mBytes},
+                      {"peak", memory.mPeakBytes}};
     if (isJson) {
-        std::cout << json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
-                  << '\n';
+        std::cout << lineOf(json);
         return STATUS_OK;
     }
-    for (const auto& [key, value] : json.items())
-        std::cout << key << std::string(15 - key.size(), ' ')
-                  << (value.is_string()
-                          ? value.get<std::string>()
-                          : value.dump(-1, ' ', false,
-                                       nlohmann::ordered_json::error_handler_t::replace))
-                  << '\n';
+    std::cout << textOf(json, {{"bounds", bounds.mText},
+                               {"memory", bytesText(memory.mBytes) + " for the world, " +
+                                              bytesText(memory.mPeakBytes) + " while it started"}});
     return STATUS_OK;
 }
 
@@ -117,8 +105,8 @@ void addMeshCommands(CommandLine& line) {
              [&line, output] { return convert(line.mesh(), *output); })
         ->add_option("output", *output, "the file to write: .xml or .bin")
         ->required();
-    line.add("check", "List everything that is wrong or odd about a mesh",
-             [&line] { return check(line.mesh()); })
+    line.addWithJson("check", "List everything that is wrong or odd about a mesh",
+                     [&line] { return check(line.mesh(), line.isJson()); })
         ->footer("Exit status: 0 nothing found, 1 something found, 2 no mesh at all.");
 }
 

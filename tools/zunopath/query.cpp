@@ -1,7 +1,9 @@
 #include "tools/zunopath/query.h"
 
 #include "pathfinder/interface.h"
+#include "tools/output/table.h"
 #include "tools/output/wording.h"
+#include "tools/zunopath/answertext.h"
 
 #include <charconv>
 #include <limits>
@@ -31,28 +33,6 @@ ordered_json json(const Vec3<float>& p) {
     return {p.mX, p.mY, p.mZ};
 }
 
-std::ostream& operator<<(std::ostream& out, const Vec2<float>& p) {
-    return out << p.mX << ' ' << p.mY;
-}
-std::ostream& operator<<(std::ostream& out, const Vec3<float>& p) {
-    return out << p.mX << ' ' << p.mY << ' ' << p.mZ;
-}
-
-/// One line of an answer: numbers in the shortest form that keeps every bit.
-class Line {
-public:
-    Line() { mText.precision(std::numeric_limits<float>::max_digits10); }
-    template <typename T>
-    Line& operator<<(const T& piece) {
-        mText << piece;
-        return *this;
-    }
-    std::string text() const { return mText.str(); }
-
-private:
-    std::ostringstream mText;
-};
-
 Answer askPath(const Query& query) {
     Answer answer;
     answer.mPath.mStart = spaceOf(query.mFrom);
@@ -60,7 +40,7 @@ Answer askPath(const Query& query) {
     const int search = Interface::initPathSearch(answer.mPath.mStart, answer.mPath.mGoal);
     if (search == Pathfinder::noSearch) {
         answer.mStatus = STATUS_NOTHING;
-        answer.mText = "off the mesh: a point stands on no node";
+        answer.mText = "off the mesh";
         answer.mJson = {{"query", "path"}, {"result", "off the mesh"}};
         return answer;
     }
@@ -73,12 +53,10 @@ Answer askPath(const Query& query) {
     answer.mPath.mIsFound = result == Pathfinder::PATH_FOUND;
     answer.mStatus = answer.mPath.mIsFound ? STATUS_OK : STATUS_NOTHING;
     ordered_json waypoints = ordered_json::array();
-    Line line;
     Vec3<float> waypoint;
     while (Interface::getNextWaypoint(search, waypoint)) {
         answer.mPath.mWaypoints.push_back(waypoint);
         waypoints.push_back(json(waypoint));
-        line << "\n  " << waypoint;
     }
     const float cost = Interface::getPathCost(search);
     Interface::closePathSearch(search);
@@ -91,10 +69,10 @@ Answer askPath(const Query& query) {
     }
     answer.mJson["cost"] = cost;
     answer.mJson["waypoints"] = waypoints;
-    Line head;
-    head << "found: cost " << cost << ", " << answer.mPath.mWaypoints.size() << " waypoints, "
-         << calls << (calls == 1 ? " call" : " calls");
-    answer.mText = head.text() + line.text();
+    answer.mText = "found: cost " + numberText(cost) + ", " +
+                   std::to_string(answer.mPath.mWaypoints.size()) + " waypoints, " +
+                   std::to_string(calls) + (calls == 1 ? " call\n" : " calls\n") +
+                   wayText("waypoint", answer.mPath.mStart, answer.mPath.mWaypoints);
     return answer;
 }
 
@@ -114,12 +92,7 @@ Answer askRay(const Query& query) {
     answer.mJson = {{"query", "ray"}, {"hit", isHit}};
     if (isHit)
         answer.mJson["distance"] = distance;
-    Line line;
-    if (isHit)
-        line << "hit at " << distance;
-    else
-        line << "no hit";
-    answer.mText = line.text();
+    answer.mText = isHit ? "hit at " + lengthText(distance) : "no hit";
     return answer;
 }
 
@@ -141,9 +114,7 @@ Answer askHeight(const Query& query) {
         return answer;
     }
     answer.mJson["height"] = height;
-    Line line;
-    line << height;
-    answer.mText = line.text();
+    answer.mText = lengthText(height);
     return answer;
 }
 
@@ -153,9 +124,7 @@ Answer askBounds() {
     Interface::getBoundingRectangle(min, max);
     Answer answer;
     answer.mJson = {{"query", "bounds"}, {"min", json(min)}, {"max", json(max)}};
-    Line line;
-    line << min << " to " << max;
-    answer.mText = line.text();
+    answer.mText = textOf(min) + " to " + textOf(max) + " units";
     return answer;
 }
 

@@ -1,4 +1,6 @@
 // The commands that ask the world: one question, or those of a script.
+#include "tools/output/jsonline.h"
+#include "tools/output/wordchecks.h"
 #include "tools/zunopath/commandline.h"
 #include "tools/zunopath/surfacequery.h"
 #include "tools/zunopath/world.h"
@@ -13,7 +15,7 @@ namespace ZUNO::Tools {
 namespace {
 
 ExitStatus show(const Answer& answer, bool isJson) {
-    std::cout << (isJson ? answer.mJson.dump() : answer.mText) << '\n';
+    std::cout << (isJson ? lineOf(answer.mJson) : answer.mText + '\n');
     return answer.mStatus;
 }
 
@@ -81,10 +83,10 @@ void addPath(CommandLine& line, const std::shared_ptr<Words>& given) {
     path->add_option("--from", given->mFrom, "the start: x,y,z")->required();
     path->add_option("--to", given->mTo, "the goal: x,y,z")->required();
     path->add_option("--budget", given->mBudget, "expansions per call (default: no limit)")
-        ->check(CLI::PositiveNumber);
+        ->check(wholeNumberOf<unsigned int>(1));
     path->add_flag("--straight{improved}", given->mStraight,
                    "straighten it too: improved, or --straight=plain through its own nodes")
-        ->check(CLI::IsMember({"improved", "plain", "off"}));
+        ->check(oneOf({"improved", "plain", "off"}));
 }
 
 void addNearest(CommandLine& line, const std::shared_ptr<Words>& given) {

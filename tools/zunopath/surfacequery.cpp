@@ -1,12 +1,11 @@
 #include "tools/zunopath/surfacequery.h"
 
-#include "tools/output/wording.h"
-
 #include "hostkit/explain.h"
 #include "navmesh/navmeshcontainer.h"
+#include "tools/output/wording.h"
+#include "tools/zunopath/answertext.h"
 
 #include <charconv>
-#include <sstream>
 #include <stdexcept>
 
 namespace ZUNO::Tools {
@@ -79,14 +78,6 @@ ordered_json json(const Explanation::End& end) {
     return json;
 }
 
-/// Numbers in the shortest form that keeps every bit.
-std::string textOf(const Position& p) {
-    std::ostringstream text;
-    text.precision(std::numeric_limits<float>::max_digits10);
-    text << p.mX << ' ' << p.mY << ' ' << p.mZ;
-    return text.str();
-}
-
 const char* nameOf(Explanation::Answer answer) {
     switch (answer) {
     case Explanation::Answer::POSSIBLE:
@@ -128,17 +119,31 @@ std::optional<Answer> Questioner::ask(const AnyQuery& query) {
     if (const auto* const surface = std::get_if<SurfaceQuery>(&query))
         return askSurface(*surface);
     Answer answer = Tools::ask(std::get<Query>(query));
-    if (mChoice.mForm.has_value() && answer.mPath.mIsFound)
+    if (std::get<Query>(query).mKind == Query::Kind::PATH && !answer.mPath.mIsFound)
+        addReason(answer);
+    else if (mChoice.mForm.has_value() && answer.mPath.mIsFound)
         straighten(answer);
     return answer;
 }
 
-HostKit::PathStraightener& Questioner::straightener() {
+const HostKit::MeshView& Questioner::view() {
     if (!mView.has_value())
         mView.emplace(mMesh);
+    return *mView;
+}
+
+HostKit::PathStraightener& Questioner::straightener() {
     if (!mStraightener.has_value())
-        mStraightener.emplace(*mView);
+        mStraightener.emplace(view());
     return *mStraightener;
+}
+
+void Questioner::addReason(Answer& answer) {
+    const Answer reason =
+        askExplain({SurfaceQuery::Kind::EXPLAIN, answer.mPath.mStart, answer.mPath.mGoal});
+    answer.mText += '\n' + reason.mText;
+    for (const char* const key : {"start", "goal", "text"})
+        answer.mJson[key] = reason.mJson[key];
 }
 
 void Questioner::straighten(Answer& answer) {
@@ -146,23 +151,19 @@ void Questioner::straighten(Answer& answer) {
     if (!straightener().straighten(answer.mPath.mStart, answer.mPath.mGoal, answer.mPath.mWaypoints,
                                    *mChoice.mForm, path))
         throw std::runtime_error("the path is none on the host's view of the mesh");
-    std::ostringstream text;
-    text.precision(std::numeric_limits<float>::max_digits10);
-    text << answer.mText << "\nstraight: length " << static_cast<float>(path.mLength) << ", "
-         << path.mCorners.size() << " corners";
     ordered_json corners = ordered_json::array();
     for (const HostKit::StraightPath::Corner& corner : path.mCorners) {
         corners.push_back(json(corner.mPosition));
-        text << "\n  " << textOf(corner.mPosition);
         answer.mPath.mCorners.push_back(corner.mPosition);
     }
     answer.mJson["straight"] = corners;
     answer.mJson["straightLength"] = path.mLength;
-    answer.mText = text.str();
+    answer.mText += "\nstraight: length " + lengthText(path.mLength) + ", " +
+                    std::to_string(corners.size()) + " corners\n" +
+                    wayText("corner", answer.mPath.mStart, answer.mPath.mCorners);
 }
 
 Answer Questioner::askSurface(const SurfaceQuery& query) {
-    straightener();
     switch (query.mKind) {
     case SurfaceQuery::Kind::NEAREST:
         return askNearest(query);
@@ -175,7 +176,7 @@ Answer Questioner::askSurface(const SurfaceQuery& query) {
 }
 
 Answer Questioner::askNearest(const SurfaceQuery& query) {
-    const auto place = findNearest(*mView, query.mFrom, query.mRadius, query.mHeight);
+    const auto place = findNearest(view(), query.mFrom, query.mRadius, query.mHeight);
     Answer answer;
     answer.mJson = {{"query", "nearest"}, {"nearest", nullptr}};
     if (!place) {
@@ -184,18 +185,15 @@ Answer Questioner::askNearest(const SurfaceQuery& query) {
         return answer;
     }
     answer.mJson["nearest"] = json(place);
-    std::ostringstream text;
-    text.precision(std::numeric_limits<float>::max_digits10);
-    text << textOf(place.mPosition) << " on node " << place.mNode << ", " << place.mDistance
-         << " away";
-    answer.mText = text.str();
+    answer.mText = textOf(place.mPosition) + " on node " + std::to_string(place.mNode) + ", " +
+                   lengthText(place.mDistance) + " away";
     return answer;
 }
 
 Answer Questioner::askExplain(const SurfaceQuery& query) {
-    const Explanation explanation = explain(*mView, query.mFrom, query.mTo);
+    const Explanation explanation = explain(view(), query.mFrom, query.mTo);
     Answer answer;
-    answer.mText = describe(*mView, explanation);
+    answer.mText = describe(view(), explanation);
     answer.mText.pop_back(); // the last line's end
     answer.mJson = {{"query", "explain"},
                     {"answer", nameOf(explanation.mAnswer)},
@@ -212,7 +210,7 @@ Answer Questioner::askExplain(const SurfaceQuery& query) {
 }
 
 Answer Questioner::askHeight(const SurfaceQuery& query) {
-    const Place ground = findGround(*mView, query.mFrom);
+    const Place ground = findGround(view(), query.mFrom);
     Answer answer;
     answer.mJson = {{"query", "height"}, {"height", nullptr}};
     if (!ground) {
@@ -225,10 +223,7 @@ Answer Questioner::askHeight(const SurfaceQuery& query) {
                     {"height", height},
                     {"node", ground.mNode},
                     {"position", json(ground.mPosition)}};
-    std::ostringstream text;
-    text.precision(std::numeric_limits<float>::max_digits10);
-    text << height << " on node " << ground.mNode;
-    answer.mText = text.str();
+    answer.mText = lengthText(height) + " on node " + std::to_string(ground.mNode);
     return answer;
 }
 

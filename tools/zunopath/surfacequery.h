@@ -45,8 +45,10 @@ public:
     std::optional<Answer> ask(const AnyQuery& query);
 
 private:
+    const HostKit::MeshView& view();
     HostKit::PathStraightener& straightener();
     void straighten(Answer& answer);
+    void addReason(Answer& answer);
     Answer askSurface(const SurfaceQuery& query);
     Answer askNearest(const SurfaceQuery& query);
     Answer askExplain(const SurfaceQuery& query);

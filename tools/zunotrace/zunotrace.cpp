@@ -1,5 +1,6 @@
 // The trace viewer: shows what hosts send on the trace channel.
 #include "tools/output/toolmain.h"
+#include "tools/output/wordchecks.h"
 #include "tools/zunotrace/tracetext.h"
 #include "tools/zunotrace/weblog.h"
 
@@ -67,12 +68,14 @@ void run(const Options& options) {
 int main(int argc, char** argv) {
     CLI::App app{"Receives and prints the trace messages of hosts until it is interrupted."};
     Options options;
-    app.add_option("--count", options.mCount, "end after so many messages");
+    app.add_option("--count", options.mCount, "end after so many messages")
+        ->check(ZUNO::Tools::wholeNumberOf<unsigned int>(1));
     CLI::Option* const web =
         app.add_flag("--web", options.mHasWebLog,
                      "show them in browsers of this machine too: levels, filter, pause");
     app.add_option("--port", options.mPort, "where browsers find the log; 0: any free port")
         ->needs(web)
+        ->check(ZUNO::Tools::wholeNumber(0, 65535))
         ->capture_default_str();
     return ZUNO::Tools::runTool("zunotrace", [&] {
         if (const std::optional<int> end = ZUNO::Tools::parseWords(app, argc, argv);
