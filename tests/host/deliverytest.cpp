@@ -123,12 +123,12 @@ TEST(Delivery, DemonstratesWithoutLeaks) {
     const std::string recording = temporary.path().string() + "/recording";
     const Outcome run =
         runCommand(tools + "/zunodemo " + sources + "/worlds/harbour.xml --picture " + picture +
-                   " --animation " + picture + "2 --record " + recording);
+                   " --animation " + picture + "2.svg --record " + recording);
     EXPECT_EQ(run.mStatus, 0) << run.mOutput;
     const Outcome replay = runCommand(tools + "/zunopath replay " + recording);
     EXPECT_NE(replay.mOutput.find("every answer as recorded\n"), std::string::npos)
         << replay.mOutput;
-    EXPECT_NE(contentOf(picture + "2").find("<animateMotion"), std::string::npos);
+    EXPECT_NE(contentOf(picture + "2.svg").find("<animateMotion"), std::string::npos);
     EXPECT_NE(run.mOutput.find("memory left behind     0 blocks, 0 bytes"), std::string::npos);
     EXPECT_TRUE(contentOf(picture).ends_with("</svg>\n"));
 }
@@ -195,6 +195,9 @@ TEST(Delivery, AnswersPeopleAtTheCommandLine) {
         {"draw " + mesh + " " + folder + "/d.svg --path 2,0,2 100,1,75", 1,
          "zunopath: path 1 of 1: no path\nThe start (2, 0, 2) stands on node 0"},
         {"draw " + mesh + " " + folder + "/d.svg --path 1,0,1", 2, "expected a start and a goal"},
+        {"draw " + mesh + " d.svg --floor 3..1", 2, "expected LOW..HIGH, LOW.. or ..HIGH instead"},
+        {"draw " + mesh + " d.svg --floor 90..", 2, "no node lies within these heights"},
+        {"draw " + mesh + " d.jpg", 2, "d.jpg: expected a name that ends in .svg or .png"},
         {"draw " + mesh + " /nowhere/d.svg", 2, "zunopath: /nowhere/d.svg: cannot be written"},
         {"convert " + mesh + " " + binary, 0, "harbour.bin: 873 nodes, 1096 vertices"},
         {"path " + binary + " --from 2,0,2 --to 50,5,25", 0, "found: cost 109.594, "},

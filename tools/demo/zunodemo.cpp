@@ -9,6 +9,7 @@
 #include "tools/output/wordchecks.h"
 #include "tools/picture/loadedmesh.h"
 #include "tools/picture/meshpicture.h"
+#include "tools/picture/picturefile.h"
 
 #include <algorithm>
 #include <chrono>
@@ -123,7 +124,7 @@ void printTable(const Tools::Crowd& crowd, const HostKit::SchedulerFigures& figu
 }
 
 void save(const Tools::MeshPicture& picture, const std::string& file, const char* name) {
-    Tools::saveFile(file, picture.text());
+    Tools::savePicture(file, picture.text());
     std::printf("%-21s  %s\n", name, file.c_str());
 }
 
@@ -160,6 +161,8 @@ int run(const Options& options) {
     Tools::requireApart({options.mMesh},
                         {options.mPicture, options.mAnimation, options.mRecording});
     const Tools::LoadedMesh mesh(options.mMesh); // says in one line what is wrong with it
+    for (const std::string& name : {options.mPicture, options.mAnimation})
+        Tools::requirePictureName(name);
     HostKit::Session session(options.mMesh,
                              HostKit::SessionSettings{.mRecording = options.mRecording});
     {

@@ -1,61 +1,47 @@
 #include "tools/picture/meshpicture.h"
 
 #include "navmesh/planegrid.h"
-#include "tools/picture/meshfigures.h"
+#include "tools/picture/picturestyle.h"
 #include "tools/picture/xmltext.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <iomanip>
-#include <numeric>
+#include <locale>
 #include <sstream>
+#include <stdexcept>
 
 namespace ZUNO::Tools {
 
+using namespace Style;
+
 namespace {
 
-constexpr float paper = 1200; // the longer side of the drawing
-constexpr float margin = 30;
-constexpr float header = 56;
-constexpr float legendWidth = 250;
 constexpr float maxSquares = 400; // along the longer side
-
-using Colour = std::array<int, 3>;
-constexpr Colour lowGround{226, 217, 196};
-constexpr Colour highGround{246, 178, 96};
-constexpr Colour island{190, 190, 200};
-constexpr const char* pathColours[] = {"#c2185b", "#1565c0", "#2e7d32", "#6a1b9a",
-                                       "#00838f", "#d84315", "#283593", "#827717"};
-
-std::string hex(const Colour& from, const Colour& to, float share) {
-    std::string text = "#";
-    constexpr char digits[] = "0123456789abcdef";
-    for (std::size_t i = 0; i < 3; ++i) {
-        const float mixed =
-            static_cast<float>(from[i]) + share * static_cast<float>(to[i] - from[i]);
-        const auto value = static_cast<unsigned int>(std::clamp(mixed, 0.0F, 255.0F));
-        text += digits[value / 16];
-        text += digits[value % 16];
-    }
-    return text;
-}
 
 } // namespace
 
-MeshPicture::MeshPicture(const NavMesh::NavMeshContainer& mesh, const std::string& title)
-    : mMesh(mesh), mTitle(title), mIslands(findIslands(mesh)) {
+MeshPicture::MeshPicture(const NavMesh::NavMeshContainer& mesh, const std::string& title,
+                         const HeightRange& heights)
+    : mMesh(mesh), mView(mesh), mTitle(title), mHeights(heights) {
+    for (std::uint32_t node = 0; node < mView.nodeCount(); ++node)
+        if (heights.holds(mView, node))
+            mNodes.push_back(node);
+    if (mNodes.empty())
+        throw std::runtime_error("no node lies within these heights");
+    std::ranges::stable_sort(mNodes, {}, [&](std::size_t node) { return heightOf(node); });
+    mLowest = heightOf(mNodes.front());
+    mHighest = heightOf(mNodes.back());
     const Common::Math::Rect bounds = NavMesh::measurePlane(mesh).mBounds;
     const Point size = bounds.mMax - bounds.mMin;
     mMin = bounds.mMin;
     mScale = paper / std::max({size.mX, size.mY, 1e-20F});
     mWidth = size.mX * mScale;
     mHeight = size.mY * mScale;
-    mLowest = mHighest = heightOf(mesh.mNodes.front());
-    for (const auto& node : mesh.mNodes) {
-        mLowest = std::min(mLowest, heightOf(node));
-        mHighest = std::max(mHighest, heightOf(node));
-    }
+}
+
+float MeshPicture::step() const {
+    constexpr float paperStep = 3;
+    return paperStep / mScale;
 }
 
 MeshPicture::Point MeshPicture::onPaper(const Point& point) const {
@@ -66,11 +52,12 @@ MeshPicture::Point MeshPicture::onPaper(const Common::Math::Vec3<float>& point) 
     return onPaper(mMesh.projectToPlane(point));
 }
 
-float MeshPicture::heightOf(const NavMesh::NavMeshContainer::NavNode& node) const {
+float MeshPicture::heightOf(std::size_t node) const {
+    const auto& polygon = mMesh.mNodes[node].mPolygon;
     float sum = 0;
-    for (const std::uint32_t corner : node.mPolygon)
+    for (const std::uint32_t corner : polygon)
         sum += dot(mMesh.mVertices[corner], mMesh.mNormal);
-    return sum / static_cast<float>(node.mPolygon.size());
+    return sum / static_cast<float>(polygon.size());
 }
 
 void MeshPicture::addBlockedCells(const std::function<bool(const Point&)>& isBlocked) {
@@ -94,11 +81,9 @@ void MeshPicture::addBlockedCells(const std::function<bool(const Point&)>& isBlo
 }
 
 std::string MeshPicture::fillOf(std::size_t node) const {
-    if (mIslands[node] != 0)
-        return hex(island, island, 0);
     const float range = mHighest - mLowest;
-    return hex(lowGround, highGround,
-               range > 0 ? (heightOf(mMesh.mNodes[node]) - mLowest) / range : 0);
+    return hex(tintOf(mView.islandOf(static_cast<std::uint32_t>(node))),
+               range > 0 ? (heightOf(node) - mLowest) / range : 0);
 }
 
 void MeshPicture::writeNode(std::ostream& out, std::size_t id) const {
@@ -120,16 +105,11 @@ void MeshPicture::writeNode(std::ostream& out, std::size_t id) const {
 }
 
 void MeshPicture::writeNodes(std::ostream& out) const {
-    std::vector<std::size_t> order(mMesh.mNodes.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::ranges::stable_sort(order, [&](std::size_t a, std::size_t b) {
-        return heightOf(mMesh.mNodes[a]) < heightOf(mMesh.mNodes[b]);
-    });
     // what lies clearly above the lowest floor shows what is under it
     const float upper = mLowest + (mHighest - mLowest) * 0.25F;
     const char* openGroup = "";
-    for (const std::size_t id : order) {
-        const char* const group = heightOf(mMesh.mNodes[id]) > upper ? "upper" : "node";
+    for (const std::size_t id : mNodes) {
+        const char* const group = heightOf(id) > upper ? "upper" : "node";
         if (std::string(group) != openGroup) {
             out << (*openGroup != '\0' ? "</g>\n" : "") << "<g class=\"" << group << "\">\n";
             openGroup = group;
@@ -149,96 +129,10 @@ void MeshPicture::writeBlocked(std::ostream& out) const {
     out << "\"/>\n";
 }
 
-void MeshPicture::writeLine(std::ostream& out, const char* kind, const char* colour,
-                            const std::vector<Common::Math::Vec3<float>>& points) const {
-    out << "<polyline class=\"" << kind << "\" stroke=\"" << colour << "\" points=\"";
-    for (const Common::Math::Vec3<float>& point : points) {
-        const Point p = onPaper(point);
-        out << p.mX << ',' << p.mY << ' ';
-    }
-    out << "\"/>\n";
-}
-
-void MeshPicture::writePaths(std::ostream& out) const {
-    for (std::size_t i = 0; i < mPaths.size(); ++i) {
-        const DrawnPath& path = mPaths[i];
-        const char* const colour = path.mIsFound ? pathColours[i % std::size(pathColours)] : "#555";
-        const Point start = onPaper(path.mStart);
-        const Point goal = onPaper(path.mGoal);
-        if (path.mIsFound) {
-            std::vector<Common::Math::Vec3<float>> line{path.mStart};
-            line.insert(line.end(), path.mWaypoints.begin(), path.mWaypoints.end());
-            line.push_back(path.mGoal);
-            writeLine(out, path.mCorners.empty() ? "path" : "path faint", colour, line);
-            if (!path.mCorners.empty())
-                writeLine(out, "path", colour, path.mCorners);
-        } else {
-            out << "<path class=\"lost\" d=\"M" << start.mX << ' ' << start.mY << 'L' << goal.mX
-                << ' ' << goal.mY << "\"/>\n";
-        }
-        out << "<circle cx=\"" << start.mX << "\" cy=\"" << start.mY
-            << "\" r=\"4\" fill=\"#fff\" stroke-width=\"2\" stroke=\"" << colour << "\"/>\n"
-            << "<path d=\"M" << goal.mX << ' ' << goal.mY - 6 << "l6 6l-6 6l-6 -6z\" fill=\""
-            << colour << "\" stroke=\"#fff\"/>\n";
-    }
-}
-
-void MeshPicture::writeWalks(std::ostream& out) const {
-    for (std::size_t i = 0; i < mWalks.size(); ++i) {
-        out << "<circle r=\"5\" stroke=\"#fff\" fill=\"" << pathColours[i % std::size(pathColours)]
-            << "\"><animateMotion calcMode=\"linear\" repeatCount=\"indefinite\" dur=\""
-            << mWalkSeconds << "s\" values=\"";
-        const char* separator = "";
-        for (const Common::Math::Vec3<float>& position : mWalks[i].mPositions) {
-            const Point p = onPaper(position);
-            out << separator << p.mX << ',' << p.mY;
-            separator = ";";
-        }
-        out << "\"/></circle>\n";
-    }
-}
-
-void MeshPicture::writeLegend(std::ostream& out) const {
-    const float x = margin + mWidth + 30;
-    float y = header + 14;
-    const auto entry = [&](const std::string& sign, const std::string& text) {
-        out << "<g transform=\"translate(" << x << ' ' << y << ")\">" << sign
-            << "<text x=\"44\" y=\"5\">" << xmlTextOf(text) << "</text></g>\n";
-        y += 28;
-    };
-    const auto box = [](const std::string& fill) {
-        return "<rect y=\"-8\" width=\"32\" height=\"16\" stroke=\"#777\" fill=\"" + fill + "\"/>";
-    };
-    const auto height = [](float value) {
-        std::string text = std::to_string(value);
-        return text.substr(0, text.find('.') + 2);
-    };
-    entry(box(hex(lowGround, highGround, 0)), "lowest floor, " + height(mLowest));
-    if (mHighest > mLowest)
-        entry(box(hex(lowGround, highGround, 1)), "highest floor, " + height(mHighest));
-    if (std::ranges::any_of(mIslands, [](unsigned int number) { return number != 0; }))
-        entry(box(hex(island, island, 0)), "island apart from the largest");
-    entry("<path d=\"M0 0h32\" stroke=\"#fff\" stroke-width=\"2\"/>", "border with a neighbour");
-    entry("<path class=\"wall\" d=\"M0 0h32\"/>", "border without");
-    if (!mBlocked.empty())
-        entry(box("url(#hatch)"), "blocked for rays");
-    if (!mWalks.empty())
-        entry("<circle cx=\"16\" r=\"5\" fill=\"#1565c0\" stroke=\"#fff\"/>", "character");
-    if (mPaths.empty())
-        return;
-    entry("<circle cx=\"16\" r=\"4\" fill=\"#fff\" stroke=\"#333\" stroke-width=\"2\"/>", "start");
-    entry("<path d=\"M16 -6l6 6l-6 6l-6 -6z\" fill=\"#333\"/>", "goal");
-    entry("<path class=\"path\" stroke=\"#1565c0\" d=\"M0 0h32\"/>", "path found");
-    if (std::ranges::any_of(mPaths, [](const DrawnPath& path) { return !path.mCorners.empty(); }))
-        entry("<path class=\"path faint\" stroke=\"#1565c0\" d=\"M0 0h32\"/>", "its waypoints");
-    if (std::ranges::any_of(mPaths, [](const DrawnPath& path) { return !path.mIsFound; }))
-        entry("<path class=\"lost\" d=\"M0 0h32\"/>", "no path");
-}
-
 std::string MeshPicture::text() const {
     std::ostringstream out;
     const float width = mWidth + 2 * margin + legendWidth;
-    const float height = std::max(mHeight + header + margin, 400.0F);
+    const float height = std::max(mHeight + header + footer, 440.0F);
     out.imbue(std::locale::classic());
     out << std::fixed << std::setprecision(1)
         << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << width << "\" height=\"" << height
@@ -248,6 +142,7 @@ std::string MeshPicture::text() const {
            ".wall{stroke:#4e4a42;stroke-width:2;stroke-linecap:round}"
            ".blocked{fill:url(#hatch);stroke:none}"
            ".path{fill:none;stroke-width:2.2;stroke-opacity:.75;stroke-linejoin:round}"
+           ".hidden{stroke-dasharray:1 5;stroke-linecap:round}"
            ".faint{stroke-width:1;stroke-opacity:.4}"
            ".lost{stroke:#555;stroke-width:1.2;stroke-dasharray:5 5}</style>\n"
            "<defs><pattern id=\"hatch\" width=\"8\" height=\"8\" patternUnits=\"userSpaceOnUse\">"
@@ -260,6 +155,7 @@ std::string MeshPicture::text() const {
     writePaths(out);
     writeWalks(out);
     writeLegend(out);
+    writeScale(out);
     out << "</svg>\n";
     return out.str();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "navmesh/navmeshcontainer.h"
+#include "tools/picture/trail.h"
 
 #include <functional>
 #include <ostream>
@@ -15,6 +16,7 @@ struct DrawnPath {
     Common::Math::Vec3<float> mGoal;
     std::vector<Common::Math::Vec3<float>> mWaypoints;
     std::vector<Common::Math::Vec3<float>> mCorners; ///< of the straight path; none: not asked for
+    std::vector<HostKit::Place> mPlaces = {}; ///< along the straight path; none: by its corners
     bool mIsFound = false;
 };
 
@@ -24,10 +26,17 @@ struct DrawnWalk {
 };
 
 /// A mesh seen from above, as an SVG picture: nodes by height and island, borders with and without
-/// neighbour, and whatever is added: blocked cells, paths. A legend explains what is there.
+/// neighbour, and whatever is added: blocked cells, paths. Where a path goes under another floor
+/// it is dotted. A legend explains what is there, and a bar how long a length is.
 class MeshPicture {
 public:
-    MeshPicture(const NavMesh::NavMeshContainer& mesh, const std::string& title);
+    /// Shows the nodes within the heights, of a mesh without defects.
+    /// Throws a std::runtime_error when there are none.
+    MeshPicture(const NavMesh::NavMeshContainer& mesh, const std::string& title,
+                const HeightRange& heights = {});
+
+    /// The step of `mPlaces` at which a path's line looks smooth.
+    float step() const;
 
     /// Marks every cell of the mesh's cube size for which `isBlocked` holds at its centre (in
     /// coordinates of the mesh's plane). Coarser squares are taken where there would be too many.
@@ -53,21 +62,25 @@ private:
 
     Point onPaper(const Common::Math::Vec3<float>& point) const;
     Point onPaper(const Point& point) const;
-    float heightOf(const NavMesh::NavMeshContainer::NavNode& node) const;
+    float heightOf(std::size_t node) const;
     std::string fillOf(std::size_t node) const;
     void writeNodes(std::ostream& out) const;
     void writeNode(std::ostream& out, std::size_t id) const;
     void writeBlocked(std::ostream& out) const;
     void writePaths(std::ostream& out) const;
+    void writePath(std::ostream& out, const DrawnPath& path, const char* colour) const;
     void writeLine(std::ostream& out, const char* kind, const char* colour,
                    const std::vector<Common::Math::Vec3<float>>& points) const;
     void writeWalks(std::ostream& out) const;
     void writeLegend(std::ostream& out) const;
+    void writeScale(std::ostream& out) const;
 
     const NavMesh::NavMeshContainer& mMesh;
+    HostKit::MeshView mView;
     std::string mTitle;
-    std::vector<unsigned int> mIslands;
-    std::vector<Square> mBlocked; ///< runs of blocked squares, on paper
+    HeightRange mHeights;
+    std::vector<std::size_t> mNodes; ///< those that are shown, the lowest first
+    std::vector<Square> mBlocked;    ///< runs of blocked squares, on paper
     std::vector<DrawnPath> mPaths;
     std::vector<DrawnWalk> mWalks;
     float mWalkSeconds = 0;

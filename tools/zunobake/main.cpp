@@ -6,6 +6,7 @@
 #include "tools/picture/loadedmesh.h"
 #include "tools/picture/meshpicture.h"
 #include "tools/picture/meshsummary.h"
+#include "tools/picture/picturefile.h"
 #include "tools/zunobake/baker.h"
 #include "tools/zunobake/options.h"
 #include "tools/zunobake/progress.h"
@@ -53,6 +54,7 @@ std::vector<UnreachablePart> explore(const Options& options, const Scene& scene,
 void bake(const Options& options) {
     formOf(options.mOutput); // before anything takes its time
     requireApart(options.mScenes, {options.mOutput, options.mPicture});
+    requirePictureName(options.mPicture);
     Progress progress(!options.mIsQuiet);
     const auto showProgress = [&](std::size_t done, std::size_t all) { progress.show(done, all); };
     Scene scene;
@@ -79,7 +81,7 @@ void bake(const Options& options) {
     const Summary summary(*written, scene, options.mBake, options.mScene.mUp);
     if (!options.mPicture.empty()) {
         progress.begin("drawing");
-        saveFile(options.mPicture, MeshPicture(*written, options.mOutput).text());
+        savePicture(options.mPicture, MeshPicture(*written, options.mOutput).text());
     }
     progress.end();
     if (options.mIsQuiet)

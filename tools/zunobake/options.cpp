@@ -41,7 +41,7 @@ void addOptions(CLI::App& app, Options& options) {
     app.add_option("scene", options.mScenes, "the scene: Wavefront OBJ files")->required();
     app.add_option("-o,--output", options.mOutput, "the mesh file to write: .xml or .bin")
         ->required();
-    app.add_option("--picture", options.mPicture, "draw the mesh as well, as SVG");
+    app.add_option("--picture", options.mPicture, "draw the mesh as well: .svg or .png");
     app.add_option("--from", options.mFrom,
                    "where walkers begin, as x,y,z: lists what can't be reached from there instead "
                    "of from the largest part")

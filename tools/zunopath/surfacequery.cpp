@@ -1,6 +1,7 @@
 #include "tools/zunopath/surfacequery.h"
 
 #include "hostkit/explain.h"
+#include "hostkit/pathpoints.h"
 #include "navmesh/navmeshcontainer.h"
 #include "tools/output/wording.h"
 #include "tools/zunopath/answertext.h"
@@ -156,6 +157,8 @@ void Questioner::straighten(Answer& answer) {
         corners.push_back(json(corner.mPosition));
         answer.mPath.mCorners.push_back(corner.mPosition);
     }
+    if (mTrailStep > 0)
+        answer.mPath.mPlaces = placesAlong(view(), path, mTrailStep);
     answer.mJson["straight"] = corners;
     answer.mJson["straightLength"] = path.mLength;
     answer.mText += "\nstraight: length " + lengthText(path.mLength) + ", " +

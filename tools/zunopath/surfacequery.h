@@ -39,7 +39,9 @@ AnyQuery parseAnyQuery(const std::vector<std::string>& words);
 /// the first question needs it.
 class Questioner {
 public:
-    explicit Questioner(const NavMesh::NavMeshContainer& mesh) : mMesh(mesh) {}
+    /// With a step above 0 straight paths have places along them, too, for pictures.
+    explicit Questioner(const NavMesh::NavMeshContainer& mesh, float trailStep = 0)
+        : mMesh(mesh), mTrailStep(trailStep) {}
 
     /// Nothing for a choice, which has no answer.
     std::optional<Answer> ask(const AnyQuery& query);
@@ -55,6 +57,7 @@ private:
     Answer askHeight(const SurfaceQuery& query);
 
     const NavMesh::NavMeshContainer& mMesh;
+    float mTrailStep;
     StraightChoice mChoice;
     std::optional<HostKit::MeshView> mView;
     std::optional<HostKit::PathStraightener> mStraightener;

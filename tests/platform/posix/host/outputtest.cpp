@@ -132,6 +132,8 @@ TEST_F(OutputTest, OutputThatIsLostFails) {
         {"zunopath convert " + harbour + ' ' + in("full.bin"), in("full.bin") + full},
         {"zunopath draw " + harbour + " /dev/full", "/dev/full" + full},
         {"makescene bridge /dev/full", "/dev/full" + full},
+        {"zunodemo " + harbour + " --seconds 1 --picture " + mOld + ".jpg",
+         ".jpg: expected a name that ends in .svg or .png\n"},
     };
     for (const auto& row : cases) {
         const Outcome outcome = runCommand("sh -c '" + tools + '/' + row.mCommand + '\'');
@@ -147,6 +149,21 @@ TEST_F(OutputTest, PicturesOfMeshesOfAnyNameAreXml) {
     const std::string none = "\xEF\xBF\xBD";
     const std::string title = "a&lt;b&gt;&amp;" + none + none + none + none + "\xC3\xA9.xml</text>";
     EXPECT_NE(get("picture.svg").find(title), std::string::npos);
+}
+
+TEST_F(OutputTest, APngNeedsAConverterAndSaysSo) {
+    const std::string picture = in("p.png");
+    const std::string draw = tools + "/zunopath draw " + harbour + ' ' + picture;
+    const Outcome without = runCommand("env PATH=" + in("") + ' ' + draw);
+    EXPECT_EQ(without.mStatus, 2);
+    EXPECT_NE(without.mOutput.find("by rsvg-convert (Debian: librsvg2-bin), which failed: "),
+              std::string::npos)
+        << without.mOutput;
+    EXPECT_FALSE(fs::exists(picture));
+    if (runCommand("rsvg-convert --version").mStatus != 0)
+        GTEST_SKIP() << "no converter is here";
+    EXPECT_EQ(runCommand(draw).mStatus, 0);
+    EXPECT_TRUE(get("p.png").starts_with("\x89PNG"));
 }
 
 TEST_F(OutputTest, ALimitOfTheProcessLeavesTheOldFileAlone) {
