@@ -40,6 +40,19 @@ if(ZUNO_BUILD_TOOLS)
   endif()
   set_target_properties(${tools} PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
   install(TARGETS ${tools} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  if(NOT CMAKE_CROSSCOMPILING)
+    # where Debian's zsh looks below /usr; below /usr/local it is share/zsh/site-functions
+    set(ZUNO_ZSH_FOLDER ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions CACHE STRING
+      "Where zsh finds completions")
+    install(FILES tools/completion/zsh DESTINATION ${ZUNO_ZSH_FOLDER} RENAME _zunotools
+      COMPONENT tools)
+    foreach(tool ${tools})
+      install(FILES tools/completion/bash RENAME ${tool} COMPONENT tools
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+      install(FILES ${PROJECT_BINARY_DIR}/man/${tool}.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+        COMPONENT tools)
+    endforeach()
+  endif()
 endif()
 
 if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)

@@ -25,5 +25,7 @@ chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root bash -euc '
     zunopath info harbour.xml | head -n 1
     find_package/owncallbacks harbour.xml | grep "^reported by"
     zunobake --version
+    ls /usr/share/man/man1/zunopath.1.gz /usr/share/bash-completion/completions/zunobake \
+        /usr/share/zsh/vendor-completions/_zunotools >/dev/null
     dpkg -P zunopathfinder-tools libzunopathfinder-dev libzunopathfinder1 >/dev/null
     ! ls /usr/lib | grep zuno'

@@ -1,6 +1,7 @@
 #include "tools/output/toolmain.h"
 
 #include "pathfinder/version.h"
+#include "tools/output/toolwords.h"
 #include "tools/output/wording.h"
 
 #include <algorithm>
@@ -81,7 +82,14 @@ int runTool(const char* name, const std::function<int()>& action) {
 std::optional<int> parseWords(CLI::App& app, int argc, char** argv) {
     app.allow_windows_style_options(false); // a path may begin with a slash
     const std::string name = std::filesystem::path(argv[0]).stem().string();
+    const std::string first = argc > 1 ? argv[1] : "";
     app.set_version_flag("--version", name + " " ZUNO_VERSION_TEXT, "print the version and end");
+    // for shells and for the manual, not for people: the help doesn't name these
+    if (first == "--complete" || first == "--manual-page") {
+        std::cout << (first == "--complete" ? completionsOf(app, {argv + 2, argv + argc})
+                                            : manualPageOf(app, name));
+        return STATUS_OK;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

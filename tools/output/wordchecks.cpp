@@ -47,14 +47,17 @@ CLI::Validator numberBetween(double least, double most) {
 
 CLI::Validator oneOf(const std::vector<std::string>& words) {
     std::string choice;
-    for (std::size_t i = 0; i < words.size(); ++i)
+    std::string range;
+    for (std::size_t i = 0; i < words.size(); ++i) {
         choice += (i == 0 ? "" : (i + 1 == words.size() ? " or " : ", ")) + words[i];
+        range += (i == 0 ? "" : "|") + words[i];
+    }
     const auto check = [=](const std::string& word) -> std::string {
         if (std::ranges::find(words, word) != words.end())
             return "";
         return "expected " + choice + " instead of '" + shown(word) + "'" + suggestion(word, words);
     };
-    return CLI::Validator(check, choice);
+    return CLI::Validator(check, range);
 }
 
 } // namespace ZUNO::Tools

@@ -166,6 +166,15 @@ TEST_F(OutputTest, APngNeedsAConverterAndSaysSo) {
     EXPECT_TRUE(get("p.png").starts_with("\x89PNG"));
 }
 
+TEST_F(OutputTest, ShellsAreToldTheWordsThatMayComeNext) {
+    const std::string tool = tools + "/zunopath";
+    EXPECT_EQ(
+        runCommand("bash -c 'source " ZUNO_SOURCE_FOLDER "/tools/completion/bash; COMP_WORDS=(" +
+                   tool + " path --); COMP_CWORD=2; _zunotool " + tool + "; echo ${COMPREPLY[*]}'")
+            .mOutput,
+        "--help --json --from --to --budget --straight\n");
+}
+
 TEST_F(OutputTest, ALimitOfTheProcessLeavesTheOldFileAlone) {
     const Outcome outcome = runCommand("sh -c 'ulimit -f 8; " + tools + "/zunopath convert " +
                                        harbour + ' ' + mOld + '\'');
