@@ -104,7 +104,8 @@ TEST_F(BakeCommandTest, SaysInOneLineWhatIsWrongWithAScene) {
          "the name 'a<b' can't stand in an XML file: "},
         {square + "f 1 2 3 4", "--from 9,0,9", "--from 9,0,9: there is no ground to walk on"},
         {square + "f 1 2 3 4", "--agent a:b", "zunobake: --agent: expected NAME:HEIGHT"},
-        {square + "g roof\nf 1 2 3 4", "--without rof", "--without rof: no group or object has"},
+        {square + "g roof\nf 1 2 3 4", "--without rof",
+         "--without rof: no group, object or material has"},
         {"v 0 0 " + std::string(200, 'x'), "", "xxx...' is no finite number"},
         {square + "f 1 2 3 4", "-o y.xml --picture ./y.xml", "./y.xml: would be written twice"},
         {square + "f 1 2 3 4", "--up x", "zunobake: --up: expected y or z instead of 'x'\n"},
@@ -118,6 +119,59 @@ TEST_F(BakeCommandTest, SaysInOneLineWhatIsWrongWithAScene) {
     }
 }
 
+/// A square of 8 x 8 in two nodes, one above the other, in a third that lies at x = 100.
+const std::string gltf =
+    R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}], "nodes": [
+{"translation": [100, 0, 0], "children": [1, 2]}, {"name": "floor", "mesh": 0},
+{"name": "roof", "mesh": 0, "translation": [0, 3, 0]}], "materials": [{"name": "stone"}],
+"meshes": [{"name": "square", "primitives": [
+{"attributes": {"POSITION": 0}, "indices": 1, "material": 0}]}], "accessors": [
+{"bufferView": 0, "componentType": 5126, "count": 4, "type": "VEC3"},
+{"bufferView": 1, "componentType": 5123, "count": 6, "type": "SCALAR"}], "bufferViews": [
+{"buffer": 0, "byteLength": 48}, {"buffer": 0, "byteOffset": 48, "byteLength": 12}],
+"buffers": [{"byteLength": 60, "uri": "data:application/octet-stream;base64,)"
+    "AAAAAAAAAAAAAAAAAAAAAAAAAAAAAABBAAAAQQAAAAAAAABBAAAAQQAAAAAAAAAAAAABAAIAAAACAAMA\"}]}";
+
+TEST_F(BakeCommandTest, ReadsGltf) {
+    const struct {
+        const char* mWhat;
+        const char* mOld; ///< what is replaced in the file
+        const char* mNew;
+        const char* mOptions;
+        int mStatus;
+        const char* mOutput;
+    } cases[] = {
+        {"nodes and a material", "", "", "", 0, "2 nodes, 8 vertices\nscene          4 tri"},
+        {"a node left out", "", "", "--without roof", 0, "2 triangles, 1 faces left out"},
+        {"a marked node", "", "", "--mark floor", 0, "surface types  floor stone"},
+        {"a mesh left out", "", "", "--without square", 2, "the scene has no faces"},
+        {"a material left out", "", "", "--without stone", 2, "the scene has no faces"},
+        {"a name that nothing has", "", "", "--mark flor", 2, "--mark flor: no group or object"},
+        {"a mirror", "100, 0, 0]", "0, 0, 0], \"scale\": [-1, 1, 1]", "", 0, "2 nodes"},
+        {"half a turn", "100, 0, 0]", "0, 0, 0], \"rotation\": [0, 1, 0, 0]", "", 0, "2 nodes"},
+        {"upside down", "100, 0, 0]", "0, 0, 0], \"rotation\": [1, 0, 0, 0]", "", 2, "nothing is"},
+        {"a node in itself", "[1, 2]", "[0]", "", 2, "node 0 lies in two others, or in itself"},
+        {"no such node", "[1, 2]", "[7]", "", 2, "node 7 is named and not there"},
+        {"indices beyond", "\"count\": 6", "\"count\": 7", "", 2, "indices reach beyond their"},
+        {"too few vertices", "\"count\": 4", "\"count\": 3", "", 2, "index 3 is out of range"},
+        {"floats as indices", "5123", "5126", "", 2, "indices reach beyond their"},
+        {"an extension", "\"scene\"", "\"extensionsRequired\": [\"X\"], \"scene\"", "", 2,
+         "needs the extension X"},
+        {"no JSON", "{\"asset\"", "[", "", 2, "cannot be read as glTF 2.0: "},
+    };
+    for (const auto& each : cases) {
+        std::string text = gltf;
+        const std::string old = each.mOld;
+        text.replace(text.find(old), old.size(), each.mNew);
+        const Outcome outcome =
+            runCommand(std::string(ZUNO_TOOL_FOLDER) + "/zunobake " + mFolder.put("s.GLTF", text) +
+                       " -o " + mMesh + ' ' + each.mOptions);
+        EXPECT_EQ(outcome.mStatus, each.mStatus) << each.mWhat;
+        EXPECT_NE(outcome.mOutput.find(each.mOutput), std::string::npos)
+            << each.mWhat << ": " << outcome.mOutput;
+    }
+}
+
 TEST_F(BakeCommandTest, OutputThatIsLostFails) {
     const Outcome lost = runCommand("sh -c '" + std::string(ZUNO_TOOL_FOLDER) + "/zunobake " +
                                     mFolder.put("scene.obj", square + "f 1 2 3 4") + " -o " +
@@ -127,6 +181,18 @@ TEST_F(BakeCommandTest, OutputThatIsLostFails) {
     EXPECT_TRUE(bake(square + "f 1 2 3 4", "--json").mOutput.starts_with("{\"mesh\":\""));
     EXPECT_EQ(runCommand(std::string(ZUNO_TOOL_FOLDER) + "/zunobake --version").mOutput,
               "zunobake " ZUNO_VERSION_TEXT "\n");
+}
+
+TEST_F(BakeCommandTest, LeavesTheOldMeshWhenInterrupted) {
+    const std::string field = "v 0 0 0\nv 0 0 650\nv 650 0 650\nv 650 0 0\nf 1 2 3 4";
+    ASSERT_EQ(bake(square + "f 1 2 3 4").mStatus, 0);
+    const std::string mesh = contentOf(mMesh);
+    const Outcome outcome =
+        runCommand("timeout -s INT 0.05 " + std::string(ZUNO_TOOL_FOLDER) + "/zunobake " +
+                   mFolder.put("field.obj", field) + " --progress -o " + mMesh);
+    EXPECT_EQ(outcome.mStatus, 124) << outcome.mOutput;
+    EXPECT_EQ(contentOf(mMesh), mesh);
+    EXPECT_EQ(mFolder.count(), 3); // two scenes, a mesh
 }
 
 TEST(LevelsTest, CutsWhereTheFewestPlacesArePartedAndNeverTooLate) {

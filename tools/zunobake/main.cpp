@@ -1,4 +1,5 @@
 // Makes a navigation mesh of a scene.
+#include "common/platform/terminal.h"
 #include "tools/output/jsonline.h"
 #include "tools/output/outputfile.h"
 #include "tools/output/toolmain.h"
@@ -13,8 +14,11 @@
 #include "tools/zunobake/summary.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
+#include <thread>
 
 namespace ZUNO::Tools {
 namespace {
@@ -32,12 +36,17 @@ void requireWritableNames(const Options& options, const Scene& scene) {
                                      "choose an output that ends in .bin");
 }
 
-/// What `--without` names must be there, or it was misspelt.
-void requireGroups(const Options& options, const Scene& scene) {
-    for (const std::string& name : options.mScene.mWithout)
-        if (!scene.mGroupsLeftOut.contains(name))
-            throw std::runtime_error("--without " + shown(name) +
-                                     ": no group or object has this name");
+/// What `--without` and `--mark` name must be there, or it was misspelt.
+void requireNames(const Options& options, const Scene& scene) {
+    const auto require = [&](const char* option, const std::vector<std::string>& names,
+                             const char* what) {
+        for (const std::string& name : names)
+            if (!scene.mNames.contains(name))
+                throw std::runtime_error(std::string(option) + ' ' + shown(name) + ": no " + what +
+                                         " has this name");
+    };
+    require("--without", options.mScene.mWithout, "group, object or material");
+    require("--mark", options.mScene.mMarked, "group or object");
 }
 
 /// What can't be reached, and unless nobody reads it what closes the way there.
@@ -55,13 +64,14 @@ void bake(const Options& options) {
     formOf(options.mOutput); // before anything takes its time
     requireApart(options.mScenes, {options.mOutput, options.mPicture});
     requirePictureName(options.mPicture);
-    Progress progress(!options.mIsQuiet);
+    Progress progress(!options.mIsQuiet &&
+                      (options.mShowsProgress || Common::Platform::isTerminal(stderr)));
     const auto showProgress = [&](std::size_t done, std::size_t all) { progress.show(done, all); };
     Scene scene;
     progress.begin("reading");
     for (const std::string& file : options.mScenes)
-        readObj(file, options.mScene, scene, showProgress);
-    requireGroups(options, scene);
+        readScene(file, options.mScene, scene, showProgress);
+    requireNames(options, scene);
     requireWritableNames(options, scene);
     progress.begin("baking");
     const TileBaker baker(scene, options.mBake);
@@ -105,6 +115,34 @@ void bake(const Options& options) {
     std::cout << '\n';
 }
 
+std::vector<std::filesystem::file_time_type> timesOf(const std::vector<std::string>& files) {
+    std::vector<std::filesystem::file_time_type> times;
+    std::error_code missing; // while an editor replaces it
+    for (const std::string& file : files)
+        times.push_back(std::filesystem::last_write_time(file, missing));
+    return times;
+}
+
+/// Bakes each time that a file has changed and then rested for a moment. What is wrong with a scene
+/// is said, and the mesh stays as it was.
+[[noreturn]] void watch(const Options& options) {
+    constexpr std::chrono::milliseconds pause(300);
+    for (auto known = timesOf(options.mScenes);;) {
+        try {
+            bake(options);
+        } catch (const std::runtime_error& error) {
+            std::cerr << "zunobake: " << error.what() << '\n';
+        }
+        std::cout << std::flush;
+        std::vector<std::filesystem::file_time_type> former;
+        do {
+            former = timesOf(options.mScenes);
+            std::this_thread::sleep_for(pause);
+        } while (former == known || former != timesOf(options.mScenes));
+        known = former;
+    }
+}
+
 int run(int argc, char** argv) {
     Options options;
     CLI::App app{"Makes a navigation mesh of a scene."};
@@ -116,6 +154,8 @@ int run(int argc, char** argv) {
     if (options.mBake.mAgents.empty())
         options.mBake.mAgents.push_back({"agent"});
     std::ranges::stable_sort(options.mBake.mAgents, {}, &Agent::mHeight);
+    if (options.mWatches)
+        watch(options);
     bake(options);
     return 0;
 }

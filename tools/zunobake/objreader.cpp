@@ -13,14 +13,6 @@
 
 namespace ZUNO::Tools {
 
-std::uint16_t Scene::surfaceOf(const std::string& name) {
-    const auto place = std::ranges::find(mSurfaceNames, name);
-    const auto index = static_cast<std::uint16_t>(place - mSurfaceNames.begin());
-    if (index == mSurfaceNames.size())
-        mSurfaceNames.push_back(name);
-    return index;
-}
-
 namespace {
 
 /// Reads one file, line by line, into a scene.
@@ -77,7 +69,7 @@ private:
         else if (keyword == "f")
             readFace();
         else if (keyword == "usemtl")
-            mSurface = readMaterial();
+            readMaterial();
         else if (keyword == "g" || keyword == "o")
             readGroups();
     }
@@ -114,22 +106,27 @@ private:
         mScene.mVertices.insert(mScene.mVertices.end(), position, position + 3);
     }
 
-    std::uint16_t readMaterial() {
-        const std::string_view name = nextWord();
-        if (mOptions.mIgnoresMaterials || name.empty())
-            return Scene::noSurface;
-        if (mScene.mSurfaceNames.size() == Scene::noSurface)
-            fail("more than 65,535 materials");
-        return mScene.surfaceOf(std::string(name));
+    void readMaterial() {
+        mMaterial = nextWord();
+        mIsMaterialLeftOut = mScene.isLeftOut(mMaterial, mOptions);
+        chooseSurface();
     }
 
     void readGroups() {
         mIsLeftOut = false;
-        for (std::string_view name = nextWord(); !name.empty(); name = nextWord())
-            if (std::ranges::find(mOptions.mWithout, name) != mOptions.mWithout.end()) {
-                mIsLeftOut = true;
-                mScene.mGroupsLeftOut.emplace(name);
-            }
+        mMark.clear();
+        for (std::string_view word = nextWord(); !word.empty(); word = nextWord()) {
+            const std::string name(word);
+            mIsLeftOut = mScene.isLeftOut(name, mOptions) || mIsLeftOut;
+            if (mScene.isMarked(name, mOptions))
+                mMark = name;
+        }
+        chooseSurface();
+    }
+
+    void chooseSurface() {
+        const bool isMarked = !mMark.empty();
+        mSurface = mScene.surfaceFor(isMarked ? mMark : mMaterial, isMarked, mOptions);
     }
 
     void readFace() {
@@ -140,7 +137,7 @@ private:
             fail("a face has " + std::to_string(mFace.size()) + " corners; at most " +
                  std::to_string(maxCorners) + " are taken");
         ++mFaceCount;
-        if (mIsLeftOut) {
+        if (mIsLeftOut || mIsMaterialLeftOut) {
             ++mScene.mLeftOut;
             return;
         }
@@ -200,6 +197,9 @@ private:
     std::string_view mRest;
     std::uint16_t mSurface = Scene::noSurface;
     bool mIsLeftOut = false;
+    bool mIsMaterialLeftOut = false;
+    std::string mMaterial;
+    std::string mMark; ///< the name of the group that is a surface type of its own
     std::vector<int> mFace;
     std::vector<float> mPositions;
 };

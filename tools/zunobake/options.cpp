@@ -38,7 +38,9 @@ Agent parseAgent(const std::string& text) {
 
 void addOptions(CLI::App& app, Options& options) {
     BakeSettings& bake = options.mBake;
-    app.add_option("scene", options.mScenes, "the scene: Wavefront OBJ files")->required();
+    app.add_option("scene", options.mScenes,
+                   "the scene: Wavefront OBJ or glTF 2.0 files (.obj, .glb, .gltf)")
+        ->required();
     app.add_option("-o,--output", options.mOutput, "the mesh file to write: .xml or .bin")
         ->required();
     app.add_option("--picture", options.mPicture, "draw the mesh as well: .svg or .png");
@@ -51,13 +53,18 @@ void addOptions(CLI::App& app, Options& options) {
         app.add_flag("--quiet", options.mIsQuiet, "print nothing but errors");
     app.add_flag("--json", options.mIsJson, "print what was made in JSON, on one line")
         ->excludes(quiet);
+    app.add_flag("--progress", options.mShowsProgress,
+                 "tell how far it is on standard error, even when that is no terminal")
+        ->excludes(quiet);
+    app.add_flag("--watch", options.mWatches,
+                 "bake again when a file of the scene changes, until interrupted");
 
     app.add_option_function<std::string>(
            "--up",
            [&options](const std::string& axis) {
                options.mScene.mUp = axis == "z" ? UpAxis::Z : UpAxis::Y;
            },
-           "the axis that points up")
+           "the axis that points up in OBJ files, and in the mesh")
         ->check(oneOf({"y", "z"}))
         ->default_str("y")
         ->group("Scene");
@@ -71,7 +78,11 @@ void addOptions(CLI::App& app, Options& options) {
     choice("--skip-degenerate", options.mScene.mSkipsDegenerate,
            "leave out faces without area instead of ending with an error");
     app.add_option("--without", options.mScene.mWithout,
-                   "a group or object to leave out; again for others")
+                   "a group, object or material to leave out; again for others")
+        ->allow_extra_args(false)
+        ->group("Scene");
+    app.add_option("--mark", options.mScene.mMarked,
+                   "a group or object to make a surface type of, by its name; again for others")
         ->allow_extra_args(false)
         ->group("Scene");
 

@@ -15,6 +15,8 @@ struct Options {
     std::vector<float> mFrom; ///< where walkers begin; empty: on the largest part
     bool mIsQuiet = false;
     bool mIsJson = false;
+    bool mShowsProgress = false;
+    bool mWatches = false;
     SceneOptions mScene;
     BakeSettings mBake;
 };

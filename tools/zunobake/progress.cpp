@@ -1,5 +1,6 @@
 #include "tools/zunobake/progress.h"
 
+#include <cmath>
 #include <iostream>
 
 namespace ZUNO::Tools {
@@ -19,7 +20,7 @@ void Progress::end() {
     if (mStage.empty())
         return;
     if (mHasSpoken)
-        std::cerr << '\r' << mStage << " done \n";
+        std::cerr << '\r' << mStage << " done              \n";
     mHasSpoken = false;
     mStages.emplace_back(mStage, std::chrono::duration<double>(Clock::now() - mBegin).count());
     mStage.clear();
@@ -28,11 +29,15 @@ void Progress::end() {
 void Progress::show(std::size_t done, std::size_t all) {
     using std::chrono_literals::operator""ms;
     const Clock::time_point now = Clock::now();
-    if (!mIsShown || now - mBegin < 1000ms || now - mLastWord < 500ms || all == 0)
+    if (!mIsShown || now - mStart < 1000ms || now - mLastWord < 500ms || done == 0 || all == 0)
         return;
     mLastWord = now;
     mHasSpoken = true;
-    std::cerr << '\r' << mStage << ' ' << done * 100 / all << " %" << std::flush;
+    const std::chrono::duration<double> passed = now - mBegin;
+    const double left =
+        passed.count() * static_cast<double>(all - done) / static_cast<double>(done);
+    std::cerr << '\r' << mStage << ' ' << done * 100 / all << " %, " << std::lround(left)
+              << " s left   " << std::flush;
 }
 
 } // namespace ZUNO::Tools

@@ -20,8 +20,8 @@ public:
     void begin(const std::string& stage);
     void end();
 
-    /// Says "<stage> 40 %" when the stage has taken a second and the last word is half a second
-    /// old.
+    /// Says "<stage> 40 %, 3 s left" when the work has taken a second and the last word is half a
+    /// second old. The time is that of the stage, as far as one can tell from what is done of it.
     void show(std::size_t done, std::size_t all);
 
     /// Stages and their seconds.
@@ -32,7 +32,8 @@ private:
 
     bool mIsShown;
     std::string mStage;
-    Clock::time_point mBegin;
+    Clock::time_point mStart = Clock::now(); ///< of the work
+    Clock::time_point mBegin;                ///< of the stage
     Clock::time_point mLastWord;
     bool mHasSpoken = false;
     std::vector<std::pair<std::string, double>> mStages;
