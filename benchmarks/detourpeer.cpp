@@ -97,8 +97,7 @@ int DetourPeer::findPath(const Place& from, const Place& to) const {
 float DetourPeer::castRay(const Place& from, const float (&to)[3]) const {
     float part = 0;
     float normal[3];
-    int count = 0;
-    mQuery->raycast(from.mPolygon, from.mPosition, to, &mFilter, &part, normal, mPath, &count,
+    mQuery->raycast(from.mPolygon, from.mPosition, to, &mFilter, &part, normal, mPath, &mPassed,
                     maxPath);
     return part;
 }

@@ -35,6 +35,8 @@ public:
     int visitedPolygons() const { return mQuery->getNodePool()->getNodeCount(); }
     /// How much of the way to `to` a ray gets: 1 or more for all of it.
     float castRay(const Place& from, const float (&to)[3]) const;
+    /// How many polygons the last ray passed.
+    int passedPolygons() const { return mPassed; }
 
 private:
     struct Free {
@@ -48,6 +50,7 @@ private:
     std::unique_ptr<dtNavMeshQuery, Free> mQuery;
     dtQueryFilter mFilter;
     mutable dtPolyRef mPath[maxPath];
+    mutable int mPassed = 0;
 };
 
 } // namespace ZUNO::Benchmarks

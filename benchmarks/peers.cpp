@@ -40,7 +40,7 @@ void compareFiles(const std::vector<std::string>& words) {
 } // namespace
 } // namespace ZUNO::Benchmarks
 
-// usage: zunopeers [MESH [--pairs FILE]]...: over these meshes, or over floors of our own
+// usage: zunopeers [MESH [--pairs FILE]]...: over these meshes, or over floors and towns of our own
 int main(int argc, char** argv) {
     using namespace ZUNO::Benchmarks;
     try {
@@ -50,7 +50,9 @@ int main(int argc, char** argv) {
             return 0;
         }
         for (const unsigned int nodes : {60U, 4000U, 21000U})
-            compareAll(Sample(nodes));
+            compareAll(Sample::floor(nodes));
+        for (const int plots : {14, 37}) // some 3,300 and 21,100 nodes
+            compareAll(Sample::town(plots));
         compareGrowth();
         compareLoading();
         compareManySearches();

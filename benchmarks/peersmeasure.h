@@ -82,22 +82,23 @@ inline void printHead() {
                 "holds");
 }
 
-/// Prints a ratio, its goal, and the times of both sides in microseconds.
-inline void print(const std::string& what, double ratio, double goal, const Pair& times) {
-    std::printf("%-58s %8.2f %8.2f %10.3f %10.3f  %s\n", what.c_str(), ratio, goal,
-                times.mOurs * 1e6, times.mTheirs * 1e6, ratio <= goal ? "yes" : "NO");
+/// Prints a ratio, its goal, and the times of both sides in microseconds. Returns whether the goal
+/// is met; where it is not, the caller prints what it measured of the reason.
+inline bool print(const std::string& what, const Pair& times, double goal) {
+    const bool holds = times.ratio() <= goal;
+    std::printf("%-58s %8.2f %8.2f %10.3f %10.3f  %s\n", what.c_str(), times.ratio(), goal,
+                times.mOurs * 1e6, times.mTheirs * 1e6, holds ? "yes" : "NO");
     std::fflush(stdout);
+    return holds;
 }
 
-/// Prints a figure that is no ratio, and its goal.
-inline void printFigure(const std::string& what, double figure, double goal) {
+/// The same of a figure that is no ratio.
+inline bool printFigure(const std::string& what, double figure, double goal) {
+    const bool holds = figure <= goal;
     std::printf("%-58s %8.2f %8.2f %21s  %s\n", what.c_str(), figure, goal, "",
-                figure <= goal ? "yes" : "NO");
+                holds ? "yes" : "NO");
     std::fflush(stdout);
-}
-
-inline void print(const std::string& what, const Pair& times, double goal) {
-    print(what, times.ratio(), goal, times);
+    return holds;
 }
 
 } // namespace ZUNO::Benchmarks

@@ -3,10 +3,9 @@
 #include "benchmarks/peers.h"
 #include "common/memory/globalallocators.h"
 #include "hostkit/session.h"
+#include "navmesh/nodelocator.h"
 #include "reference/comparison.h"
 #include "reference/plainworld.h"
-
-#include <cmath>
 
 namespace ZUNO::Benchmarks {
 namespace {
@@ -37,18 +36,19 @@ class Comparison {
 public:
     explicit Comparison(const Sample& sample)
         : mSample(sample), mSession(sample.file()), mPeer(sample.mesh()),
-          mOn(" on " + std::to_string(sample.nodes()) + " nodes") {
+          mOn(", " + sample.label()) {
         takeJourneys();
     }
 
     void run() {
-        showWork();
+        countWork();
         compareQueries();
         compareOpening();
-        compareRays("its own", mSample.file());
+        compareRays("its own", mSample.file(), mSample.mesh().mCubeSize);
         for (const unsigned int cells : {1000U, 3000U}) {
             const TemporaryFile file(mSample.withCells(cells));
-            compareRays("extent / " + std::to_string(cells), file.name());
+            compareRays("extent / " + std::to_string(cells), file.name(),
+                        Tools::LoadedMesh(file.name())->mCubeSize);
         }
     }
 
@@ -59,7 +59,7 @@ private:
     void takeJourneys() {
         std::mt19937 random(5);
         std::vector<Journey> asked = mSample.journeys();
-        const bool isLarge = mSample.nodes() >= 3500;
+        const bool isLarge = mSample.nodes() >= 3000;
         for (std::size_t i = 0; mSample.journeys().empty() && i < (isLarge ? 80U : 800U); ++i)
             asked.push_back({mSample.pick(random), mSample.pick(random)});
         for (const Journey& journey : asked) {
@@ -75,7 +75,7 @@ private:
             throw std::runtime_error("there is nothing to compare");
     }
 
-    void showWork() const {
+    void countWork() {
         std::uint64_t expansions = 0;
         std::int64_t visited = 0;
         for (const Journey& journey : mJourneys) {
@@ -87,17 +87,25 @@ private:
             visited += mPeer.visitedPolygons();
         }
         const auto count = static_cast<double>(mJourneys.size());
-        std::printf("    expansions a query %.0f, Detour's visited polygons %.0f\n",
-                    static_cast<double>(expansions) / count, static_cast<double>(visited) / count);
+        mExpansions = static_cast<double>(expansions) / count;
+        mVisited = static_cast<double>(visited) / count;
     }
 
     void compareQueries() const {
         const auto theirs = [&](const Journey& journey) {
             mPeer.findPath(locate(journey.mFrom), locate(journey.mTo));
         };
-        const double goal = mSample.nodes() >= 20000 ? 0.6 : (mSample.nodes() >= 3500 ? 0.5 : 0.45);
-        print("whole query" + mOn, compareEach(mJourneys, chunk, ask, theirs), goal);
-        print("    query by query", compareEach(mJourneys, 1, ask, theirs), goal);
+        const double goal = mSample.nodes() >= 20000 ? 0.6 : (mSample.nodes() >= 3000 ? 0.5 : 0.45);
+        const auto show = [&](const std::string& what, std::size_t turn) {
+            const Pair times = compareEach(mJourneys, turn, ask, theirs);
+            if (!print(what, times, goal))
+                std::printf("    because: %.0f expansions against %.0f visited polygons a query, "
+                            "%.0f ns against %.0f ns for one with its share of the rest\n",
+                            mExpansions, mVisited, times.mOurs * 1e9 / mExpansions,
+                            times.mTheirs * 1e9 / mVisited);
+        };
+        show("whole query" + mOn, chunk);
+        show("    query by query", 1);
     }
 
     void compareOpening() const {
@@ -111,13 +119,23 @@ private:
         std::vector<Journey> often; // a turn must be longer than the clock's steps
         while (often.size() < 4000)
             often.insert(often.end(), mJourneys.begin(), mJourneys.end());
-        const double goal = mSample.nodes() >= 3500 ? 0.3 : 1;
-        print("opening a search, two locations" + mOn, compareEach(often, chunk, ours, theirs),
-              goal);
-        print("    query by query", compareEach(often, 1, ours, theirs), goal);
+        const double goal = mSample.nodes() >= 3000 ? 0.3 : 1;
+        const auto show = [&](const std::string& what, std::size_t turn) {
+            if (print(what, compareEach(often, turn, ours, theirs), goal))
+                return;
+            const NavMesh::NodeLocator locator(mSample.shared(), Common::gObjectAllocator);
+            const auto locateBoth = [&](const Journey& journey) {
+                locator.findNode(journey.mFrom);
+                locator.findNode(journey.mTo);
+            };
+            const Pair parts = compareEach(often, turn, locateBoth, theirs);
+            std::printf("    because: both locations alone take %.3f us\n", parts.mOurs * 1e6);
+        };
+        show("opening a search, two locations" + mOn, chunk);
+        show("    query by query", 1);
     }
 
-    void compareRays(const std::string& cells, const std::string& file) {
+    void compareRays(const std::string& cells, const std::string& file, float cubeSize) {
         mSession.close();
         const HostKit::Session session(file);
         struct Cast {
@@ -130,20 +148,32 @@ private:
             casts.push_back({locate(journey.mFrom), journey.mTo});
         while (casts.size() < 2000)
             casts.push_back({locate(mSample.pick(random)), mSample.pick(random)});
-        float sum = 0;
         const auto ours = [&](const Cast& cast) {
             Ray ray({cast.mFrom.mPosition[0], cast.mFrom.mPosition[2]}, {cast.mTo.mX, cast.mTo.mZ});
             Interface::traceRay(ray);
-            sum += ray.mHitDistance;
+            return ray.mHitDistance == Pathfinder::noHit ? length(ray.mEnd - ray.mStart)
+                                                         : ray.mHitDistance;
         };
         const auto theirs = [&](const Cast& cast) {
             const float end[3] = {cast.mTo.mX, cast.mTo.mY, cast.mTo.mZ};
-            sum += mPeer.castRay(cast.mFrom, end);
+            mPeer.castRay(cast.mFrom, end);
+            return mPeer.passedPolygons();
         };
-        print("ray, cells of " + cells + mOn, compareEach(casts, chunk, ours, theirs), 1.0);
-        print("    query by query", compareEach(casts, 1, ours, theirs), 1.0);
-        if (std::isnan(sum))
-            std::puts("a ray ends nowhere");
+        const auto show = [&](const std::string& what, std::size_t turn) {
+            if (print(what, compareEach(casts, turn, ours, theirs), 1.0))
+                return;
+            double way = 0;
+            double polygons = 0;
+            for (const Cast& cast : casts) {
+                way += ours(cast);
+                polygons += theirs(cast);
+            }
+            const auto count = static_cast<double>(casts.size());
+            std::printf("    because: %.0f cells long against %.1f polygons passed\n",
+                        way / count / cubeSize, polygons / count);
+        };
+        show("ray, cells of " + cells + mOn, chunk);
+        show("    query by query", 1);
     }
 
     const Sample& mSample;
@@ -152,6 +182,8 @@ private:
     std::string mOn;
     std::vector<Journey> mJourneys;
     unsigned int mLost = 0;
+    double mExpansions = 0; ///< a query
+    double mVisited = 0;    ///< polygons that Detour visits for one
 };
 
 } // namespace

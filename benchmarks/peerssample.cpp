@@ -1,10 +1,13 @@
 #include "benchmarks/peerssample.h"
 
 #include "navmesh/planegrid.h"
+#include "tools/zunobake/baker.h"
 #include "worlds/meshmodel.h"
+#include "worlds/scenes.h"
 
 #include <algorithm>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -13,16 +16,33 @@ namespace ZUNO::Benchmarks {
 Sample::Sample(const std::string& file, const std::string& journeys)
     : mName(file), mMesh(file), mJourneys(readJourneys(journeys)) {}
 
-Sample::Sample(unsigned int nodes)
-    : mOwnFile(makeFloor(nodes)), mName(mOwnFile->name()), mMesh(mName) {}
+Sample::Sample(const char* kind, const Text& text)
+    : mKind(kind), mOwnFile(text.mContent), mName(mOwnFile->name()), mMesh(mName) {}
 
-std::string Sample::makeFloor(unsigned int nodes) {
+Sample::Text Sample::makeFloor(unsigned int nodes) {
     Worlds::MeshModel floor = Worlds::makeFloor(nodes, 1);
     int extent = 0; // in quarters, from 0 on
     for (const auto& corner : floor.mVertices)
         extent = std::max({extent, corner.mX, corner.mZ});
     floor.mCubeSize = static_cast<float>(extent) / 4 / 1000;
-    return floor.toXML("benchmark");
+    return {floor.toXML("benchmark")};
+}
+
+Sample::Text Sample::bakeTown(int plots) {
+    const std::string text = Worlds::makeTown(plots, 1).toObj("benchmark");
+    std::istringstream file(text);
+    Tools::Scene scene;
+    Tools::readObj(file, text.size(), "town", {}, scene);
+    Tools::BakeSettings settings;
+    settings.mRadius = 0.25F;
+    settings.mTileSize = 512;
+    settings.mAgents.push_back({"agent"});
+    const Tools::TileBaker baker(scene, settings);
+    const auto polygons = Tools::bakeTiles(baker, [](std::size_t, std::size_t) {});
+    const Tools::BakedMesh baked(polygons, settings, baker.cells());
+    const Tools::LoadedMesh mesh;
+    baked.fill(*mesh.shared(), baker.grid(), scene, Tools::UpAxis::Y);
+    return {mesh.toXML()};
 }
 
 std::vector<Journey> Sample::readJourneys(const std::string& file) {
