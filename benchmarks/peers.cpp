@@ -5,11 +5,30 @@
 #include "benchmarks/detourpeer.h"
 
 #include <cstdio>
+#include <ctime>
 #include <exception>
+#include <fstream>
 #include <stdexcept>
+#include <thread>
 
 namespace ZUNO::Benchmarks {
 namespace {
+
+/// What figures without their machine are of no worth without.
+void printMachine() {
+    const std::time_t now = std::time(nullptr);
+    char date[16] = {};
+    std::strftime(date, sizeof(date), "%Y-%m-%d", std::localtime(&now));
+    std::string processor = "unknown processor";
+    std::ifstream file("/proc/cpuinfo");
+    for (std::string line; std::getline(file, line);)
+        if (line.starts_with("model name")) {
+            processor = line.substr(line.find(':') + 2);
+            break;
+        }
+    std::printf("%s, %s, %u cores, compiler %s\n", date, processor.c_str(),
+                std::thread::hardware_concurrency(), __VERSION__);
+}
 
 void compareAll(const Sample& sample) {
     try {
@@ -44,6 +63,7 @@ void compareFiles(const std::vector<std::string>& words) {
 int main(int argc, char** argv) {
     using namespace ZUNO::Benchmarks;
     try {
+        printMachine();
         printHead();
         if (argc > 1) {
             compareFiles({argv + 1, argv + argc});

@@ -99,9 +99,9 @@ private:
         const auto show = [&](const std::string& what, std::size_t turn) {
             const Pair times = compareEach(mJourneys, turn, ask, theirs);
             if (!print(what, times, goal))
-                std::printf("    because: %.0f expansions against %.0f visited polygons a query, "
-                            "%.0f ns against %.0f ns for one with its share of the rest\n",
-                            mExpansions, mVisited, times.mOurs * 1e9 / mExpansions,
+                std::printf("    because: %.0f expansions of %.0f ns against %.0f visited polygons "
+                            "of %.0f ns, the rest of a query shared among them\n",
+                            mExpansions, times.mOurs * 1e9 / mExpansions, mVisited,
                             times.mTheirs * 1e9 / mVisited);
         };
         show("whole query" + mOn, chunk);

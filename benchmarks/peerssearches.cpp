@@ -110,7 +110,7 @@ void compareManySearches() {
         const auto lower = [](double a, double b) { return a == 0 || b < a ? b : a; };
         least = {lower(least.mOpening, cost.mOpening), lower(least.mExpansion, cost.mExpansion)};
     };
-    for (int world = 0; world < 4; ++world) {
+    for (int world = 0; world < 12; ++world) {
         HostKit::Session session(sample.file());
         const HostKit::MemoryFigures before = session.memory();
         const long faultsBefore = pageFaults();
@@ -121,7 +121,7 @@ void compareManySearches() {
                       if (world == 0) // later worlds get pages that the process has
                           faults = static_cast<double>(pageFaults() - faultsBefore) / 1000;
                   }));
-        for (int round = 0; round < 4; ++round) {
+        for (int round = 0; round < 2; ++round) {
             keepLeast(again, runFirstExpansions(journeys, true));
             keepLeast(alone, runFirstExpansions(journeys, false));
         }

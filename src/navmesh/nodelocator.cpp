@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::uint32_t noNode = 0xFFFFFFFF;
 
-constexpr std::size_t entriesPerNode = 3;
+constexpr std::size_t entriesPerNode = 2;
 
 /// A node's corners in the plane, as the test for a point sees them.
 class Outline {

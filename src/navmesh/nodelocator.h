@@ -12,7 +12,7 @@ namespace ZUNO::NavMesh {
 /// first, each with the part of the cell that it can hold points of. The mesh itself decides on
 /// those whose part holds the point. So lists may be long where nodes are small: to pass a node
 /// over takes one subtraction.
-/// Cost: at most 32 bytes a node. Thread: any number of them may ask.
+/// Cost: at most 24 bytes a node. Thread: any number of them may ask.
 class NodeLocator {
 public:
     NodeLocator(const Common::SharedPtr<NavMeshContainer>& navMesh,

@@ -42,20 +42,26 @@ void SearchOpenList::insert(OpenEntry entry) {
     *place = entry;
 }
 
+/// Looks from the end on, where the best are and the latest. Returns null when it is not there.
+OpenEntry* SearchOpenList::find(Entries& part, std::uint32_t node) {
+    const auto place = std::find_if(part.rbegin(), part.rend(),
+                                    [=](const OpenEntry& entry) { return entry.mNode == node; });
+    return place != part.rend() ? &*place : nullptr;
+}
+
 void SearchOpenList::reposition(const OpenEntry& entry) {
-    const auto isIt = [&](const OpenEntry& other) { return other.mNode == entry.mNode; };
-    const auto sorted = std::find_if(mSorted.begin(), mSorted.end(), isIt);
-    if (sorted == mSorted.end())
-        return updateCost(entry); // order means nothing in the overflow
-    mSorted.erase(sorted);
-    push(entry);
+    if (OpenEntry* const sorted = find(mSorted, entry.mNode); sorted != nullptr) {
+        mSorted.erase(mSorted.begin() + (sorted - mSorted.data()));
+        push(entry);
+    } else if (OpenEntry* const other = find(mOverflow, entry.mNode); other != nullptr) {
+        other->mF = entry.mF; // order means nothing in the overflow
+    }
 }
 
 void SearchOpenList::updateCost(const OpenEntry& entry) {
     for (Entries* const part : {&mSorted, &mOverflow})
-        for (OpenEntry& other : *part)
-            if (other.mNode == entry.mNode)
-                other.mF = entry.mF;
+        if (OpenEntry* const place = find(*part, entry.mNode); place != nullptr)
+            place->mF = entry.mF;
 }
 
 /// The entries that a refill takes: the first ones, and later ones that were exchanged for a worse

@@ -61,6 +61,7 @@ private:
 
     void grow(std::size_t entries);
     void insert(OpenEntry entry);
+    static OpenEntry* find(Entries& part, std::uint32_t node);
     void refill();
     void returnToOverflow(std::size_t taken);
 

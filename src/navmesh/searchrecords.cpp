@@ -1,6 +1,7 @@
 #include "navmesh/searchrecords.h"
 
 #include <algorithm>
+#include <span>
 
 namespace ZUNO::NavMesh {
 
@@ -14,7 +15,8 @@ constinit SearchRecords::Page SearchRecords::sEmptyPage{};
 constinit SearchRecords::Table SearchRecords::sEmptyTable = tableOfEmptyPages();
 
 SearchRecords::SearchRecords(std::uint32_t nodeCount, BlockPool& pool)
-    : mTables(nodeCount / (recordsPerPage * pagesPerTable) + 1, &sEmptyTable, pool) {}
+    : mPageCount(nodeCount / recordsPerPage + 1),
+      mTables(nodeCount / (recordsPerPage * pagesPerTable) + 1, &sEmptyTable, pool) {}
 
 SearchRecord& SearchRecords::makePage(std::uint32_t node) {
     Table*& table = mTables[node / (recordsPerPage * pagesPerTable)];
@@ -26,10 +28,13 @@ SearchRecord& SearchRecords::makePage(std::uint32_t node) {
 }
 
 void SearchRecords::clear() {
+    std::size_t pagesLeft = mPageCount;
     for (Table*& table : mTables) {
+        const std::size_t pages = std::min<std::size_t>(pagesLeft, pagesPerTable);
+        pagesLeft -= pages;
         if (table == &sEmptyTable)
             continue;
-        for (Page* const page : table->mPages)
+        for (Page* const page : std::span(table->mPages).first(pages))
             if (page != &sEmptyPage)
                 pool().destroy(page);
         pool().destroy(table);

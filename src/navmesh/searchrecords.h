@@ -72,6 +72,7 @@ private:
 
     BlockPool& pool() { return mTables.get_allocator().pool(); }
 
+    std::size_t mPageCount;
     BlockPool::Vector<Table*> mTables;
 };
 

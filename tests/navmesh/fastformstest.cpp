@@ -22,7 +22,7 @@ protected:
 
     void expectSameNodes(const SharedPtr<NavMeshContainer>& mesh) {
         const NodeLocator locator(mesh, gObjectAllocator);
-        EXPECT_LE(locator.getMemoryUsage(), 32 * mesh->mNodes.size() + 64);
+        EXPECT_LE(locator.getMemoryUsage(), 24 * mesh->mNodes.size() + 64);
         EXPECT_EQ(Reference::compareLocations(*mesh, locator, mQuestions.pointsAround(*mesh, 1500)),
                   "");
     }
