@@ -3,6 +3,8 @@
 #include "hostkit/session.h"
 #include "worlds/meshmodel.h"
 
+#include <limits>
+#include <numeric>
 #include <sys/resource.h>
 
 namespace ZUNO::Benchmarks {
@@ -19,50 +21,61 @@ std::vector<Journey> pickJourneys(const Sample& sample, std::size_t count, unsig
     return journeys;
 }
 
-/// Seconds of a search for its opening, and for each of its first expansions.
-struct Cost {
-    double mOpening = 0;
-    double mExpansion = 0;
-};
-
 constexpr unsigned int firstExpansions = 50;
 
-/// Runs searches side by side, or one after the other. Returns what each cost.
-Cost runFirstExpansions(
-    const std::vector<Journey>& journeys, bool isSideBySide,
-    const std::function<void()>& whileOpen = [] {}) {
-    Cost cost;
-    std::vector<int> ids;
-    const auto open = [&](const Journey& journey) {
-        ids.push_back(Interface::initPathSearch(journey.mFrom, journey.mTo));
-    };
-    const auto expand = [&] {
-        for (const int id : ids)
-            Interface::runPathSearch(id, firstExpansions);
-    };
-    const auto close = [&] {
+/// What searches cost: of each the least of all rounds, so that what interrupts one is left out.
+class Costs {
+public:
+    explicit Costs(const std::vector<Journey>& journeys)
+        : mJourneys(journeys), mOpening(journeys.size(), never), mExpanding(mOpening) {}
+
+    /// Runs the searches side by side.
+    void measureSideBySide(const std::function<void()>& whileOpen = [] {}) {
+        std::vector<int> ids(mJourneys.size());
+        for (std::size_t i = 0; i < ids.size(); ++i)
+            ids[i] = open(i);
+        for (std::size_t i = 0; i < ids.size(); ++i)
+            expand(i, ids[i]);
+        whileOpen();
         for (const int id : ids)
             Interface::closePathSearch(id);
-        ids.clear();
-    };
-    if (isSideBySide) {
-        cost.mOpening = secondsOf([&] {
-            for (const Journey& journey : journeys)
-                open(journey);
-        });
-        cost.mExpansion = secondsOf(expand);
-        whileOpen();
-        close();
-    } else {
-        for (const Journey& journey : journeys) {
-            cost.mOpening += secondsOf([&] { open(journey); });
-            cost.mExpansion += secondsOf(expand);
-            close();
+    }
+    /// Runs one after the other.
+    void measureAlone() {
+        for (std::size_t i = 0; i < mJourneys.size(); ++i) {
+            const int id = open(i);
+            expand(i, id);
+            Interface::closePathSearch(id);
         }
     }
-    const auto count = static_cast<double>(journeys.size());
-    return {cost.mOpening / count, cost.mExpansion / count / firstExpansions};
-}
+
+    /// Seconds of a search for its opening, and for each of its first expansions.
+    double opening() const { return meanOf(mOpening); }
+    double expansion() const { return meanOf(mExpanding) / firstExpansions; }
+
+private:
+    static constexpr double never = std::numeric_limits<double>::infinity();
+
+    static double meanOf(const std::vector<double>& values) {
+        return std::accumulate(values.begin(), values.end(), 0.0) /
+               static_cast<double>(values.size());
+    }
+    int open(std::size_t i) {
+        int id = -1;
+        const double seconds = secondsOf(
+            [&] { id = Interface::initPathSearch(mJourneys[i].mFrom, mJourneys[i].mTo); });
+        mOpening[i] = std::min(mOpening[i], seconds);
+        return id;
+    }
+    void expand(std::size_t i, int id) {
+        const double seconds = secondsOf([&] { Interface::runPathSearch(id, firstExpansions); });
+        mExpanding[i] = std::min(mExpanding[i], seconds);
+    }
+
+    const std::vector<Journey>& mJourneys;
+    std::vector<double> mOpening;
+    std::vector<double> mExpanding;
+};
 
 /// The text of a floor and, high above it, a small one that no way leads to.
 std::string makeTwoFloors(unsigned int nodes) {
@@ -103,40 +116,34 @@ void compareManySearches() {
     double bytes = 0;
     double faults = 0;
     double requests = 0;
-    Cost afresh;
-    Cost again;
-    Cost alone;
-    const auto keepLeast = [](Cost& least, const Cost& cost) {
-        const auto lower = [](double a, double b) { return a == 0 || b < a ? b : a; };
-        least = {lower(least.mOpening, cost.mOpening), lower(least.mExpansion, cost.mExpansion)};
-    };
-    for (int world = 0; world < 12; ++world) {
+    Costs afresh(journeys);
+    Costs again(journeys);
+    Costs alone(journeys);
+    for (int world = 0; world < 8; ++world) {
         HostKit::Session session(sample.file());
         const HostKit::MemoryFigures before = session.memory();
         const long faultsBefore = pageFaults();
-        keepLeast(afresh, runFirstExpansions(journeys, true, [&] {
-                      const HostKit::MemoryFigures& now = session.memory();
-                      bytes = static_cast<double>(now.mBytes - before.mBytes) / 1000;
-                      requests = static_cast<double>(now.mAllocations - before.mAllocations) / 1000;
-                      if (world == 0) // later worlds get pages that the process has
-                          faults = static_cast<double>(pageFaults() - faultsBefore) / 1000;
-                  }));
-        for (int round = 0; round < 2; ++round) {
-            keepLeast(again, runFirstExpansions(journeys, true));
-            keepLeast(alone, runFirstExpansions(journeys, false));
-        }
+        afresh.measureSideBySide([&] {
+            const HostKit::MemoryFigures& now = session.memory();
+            bytes = static_cast<double>(now.mBytes - before.mBytes) / 1000;
+            requests = static_cast<double>(now.mAllocations - before.mAllocations) / 1000;
+            if (world == 0) // later worlds get pages that the process has
+                faults = static_cast<double>(pageFaults() - faultsBefore) / 1000;
+        });
+        again.measureSideBySide();
+        alone.measureAlone();
     }
     const std::string of = "1,000 searches on 100,000 nodes: ";
     const auto explain = [&](bool holds) {
         if (!holds)
             std::printf("    because: %.1f requests to the host and, in the first world, %.1f page "
                         "faults a search; alone it opens in %.2f us\n",
-                        requests, faults, alone.mOpening * 1e6);
+                        requests, faults, alone.opening() * 1e6);
     };
-    explain(print(of + "expansion, opened afresh", {afresh.mExpansion, alone.mExpansion}, 1.5));
-    explain(print(of + "expansion, again", {again.mExpansion, alone.mExpansion}, 1.3));
-    explain(printFigure(of + "us to open afresh", afresh.mOpening * 1e6, 3));
-    explain(printFigure(of + "us to open again", again.mOpening * 1e6, 3));
+    explain(print(of + "expansion, opened afresh", {afresh.expansion(), alone.expansion()}, 1.5));
+    explain(print(of + "expansion, again", {again.expansion(), alone.expansion()}, 1.3));
+    explain(printFigure(of + "us to open afresh", afresh.opening() * 1e6, 3));
+    explain(printFigure(of + "us to open again", again.opening() * 1e6, 3));
     explain(printFigure(of + "KB of the host's", bytes / 1024, 10));
 }
 
