@@ -9,8 +9,8 @@
 namespace ZUNO::Tests {
 namespace {
 
-const std::string tools = ZUNO_TOOL_FOLDER "/";
-const std::string harbour = ZUNO_SOURCE_FOLDER "/worlds/harbour.xml";
+const std::string toolFolder = ZUNO_TOOL_FOLDER "/";
+const std::string sweptMesh = ZUNO_SOURCE_FOLDER "/worlds/harbour.xml";
 
 class SweepTest : public testing::Test {
 protected:
@@ -23,7 +23,7 @@ protected:
     /// looked for meanwhile.)
     Outcome run(const Command& command, const std::string& options) const {
         return runCommand("ASAN_OPTIONS=detect_leaks=0 strace -f -qq -o " + in("trace") + ' ' +
-                          options + ' ' + tools + command.mText);
+                          options + ' ' + toolFolder + command.mText);
     }
     std::string in(const std::string& name) const { return mFolder.in(name); }
 
@@ -37,7 +37,7 @@ protected:
         for (std::string line; std::getline(trace, line);) {
             const std::string call = line.substr(line.find_first_not_of(" 0123456789"));
             const std::string name = call.substr(0, call.find('('));
-            if (line.find(harbour) != std::string::npos && before == 0)
+            if (line.find(sweptMesh) != std::string::npos && before == 0)
                 before = all; // what the loader did is not the tool's
             all += (',' + calls + ',').find(',' + name + ',') != std::string::npos ? 1 : 0;
         }
@@ -80,9 +80,9 @@ TEST_F(SweepTest, LeavesTheOldFileOrTheNewOne) {
     if (runCommand("strace -o /dev/null true").mStatus != 0)
         GTEST_SKIP() << "no strace here";
     const Command commands[] = {
-        {"zunopath convert " + harbour + ' ' + in("a.xml"), "a.xml"},
-        {"zunopath convert " + harbour + ' ' + in("a.bin"), "a.bin"},
-        {"zunopath draw " + harbour + ' ' + in("a.svg"), "a.svg"},
+        {"zunopath convert " + sweptMesh + ' ' + in("a.xml"), "a.xml"},
+        {"zunopath convert " + sweptMesh + ' ' + in("a.bin"), "a.bin"},
+        {"zunopath draw " + sweptMesh + ' ' + in("a.svg"), "a.svg"},
     };
     const struct {
         const char* mCalls;
@@ -94,7 +94,7 @@ TEST_F(SweepTest, LeavesTheOldFileOrTheNewOne) {
         {"rename,renameat,renameat2", {"error=EACCES", "signal=KILL"}},
         {"read,pread64", {"error=EIO", "retval=0", "signal=KILL"}},
         {"openat", {"error=EMFILE", "error=EACCES", "signal=KILL"}},
-        {"lseek", {"error=EIO"}},
+        {"lseek,_llseek", {"error=EIO"}},
     };
     for (const Command& command : commands)
         for (const auto& row : rows)
