@@ -54,6 +54,14 @@ private:
         }
     }
 
+    /// Above 0 when one turns left at b. In doubles three corners on a line along an axis make no
+    /// turn, whatever their coordinates; in floats rounding may make one.
+    static double turnOf(const Common::Math::Vec2<float>& a, const Common::Math::Vec2<float>& b,
+                         const Common::Math::Vec2<float>& c) {
+        return (double{b.mX} - double{a.mX}) * (double{c.mY} - double{b.mY}) -
+               (double{b.mY} - double{a.mY}) * (double{c.mX} - double{b.mX});
+    }
+
     void checkPolygon(std::size_t id, const Polygon& polygon) {
         if (polygon.size() < 3) {
             found("node ", id, " has ", polygon.size(), " corners");
@@ -67,7 +75,7 @@ private:
         std::size_t rightTurns = 0;
         for (std::size_t i = 0; i < polygon.size(); ++i) {
             area += signedArea(corner(0), corner(i), corner(i + 1));
-            const float turn = signedArea(corner(i), corner(i + 1), corner(i + 2));
+            const double turn = turnOf(corner(i), corner(i + 1), corner(i + 2));
             leftTurns += turn > 0 ? 1 : 0;
             rightTurns += turn < 0 ? 1 : 0;
         }

@@ -1,5 +1,6 @@
 // How many nodes uneven ground takes, and how near they lie to it.
 #include "hostkit/surface.h"
+#include "navmesh/meshdefects.h"
 #include "tests/bake/bakedscene.h"
 #include "tests/bake/groundprobe.h"
 
@@ -28,13 +29,19 @@ TEST(NodeShapesTest, AreFewAndLieNearToTheGround) {
     const struct {
         double mHeight; ///< of the hills
         std::size_t mMostNodes;
-    } cases[] = {{0, 1}, {0.5, 10}, {3, 100}, {5, 150}};
-    for (const auto& [height, mostNodes] : cases) {
+        double mCellSize;
+    } cases[] = {{0, 1, 0.25}, {0.5, 10, 0.25}, {3, 100, 0.25}, {5, 150, 0.25}, {5, 150, 0.17}};
+    for (const auto& [height, mostNodes, cellSize] : cases) {
         const Worlds::SceneModel model = makeHills(height);
         Tools::BakeSettings settings;
         settings.mAgents = {{"agent"}};
+        settings.mCellSize = cellSize;
         const BakedScene baked(model, settings);
         EXPECT_LE(baked.mMesh->mNodes.size(), mostNodes);
+        findOddities(*baked.mMesh, [](const char* text) {
+            ADD_FAILURE() << text;
+            return false;
+        });
         const HostKit::MeshView view(*baked.mMesh);
         for (const auto& place : GroundProbe(model).sample(2000, {0.75, 2.25, 0.5}, 3)) {
             const HostKit::Position point{static_cast<float>(place[0]),
