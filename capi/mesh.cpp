@@ -5,7 +5,7 @@
 #include "capi/session.h"
 #include "hostkit/foundation.h"
 #include "hostkit/meshloading.h"
-#include "hostkit/stdiofilecallback.h"
+#include "hostkit/systemfiles.h"
 
 namespace ZUNO::CInterface {
 
@@ -49,10 +49,10 @@ extern "C" zuno_status zuno_mesh_load(zuno_session* session, const char* name, z
         need(mesh, "the place for the handle");
         const HostKit::Foundation foundation;
         Messages::takeLog();
-        return make<Mesh>(mesh, load(name, running != nullptr
-                                               ? running->files()
-                                               : HostKit::MeshFiles(new HostKit::StdioFileCallback(
-                                                     HostKit::NameEncoding::UTF8))));
+        const HostKit::MeshFiles files = running != nullptr
+                                             ? running->files()
+                                             : HostKit::systemFiles(HostKit::NameEncoding::UTF8);
+        return make<Mesh>(mesh, load(name, files));
     });
 }
 

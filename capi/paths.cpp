@@ -51,3 +51,12 @@ extern "C" zuno_status zuno_path_places(zuno_path* path, float step, zuno_place*
         return fill(all.size(), places, count, [&](std::size_t i) { return toC(all[i]); });
     });
 }
+
+extern "C" zuno_status zuno_path_off_walls(zuno_path* path, float margin, zuno_place* places,
+                                           std::uint32_t* count) {
+    return guarded(__func__, [&] {
+        const std::shared_ptr<Path> made = get(path);
+        const auto all = HostKit::keepOffWalls(made->mMesh->view(), made->mPath, margin);
+        return fill(all.size(), places, count, [&](std::size_t i) { return toC(all[i]); });
+    });
+}

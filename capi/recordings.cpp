@@ -3,10 +3,7 @@
 #include "common/interface.h"
 #include "hostkit/foundation.h"
 #include "hostkit/replay.h"
-#include "hostkit/stdiofilecallback.h"
-
-#include <fstream>
-#include <sstream>
+#include "hostkit/systemfiles.h"
 
 namespace ZUNO::CInterface {
 
@@ -39,11 +36,11 @@ private:
 };
 
 std::string contentOf(const char* file) {
-    std::ifstream in(HostKit::pathOf(file, HostKit::NameEncoding::UTF8), std::ios::binary);
-    std::ostringstream content;
-    if (!(content << in.rdbuf()))
-        throw Failure{ZUNO_BAD_FILE, std::string(file) + ": cannot be read"};
-    return content.str();
+    try {
+        return HostKit::readSystemFile(file, HostKit::NameEncoding::UTF8);
+    } catch (const std::runtime_error& error) {
+        throw Failure{ZUNO_BAD_FILE, error.what()};
+    }
 }
 
 } // namespace
@@ -64,8 +61,7 @@ extern "C" zuno_status zuno_replay(const char* recording, const char* const* mes
             need(meshes, "the meshes");
         const HostKit::Foundation foundation;
         HostKit::ReplaySettings settings;
-        settings.mFiles =
-            HostKit::MeshFiles(new HostKit::StdioFileCallback(HostKit::NameEncoding::UTF8));
+        settings.mFiles = HostKit::systemFiles(HostKit::NameEncoding::UTF8);
         for (std::uint32_t i = 0; i < mesh_count; ++i)
             settings.mMeshes.emplace_back(&need(meshes[i], "a mesh's name"));
         const std::string bytes = contentOf(recording);

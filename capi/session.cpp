@@ -4,7 +4,7 @@
 #include "capi/messages.h"
 #include "common/interface.h"
 #include "hostkit/recorder.h"
-#include "hostkit/stdiofilecallback.h"
+#include "hostkit/systemfiles.h"
 
 namespace ZUNO::CInterface {
 
@@ -55,10 +55,7 @@ void Session::setFiles(const zuno_settings& settings) {
         need(settings.files->read, "files.read");
         files = Exports::Files(new HostFiles(*settings.files));
     } else {
-        files = Exports::Files(
-            settings.base_folder != nullptr
-                ? new HostKit::StdioFileCallback(HostKit::pathOf(settings.base_folder, utf8), utf8)
-                : new HostKit::StdioFileCallback(utf8));
+        files = HostKit::systemFiles(utf8, settings.base_folder);
     }
     auto* const meshFiles = new HostKit::MeshFileCallback(files);
     mMeshFiles = meshFiles;

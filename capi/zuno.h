@@ -227,8 +227,7 @@ ZUNO_API zuno_status zuno_scheduler_add(zuno_scheduler *scheduler, const zuno_re
 ZUNO_API zuno_status zuno_scheduler_change(zuno_scheduler *scheduler, uint64_t id,
                                            const zuno_request *request);
 
-/* Ends a request, or drops its answer. Errors: BAD_ARGUMENT for an id that names none.
- * Thread: world. */
+/* Ends a request, or drops its answer. Errors: BAD_ARGUMENT for an unknown id. Thread: world. */
 ZUNO_API zuno_status zuno_scheduler_cancel(zuno_scheduler *scheduler, uint64_t id);
 
 /* Spends a frame: at most so many expansions and nanoseconds, whichever ends first; UINT64_MAX: no
@@ -342,10 +341,12 @@ ZUNO_API zuno_status zuno_path_straighten(zuno_path *path, const zuno_point *sta
 ZUNO_API zuno_status zuno_path_corners(zuno_path *path, zuno_point *corners, uint32_t *count,
                                        double *length);
 
-/* Gives places along the path, `step` apart in the plane, a million at most. Errors: TOO_SMALL.
- * Cost: linear in the places. Thread: own. */
+/* Give places: along the path, `step` apart in the plane, a million at most; its corners, moved off the
+ * walls by the margin or as much as fits. Errors: TOO_SMALL. Cost: linear in the places. Thread: own. */
 ZUNO_API zuno_status zuno_path_places(zuno_path *path, float step, zuno_place *places,
                                       uint32_t *count);
+ZUNO_API zuno_status zuno_path_off_walls(zuno_path *path, float margin, zuno_place *places,
+                                         uint32_t *count);
 
 /* ---- Corridors: characters that walk ---- */
 typedef struct zuno_corridor_state {
@@ -374,8 +375,7 @@ ZUNO_API zuno_status zuno_corridor_next(zuno_corridor *corridor, float reached, 
 ZUNO_API zuno_status zuno_corridor_move(zuno_corridor *corridor, const zuno_point *target);
 ZUNO_API zuno_status zuno_corridor_move_goal(zuno_corridor *corridor, const zuno_point *target);
 
-/* Gives where it stands, where it wants to, and whether it needs a search. Errors: BAD_SIZE.
- * Thread: own. */
+/* Gives its place and its goal, and whether it needs a search. Errors: BAD_SIZE. Thread: own. */
 ZUNO_API zuno_status zuno_corridor_look(zuno_corridor *corridor, zuno_corridor_state *state);
 
 /* ---- Recordings ---- */

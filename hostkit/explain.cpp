@@ -1,6 +1,6 @@
 #include "hostkit/explain.h"
 
-#include <sstream>
+#include "common/report/reporttext.h"
 
 namespace ZUNO::HostKit {
 
@@ -80,12 +80,10 @@ private:
     double mNearest = std::numeric_limits<double>::infinity(); ///< squared
 };
 
-/// Sentences about points, numbers in the shortest form that keeps every bit.
+/// Sentences about points, numbers in six digits. They fit into a text that takes no memory.
 class Sentences {
 public:
-    explicit Sentences(const MeshView& view) : mView(view) {
-        mText.exceptions(std::ios::badbit); // else the text would end where memory does
-    }
+    explicit Sentences(const MeshView& view) : mView(view) {}
 
     void tellOf(const char* name, const Explanation::End& end) {
         mText << "The " << name << " ";
@@ -119,7 +117,7 @@ public:
         mText << ", " << explanation.mGap << " apart.\n";
     }
     void tell(const char* sentence) { mText << sentence << '\n'; }
-    std::string text() const { return mText.str(); }
+    std::string text() const { return mText.text(); }
 
 private:
     void tellPoint(const Position& p) {
@@ -133,7 +131,7 @@ private:
     }
 
     const MeshView& mView;
-    std::ostringstream mText;
+    Common::Debug::ReportText mText;
 };
 
 } // namespace

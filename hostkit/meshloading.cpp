@@ -2,7 +2,7 @@
 
 #include "hostkit/foundation.h"
 #include "hostkit/meshfile.h"
-#include "hostkit/stdiofilecallback.h"
+#include "hostkit/systemfiles.h"
 
 #include <stdexcept>
 
@@ -15,7 +15,7 @@ MeshView loadMeshView(const std::string& fileName, const MeshFiles& fileIO) {
 
 MeshView loadMeshView(const std::string& fileName) {
     const Foundation foundation;
-    return loadMeshView(fileName, MeshFiles(new StdioFileCallback));
+    return loadMeshView(fileName, systemFiles());
 }
 
 } // namespace ZUNO::HostKit

@@ -4,7 +4,7 @@
 #include "hostkit/foundation.h"
 #include "hostkit/heapmemorycallback.h"
 #include "hostkit/meshfilecallback.h"
-#include "hostkit/stdiofilecallback.h"
+#include "hostkit/systemfiles.h"
 
 #include <memory>
 #include <new>
@@ -36,8 +36,7 @@ class Replay {
 public:
     Replay(Exports& exports, const ReplaySettings& settings)
         : mExports(exports), mSettings(settings) {
-        const Exports::Files files =
-            settings.mFiles != nullptr ? settings.mFiles : Exports::Files(new StdioFileCallback);
+        const Exports::Files files = settings.mFiles != nullptr ? settings.mFiles : systemFiles();
         mFiles = Exports::Files(new MeshFileCallback(files));
         mHeap = new HeapMemoryCallback;
         mMemory = Exports::Memory(mHeap);

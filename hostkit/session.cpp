@@ -2,6 +2,7 @@
 
 #include "common/callback/reportcallback.h"
 #include "hostkit/recorder.h"
+#include "hostkit/systemfiles.h"
 
 #include <stdexcept>
 
@@ -16,9 +17,8 @@ bool theSessionRuns = false;
 Exports::Files filesOf(const SessionSettings& settings) {
     if (settings.mFiles != nullptr)
         return settings.mFiles;
-    return Exports::Files(settings.mBaseFolder.empty()
-                              ? new StdioFileCallback
-                              : new StdioFileCallback(settings.mBaseFolder));
+    return systemFiles(NameEncoding::SYSTEM,
+                       settings.mBaseFolder.empty() ? nullptr : settings.mBaseFolder.c_str());
 }
 
 /// Tells the host, in a heap that the library takes its memory from.

@@ -2,12 +2,13 @@
 
 #include "common/debug/trace.h"
 
-#include <iostream>
+#include <cstdio>
 
 namespace ZUNO::Common::Debug {
 
 void TraceLogDispatcher::dispatch(const LogMessage& message) {
-    std::cout << "Log: " << message.mMessage << std::endl;
+    std::printf("Log: %s\n", message.mMessage.getConstCharPtr());
+    std::fflush(stdout);
     const String line =
         "(" + message.mReporter + ") " + message.mFunction + " : " + message.mMessage;
     const bool isMessage = message.mType == DbgMsg || message.mType == Message;

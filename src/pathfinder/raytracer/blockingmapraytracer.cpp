@@ -3,6 +3,7 @@
 #include "common/debug/trace.h"
 #include "common/exceptions/stateexceptions.h"
 #include "common/math/floatrange.h"
+#include "common/report/reporttext.h"
 #include "navmesh/planegrid.h"
 #include "pathfinder/raytracer/rasteriser.h"
 
@@ -178,11 +179,11 @@ std::uint32_t BlockingMapRayTracer::countLastSteps() const {
 }
 
 void BlockingMapRayTracer::loadBlockingMap(const Common::String& filename) {
-    std::stringstream message;
+    Common::Debug::ReportText message;
     message << "ZUNO::Pathfinder::Raytracer::BlockingMapRayTracer::BlockingMapRayTracer"
             << " : "
-            << "load blockingmap: " << filename;
-    Common::Debug::Trace::send(Common::Debug::TRACE_MESSAGE, message);
+            << "load blockingmap: " << filename.getConstCharPtr();
+    Common::Debug::Trace::send(Common::Debug::TRACE_MESSAGE, message.text());
     throw new Common::Exceptions::NotSupportedException("No serialization yet");
 }
 
