@@ -7,7 +7,9 @@
 #include <recastnavigation/DetourNavMesh.h>
 #include <recastnavigation/DetourNavMeshQuery.h>
 #include <recastnavigation/DetourNode.h>
+#include <span>
 #include <stdexcept>
+#include <utility>
 
 namespace ZUNO::Benchmarks {
 
@@ -23,6 +25,12 @@ public:
     /// rounded to a lattice of 65,000 steps over the larger extent, which is the form that Detour
     /// keeps.
     explicit DetourPeer(const NavMesh::NavMeshContainer& mesh);
+
+    /// The mesh as Detour keeps it, for builds of Detour elsewhere to load.
+    std::span<const unsigned char> tile() const {
+        const dtMeshTile& tile = *std::as_const(*mMesh).getTile(0);
+        return {tile.data, static_cast<std::size_t>(tile.dataSize)};
+    }
 
     struct Place {
         dtPolyRef mPolygon = 0;

@@ -237,10 +237,9 @@ void Host::play() {
                 zuno_mesh_ground, zuno_mesh_nearest, zuno_mesh_nearest_reachable, zuno_mesh_random,
                 zuno_mesh_move, zuno_mesh_walk, zuno_mesh_wall_distance, zuno_mesh_explain,
                 zuno_path_create, zuno_path_straighten, zuno_path_corners, zuno_path_places,
-                zuno_path_off_walls,
-                zuno_corridor_create, zuno_corridor_place, zuno_corridor_follow, zuno_corridor_next,
-                zuno_corridor_move, zuno_corridor_move_goal, zuno_corridor_look, zuno_replay,
-                zuno_check_version>();
+                zuno_path_off_walls, zuno_corridor_create, zuno_corridor_place,
+                zuno_corridor_follow, zuno_corridor_next, zuno_corridor_move,
+                zuno_corridor_move_goal, zuno_corridor_look, zuno_replay, zuno_check_version>();
     while (mNext < mEnd)
         check((this->*calls[byte() % calls.size()])());
     for (auto handle = mAll.rbegin(); handle != mAll.rend(); ++handle)

@@ -25,6 +25,7 @@ zuno_status ZUNO_PAGE_EXPORT(zuno_page_listen)() {
 unsigned char* ZUNO_PAGE_EXPORT(zuno_page_put)(const char* name, std::uint32_t size) {
     try {
         auto& bytes = pageFiles()[name];
+        bytes.reserve(size + std::size_t{1}); // so that there is an address for no bytes, too
         bytes.assign(size, 0);
         return bytes.data();
     } catch (const std::bad_alloc&) {

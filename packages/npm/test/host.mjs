@@ -25,7 +25,7 @@ class Digest {
 
 /** Returns the lines that the other hosts print. */
 export async function ask(mesh) {
-    using session = (await load()).start(mesh);
+    const session = (await load()).start(mesh);
     const { low, high } = session.bounds();
     const digest = new Digest();
     let seed = 11, firstPath = "";
@@ -42,7 +42,7 @@ export async function ask(mesh) {
         });
         digest.add(session.isBlocked(goal[0], goal[2]) ? 1 : 0);
         digest.float(session.traceRay(start[0], start[2], goal[0], goal[2]) ?? -1);
-        using search = session.openSearch(start, goal);
+        const search = session.openSearch(start, goal);
         if (!search) continue;
         let state;
         do state = search.run(64);
@@ -52,6 +52,8 @@ export async function ask(mesh) {
         digest.add(state);
         digest.float(search.cost());
         if (!firstPath && waypoints.length) firstPath = `walked ${waypoints.length / 3} steps, cost ${search.cost().toFixed(3)}\n`;
+        search.dispose();
     }
+    session.close();
     return `${firstPath}digest ${digest}\n`;
 }
