@@ -12,8 +12,10 @@ if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   target_compile_options(zuno_options INTERFACE -Wno-subobject-linkage)
 endif()
 if(EMSCRIPTEN)
-  # for bytes rather than speed: a page loads them; every browser with these exceptions has the rest
-  add_compile_options(-Os -flto -fwasm-exceptions -mbulk-memory -mnontrapping-fptoint -msign-ext)
+  # For bytes: a page loads them. Without the limit, which comes with -Os here, what is small is still
+  # inlined. Every browser that has these exceptions has the other features, too.
+  add_compile_options(-Os -sINLINING_LIMIT=0 -flto
+    -fwasm-exceptions -mbulk-memory -mnontrapping-fptoint -msign-ext)
   add_link_options(-flto -fwasm-exceptions)
 elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
   target_compile_options(zuno_options INTERFACE -msse2 -mfpmath=sse)

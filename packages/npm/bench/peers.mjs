@@ -58,13 +58,13 @@ export const peers = {
     "three-pathfinding": {
         entries: ["three-pathfinding"],
         async start() {
-            const [{ Pathfinding }, three] = await Promise.all([import("three-pathfinding"), import("three")]);
-            return { Pathfinding, three };
+            const { Pathfinding } = await import("three-pathfinding");
+            return { Pathfinding, three: await import("three") };
         },
         open({ Pathfinding, three }, { vertices, polygons }) {
             const geometry = new three.BufferGeometry();
             geometry.setAttribute("position", new three.Float32BufferAttribute(vertices, 3));
-            geometry.setIndex(polygons.flatMap((corners) => corners.slice(2).flatMap((corner, i) => [corners[0], corners[i + 1], corner])));
+            geometry.setIndex(polygons.flatMap((corners) => corners.slice(2).flatMap((corner, i) => [corner, corners[i + 1], corners[0]])));
             const finder = new Pathfinding();
             finder.setZoneData("all", Pathfinding.createZone(geometry));
             return (start, goal) => {
