@@ -29,8 +29,9 @@ export abstract class Held {
     /** Gives back what it holds; a second time does nothing. */
     dispose(): void {
         const { held } = this;
+        if (!held) return;
+        this.destroy(held);
         this.held = 0;
-        if (held) this.destroy(held);
     }
 
     [Symbol.dispose](): void {

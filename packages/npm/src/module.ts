@@ -63,6 +63,7 @@ export class Module {
         try {
             return this.calls[name](...values);
         } catch (error) {
+            if (error instanceof TypeError) throw error; // an argument that is no number: nothing was called
             this.failure = error;
             throw this.broken();
         }

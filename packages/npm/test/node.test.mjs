@@ -25,7 +25,7 @@ test("12,000 queries are answered as by the native library, to the bit", async (
     assert.equal(await ask(harbour), runNative("host_cpp", join(root, "worlds/harbour.xml")));
 });
 
-test("the module is small, and ready soon", async () => {
+test("the module is small, and comes as bytes, compiled, or served", async () => {
     const binary = readFileSync(new URL(import.meta.resolve("zunopathfinder/zuno.wasm")));
     assert.ok(gzipSync(binary, { level: 9 }).length <= 143_000);
     const compiled = await WebAssembly.compile(binary);
@@ -137,7 +137,7 @@ test("mistakes are errors, and the library goes on", () => {
     assert.throws(() => zuno.start(harbour), { status: Status.BUSY });
     assert.throws(() => zuno.replay(new Uint8Array(9), []), { status: Status.BUSY });
     assert.throws(() => mesh.outline(999999), { status: Status.BAD_ARGUMENT, message: /there is no node 999999/ });
-    assert.throws(() => session.openSearch([1, 2], goal), TypeError);
+    for (const mistake of [() => session.openSearch([1, 2], goal), () => mesh.outline(1n)]) assert.throws(mistake, TypeError);
     assert.throws(() => mesh.createPath().straighten(start, goal, [1, 2]), TypeError);
     assert.throws(() => mesh.createPath().straighten(start, goal, [], 7), /there is no form 7/);
     search.dispose();
