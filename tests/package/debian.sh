@@ -7,7 +7,7 @@ packages=$1 source=$2 root=$3/amd64-root
 if [ ! -e "$root.made" ]; then
     rm -rf "$root"
     mkdir -p "$3"
-    debootstrap --variant=minbase --include=g++,cmake,make,pkg-config,librecast1 bookworm "$root" >"$root.log"
+    debootstrap --variant=minbase --include=g++,cmake,make,pkg-config,librecast1,libtinygltf2d bookworm "$root" >"$root.log"
     touch "$root.made"
 fi
 rm -rf "$root/host" && mkdir "$root/host"
