@@ -9,7 +9,7 @@ target_compile_definitions(zuno_options INTERFACE $<$<NOT:$<BOOL:${WIN32}>>:_FIL
 # Sources that are compiled as one count as headers of it, which makes their unnamed namespaces
 # suspicious.
 if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-  target_compile_options(zuno_options INTERFACE -Wno-subobject-linkage)
+  target_compile_options(zuno_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
 endif()
 if(EMSCRIPTEN)
   # For bytes: a page loads them. Without the limit, which comes with -Os here, what is small is still
