@@ -78,7 +78,7 @@ std::string textOf(const ordered_json& summary,
     std::string text;
     constexpr std::size_t column = 15;
     for (const auto& [name, value] : lines)
-        text += name + std::string(column - name.size(), ' ') + value + '\n';
+        text.append(name).append(column - name.size(), ' ').append(value).append("\n");
     return text + '\n' + classesText(summary["heightclasses"]) + '\n';
 }
 

@@ -117,6 +117,7 @@ void bake(const Options& options) {
 
 std::vector<std::filesystem::file_time_type> timesOf(const std::vector<std::string>& files) {
     std::vector<std::filesystem::file_time_type> times;
+    times.reserve(files.size());
     std::error_code missing; // while an editor replaces it
     for (const std::string& file : files)
         times.push_back(std::filesystem::last_write_time(file, missing));

@@ -69,13 +69,13 @@ PassageFinder::Lenient& PassageFinder::lenient(Passage::Flaw flaw) {
     easier.mSettings = mSettings;
     easier.mSettings.mAgents = {mSettings.mAgents.front()};
     const int height = mCells.mAgentHeights.front();
+    const int narrower = (mCells.mRadius - 1) / 2;
     const int lower = std::max({height * 2 / 3, mCells.mClimb + 1, 3});
     if (flaw == Passage::Flaw::LOW)
         easier.mSettings.mAgents.front().mHeight =
             static_cast<float>(lower * mSettings.mCellHeight);
     else
-        easier.mSettings.mRadius =
-            static_cast<float>((mCells.mRadius - 1) / 2 * mSettings.mCellSize);
+        easier.mSettings.mRadius = static_cast<float>(narrower * mSettings.mCellSize);
     if (flaw == Passage::Flaw::LOW ? lower < height : mCells.mRadius > 0)
         easier.mView = bakeLeniently(easier.mSettings);
     return easier;
@@ -163,10 +163,12 @@ std::vector<Position> PassageFinder::findWay(const MeshView& view, std::uint32_t
 
 void PassageFinder::appendSamples(const Position& from, const Position& to,
                                   std::vector<Sample>& out) const {
-    const double count = std::ceil(distance(from, to) / mSettings.mCellSize * 2);
-    for (double i = 0; i <= count; ++i) {
+    const auto count =
+        static_cast<unsigned int>(std::ceil(distance(from, to) / mSettings.mCellSize * 2));
+    for (unsigned int i = 0; i <= count; ++i) {
         Sample sample;
-        sample.mPosition = between(from, to, static_cast<float>(i / std::max(count, 1.0)));
+        sample.mPosition =
+            between(from, to, static_cast<float>(i) / static_cast<float>(std::max(count, 1U)));
         const HostKit::Place ground =
             findGround(mMesh, sample.mPosition, mSettings.mAgents.front().mHeight / 2);
         sample.mIsland = ground ? mMesh.islandOf(ground.mNode) : NO_NODE;
