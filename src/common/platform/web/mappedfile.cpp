@@ -52,7 +52,7 @@ void MappedFile::unmap() noexcept {
 
 bool MappedFile::close(std::uint64_t length) noexcept {
     unmap();
-    if (mFile < 0)
+    if (mFile <= 0)
         return false;
     bytesOf(mFile).resize(static_cast<std::size_t>(length));
     mFile = -1;
