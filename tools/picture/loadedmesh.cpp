@@ -59,7 +59,8 @@ bool isBinaryFile(const std::string& fileName) {
 bool isSceneLine(const std::string& line) {
     static constexpr const char* words[] = {"v ", "vt ", "vn ",     "f ",     "g ",
                                             "o ", "s ",  "mtllib ", "usemtl "};
-    return std::ranges::any_of(words, [&](const char* word) { return line.starts_with(word); });
+    return std::any_of(std::begin(words), std::end(words),
+                       [&](const char* word) { return line.starts_with(word); });
 }
 
 /// What a file is that is no mesh, as far as its beginning tells; empty: it may be one.

@@ -78,7 +78,8 @@ std::vector<MeshPart> measureParts(const NavMesh::NavMeshContainer& mesh,
 }
 
 std::size_t largestOf(const std::vector<MeshPart>& parts) {
-    return static_cast<std::size_t>(std::ranges::max_element(parts, {}, &MeshPart::mArea) -
+    const auto isSmaller = [](const MeshPart& a, const MeshPart& b) { return a.mArea < b.mArea; };
+    return static_cast<std::size_t>(std::max_element(parts.begin(), parts.end(), isSmaller) -
                                     parts.begin());
 }
 
