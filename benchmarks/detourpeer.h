@@ -20,7 +20,7 @@ public:
         using std::runtime_error::runtime_error;
     };
 
-    /// Takes a mesh with y up, polygons of at most six corners with an entry for each border, and
+    /// Takes a mesh with y up, polygons with an entry for each border, and
     /// at most 65,534 of them and of corners. Throws a Refusal for another. Corners are
     /// rounded to a lattice of 65,000 steps over the larger extent, which is the form that Detour
     /// keeps.
