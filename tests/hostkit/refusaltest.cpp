@@ -42,8 +42,8 @@ protected:
     RefusalTest() {
         using Common::Callback::MemoryCallback;
         Common::initLibrary(Common::SharedPtr<MemoryCallback>(new HeapMemoryCallback));
-        const std::string floor = mFolder.put("floor.xml", Worlds::makeFloor(60, 3).toXML("floor"));
-        mFolder.put("other.xml", Worlds::makeFloor(30, 4).toXML("other"));
+        const std::string floor = mFolder.put("floor.xml", Worlds::makeFloor(30, 3).toXML("floor"));
+        mFolder.put("other.xml", Worlds::makeFloor(16, 4).toXML("other"));
         Tools::LoadedMesh(floor).save(mFolder.in("floor.bin"));
         mView.emplace(loadMeshView(floor));
         mStart = RandomPlaces(*mView).pick(1);
