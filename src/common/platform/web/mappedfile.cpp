@@ -35,6 +35,8 @@ bool MappedFile::create(const std::filesystem::path& name) noexcept {
 
 unsigned char* MappedFile::map(std::uint64_t offset, std::size_t size) noexcept {
     unmap();
+    if (mFile <= 0)
+        return nullptr;
     try {
         std::vector<unsigned char>& bytes = bytesOf(mFile);
         bytes.resize(static_cast<std::size_t>(offset) + size);
