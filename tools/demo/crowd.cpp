@@ -94,9 +94,20 @@ void Crowd::step(Character& character) {
         character.mRest =
             mSettings.mFramesPerSecond / 2 +
             static_cast<unsigned int>(mRandom() % (std::size_t{2} * mSettings.mFramesPerSecond));
-    } else if (corridor.needsSearch() && !character.mIsWaiting) {
-        ask(character);
+    } else {
+        askWhenLost(character);
     }
+}
+
+void Crowd::push(std::size_t character, const Position& by) {
+    Character& pushed = mCharacters[character];
+    pushed.mCorridor.move(pushed.mCorridor.position().mPosition + by);
+    askWhenLost(pushed);
+}
+
+void Crowd::askWhenLost(Character& character) {
+    if (character.mCorridor.needsSearch() && !character.mIsWaiting)
+        ask(character);
 }
 
 } // namespace ZUNO::Tools

@@ -41,6 +41,8 @@ public:
 
     /// Moves everybody by a frame. The scheduler is advanced by the caller.
     void walk();
+    /// Pushes a character aside; pushed off its path, it asks for another one.
+    void push(std::size_t character, const HostKit::Position& by);
 
     std::size_t size() const { return mCharacters.size(); }
     const HostKit::Place& placeOf(std::size_t character) const {
@@ -68,6 +70,7 @@ private:
     void ask(Character& character);
     void answer(Character& character, const HostKit::PathAnswer& answer);
     void step(Character& character);
+    void askWhenLost(Character& character);
 
     HostKit::Scheduler& mScheduler;
     CrowdSettings mSettings;
