@@ -1,27 +1,4 @@
-#include "capi/session.h"
-
-namespace ZUNO::CInterface {
-
-namespace {
-
-/// A search that is open. Its session closes all of them before it ends.
-class Search : public Object {
-public:
-    Search(Exports& exports, int id) : mExports(exports), mId(id) {}
-    ~Search() override { mExports.closePathSearch(mId); }
-    bool isOfSession() const override { return true; }
-
-    Exports& mExports;
-    const int mId;
-};
-
-std::shared_ptr<Search> get(zuno_search* handle) {
-    return CInterface::get<Search>(handle, "the search");
-}
-
-} // namespace
-
-} // namespace ZUNO::CInterface
+#include "capi/search.h"
 
 using namespace ZUNO::CInterface;
 

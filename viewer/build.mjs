@@ -1,4 +1,5 @@
-// Puts the page together: build.mjs PAGE_FOLDER ENGINE SAMPLE... [--serve PORT]
+// Puts the page together: build.mjs PAGE_FOLDER MODULE SAMPLE... [--serve PORT]
+import { execFileSync } from "node:child_process";
 import { createServer } from "node:http";
 import { cpSync, mkdirSync, readFileSync, writeFileSync } from "node:fs";
 import { basename, dirname, extname, join, normalize } from "node:path";
@@ -8,15 +9,18 @@ import { build } from "esbuild";
 
 const here = dirname(fileURLToPath(import.meta.url));
 const serveAt = process.argv.indexOf("--serve");
-const [page, engine, ...samples] = process.argv.slice(2, serveAt < 0 ? undefined : serveAt);
+const [page, module, ...samples] = process.argv.slice(2, serveAt < 0 ? undefined : serveAt);
 
 mkdirSync(page, { recursive: true });
 for (const file of ["index.html", "style.css"]) cpSync(join(here, file), join(page, file));
-cpSync(engine, join(page, "engine.js"));
-const packed = Object.fromEntries(
-    samples.map((file) => [basename(file, extname(file)), gzipSync(readFileSync(file), { level: 9 }).toString("base64")]),
-);
+const pack = (file) => gzipSync(readFileSync(file), { level: 9 }).toString("base64");
+const packed = Object.fromEntries(samples.map((file) => [basename(file, extname(file)), pack(file)]));
+writeFileSync(join(page, "engine.js"), `var zunoModule = ${JSON.stringify(pack(module))};\n`);
 writeFileSync(join(page, "samples.js"), `var zunoSamples = ${JSON.stringify(packed)};\n`);
+// the package's classes, as its users have them: tsconfig.json tells where they are
+execFileSync(join(here, "node_modules/.bin/tsc"), ["-p", join(here, "../packages/npm"), "--outDir", join(here, "../build/viewer/zunopathfinder")], {
+    stdio: "inherit",
+});
 await build({
     entryPoints: [join(here, "src/main.ts")],
     bundle: true,

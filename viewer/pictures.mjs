@@ -47,7 +47,7 @@ await shoot("workbench-crowd", "mesh=harbour", {
     work: async (page) => {
         await page.click('[data-tab="crowd"]');
         await page.click("#crowdWalk");
-        await page.waitForFunction(() => window.workbench.open.engine.crowdFigures().frames > 290);
+        await page.waitForFunction(() => window.workbench.running.crowd.figures.frames > 290);
         await page.click("#crowdWalk");
     },
 });

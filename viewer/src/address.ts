@@ -1,4 +1,4 @@
-import type { Vec3 } from "./engine";
+import type { Point } from "zunopathfinder/external";
 import { parsePoint, pointText, shortText } from "./format";
 import type { StraightForm } from "./searches";
 
@@ -7,9 +7,9 @@ export interface AddressState {
     sample: string | null;
     /** The name of the file that was open instead of a sample: the address can't hold it. */
     file: string | null;
-    searches: [Vec3, Vec3][];
-    ray: [Vec3, Vec3] | null;
-    camera: [Vec3, Vec3] | null;
+    searches: [Point, Point][];
+    ray: [Point, Point] | null;
+    camera: [Point, Point] | null;
     isTopView: boolean;
     showsGrid: boolean;
     showsLabels: boolean;
@@ -20,7 +20,7 @@ export interface AddressState {
 
 const forms: StraightForm[] = ["improved", "plain", "centres"];
 
-function parsePair(text: string | null): [Vec3, Vec3] | null {
+function parsePair(text: string | null): [Point, Point] | null {
     const [first, second] = (text ?? "").split(";");
     const from = parsePoint(first);
     const to = parsePoint(second);
@@ -49,7 +49,7 @@ function queriesOf(hash: string): string {
 }
 
 export function writeAddress(state: AddressState): void {
-    const pair = ([from, to]: [Vec3, Vec3], text: (p: Vec3) => string) => `${text(from)};${text(to)}`;
+    const pair = ([from, to]: [Point, Point], text: (p: Point) => string) => `${text(from)};${text(to)}`;
     const fields: string[] = [];
     if (state.sample) fields.push(`mesh=${encodeURIComponent(state.sample)}`);
     if (state.file) fields.push(`file=${encodeURIComponent(state.file)}`);

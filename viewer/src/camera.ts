@@ -1,6 +1,6 @@
 import * as THREE from "three";
 import { OrbitControls } from "three/examples/jsm/controls/OrbitControls.js";
-import type { Vec3 } from "./engine";
+import type { Point } from "zunopathfinder/external";
 
 const halfAngle = (45 / 2) * (Math.PI / 180);
 
@@ -106,14 +106,14 @@ export class Eye {
     }
 
     /** Place and target; without perspective the place from which one would see as much with it. */
-    get state(): [Vec3, Vec3] {
+    get state(): [Point, Point] {
         const { target } = this.controls;
         if (!this.isTop) return [this.camera.position.toArray(), target.toArray()];
         const distance = 1 / (this.orthographic.zoom * Math.tan(halfAngle));
         return [[target.x, target.y + distance, target.z], target.toArray()];
     }
 
-    set state([position, target]: [Vec3, Vec3]) {
+    set state([position, target]: [Point, Point]) {
         this.place(new THREE.Vector3(...position), new THREE.Vector3(...target));
     }
 

@@ -1,5 +1,5 @@
 import * as THREE from "three";
-import type { MeshDescription } from "./engine";
+import type { MeshDescription } from "./meshlook";
 
 const smallest = 11; // pixels, from head to foot
 

@@ -14,7 +14,7 @@ export function connectControls(bench: Workbench): void {
         bench.showAll();
     };
     const withShow = (all: Actions) => Object.fromEntries(Object.entries(all).map(([name, action]) => [name, shown(action)]));
-    const queries = () => bench.world?.queries;
+    const queries = () => bench.running?.queries;
     const { eye } = bench.view;
 
     const actions: Actions = {
@@ -29,7 +29,7 @@ export function connectControls(bench: Workbench): void {
         theme: () => bench.setTheme(!bench.isDark),
         help: () => element<HTMLDialogElement>("keys").showModal(),
         play: () => queries()?.togglePlay(),
-        step: () => queries()?.step(bench.budget),
+        step: () => queries()?.step(bench.movement.budget),
         finish: () => queries()?.finish(),
         restart: () => queries()?.restart(),
         another: () => {
@@ -41,9 +41,9 @@ export function connectControls(bench: Workbench): void {
         undo: () => queries()?.undo(),
         clearRay: () => queries()?.clearRay(),
         useNearest: () => bench.placing.useNearest(),
-        walk: () => bench.walk(),
-        crowdWalk: () => bench.walkCrowd(),
-        crowdEnd: () => bench.open?.crowd.end(),
+        walk: () => bench.movement.walk(),
+        crowdWalk: () => bench.movement.walkCrowd(),
+        crowdEnd: () => bench.running?.crowd.end(),
         errorClose: () => bench.hideError(),
     };
     bindButtons(withShow(actions));
@@ -83,14 +83,14 @@ export function connectControls(bench: Workbench): void {
     for (const button of document.querySelectorAll<HTMLElement>("[data-tool]"))
         button.addEventListener("click", shown(() => bench.setTool(button.dataset.tool as Tool)));
     for (const tab of document.querySelectorAll<HTMLElement>("[data-tab]")) tab.addEventListener("click", () => showTab(tab.dataset.tab!));
-    for (const id of ["budget", "crowdBudget", "speed"]) onChange(id, "input", () => bench.showSliders());
+    for (const id of ["budget", "crowdBudget", "speed"]) onChange(id, "input", () => bench.movement.showSliders());
     onChange("form", "change", () => (bench.form = element<HTMLSelectElement>("form").value as StraightForm));
     onChange("fromPoint", "change", () => bench.placing.type("start", element<HTMLInputElement>("fromPoint")));
     onChange("toPoint", "change", () => bench.placing.type("goal", element<HTMLInputElement>("toPoint")));
     element("sample").addEventListener("change", () => {
         const name = element<HTMLSelectElement>("sample").value;
-        if (name) void bench.openSample(name);
+        if (name) void bench.opener.openSample(name);
     });
-    bindFiles((files) => void bench.openFiles(files));
+    bindFiles((files) => void bench.opener.openFiles(files));
     keepClear(element("stage"), [element("legend"), element("hint"), element("note")]);
 }

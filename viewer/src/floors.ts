@@ -1,5 +1,6 @@
-import type { MeshDescription, Vec3 } from "./engine";
+import type { Point } from "zunopathfinder/external";
 import { shortText } from "./format";
+import type { MeshDescription } from "./meshlook";
 import { element, setText } from "./panel";
 import type { View } from "./view";
 
@@ -43,7 +44,7 @@ export class Floors {
     }
 
     /** Hides what is above the head of one who stands at a point; shows it when it was hidden. */
-    toggleAbove(point: Vec3 | null): void {
+    toggleAbove(point: Point | null): void {
         if (this.cut !== null) this.cutAt(null);
         else if (point && this.mesh) {
             const head = Math.max(...this.mesh.tables.heights.filter(Number.isFinite), this.mesh.cubeSize * 4);

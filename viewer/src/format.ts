@@ -1,4 +1,4 @@
-import type { Vec3 } from "./engine";
+import type { Point } from "zunopathfinder/external";
 
 /** The shortest text that a `float` of the same bits is read from. */
 export function floatText(value: number): string {
@@ -9,7 +9,7 @@ export function floatText(value: number): string {
     return String(Number(value.toPrecision(9)));
 }
 
-export function pointText(point: Vec3): string {
+export function pointText(point: Point): string {
     return point.map(floatText).join(",");
 }
 
@@ -19,10 +19,10 @@ export function shortText(value: number): string {
 }
 
 /** Three numbers with commas or spaces between them. */
-export function parsePoint(text: string | null): Vec3 | null {
+export function parsePoint(text: string | null): Point | null {
     const numbers = (text ?? "").trim().split(/[\s,;]+/).map(Number);
     return text?.trim() && numbers.length === 3 && numbers.every((value) => Number.isFinite(Math.fround(value)))
-        ? (numbers.map(Math.fround) as Vec3)
+        ? (numbers.map(Math.fround) as Point)
         : null;
 }
 

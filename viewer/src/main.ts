@@ -3,8 +3,8 @@ import { Workbench } from "./workbench";
 
 if (document.createElement("canvas").getContext("webgl2")) {
     const workbench = new Workbench();
-    void workbench.followAddress();
-    addEventListener("hashchange", () => void workbench.followAddress());
+    void workbench.address.follow();
+    addEventListener("hashchange", () => void workbench.address.follow());
     // for scripts that work the page
     Object.assign(window, { workbench });
 } else {

@@ -1,40 +1,48 @@
 import { Crowd } from "./crowd";
-import type { Engine, MeshDescription } from "./engine";
+import { lookAtMesh, type MeshDescription } from "./meshlook";
 import { MeshView, Palette } from "./meshview";
 import { Queries } from "./queries";
+import { loadRuntime } from "./runtime";
 import type { View } from "./view";
 import { Walker } from "./walker";
+import { World } from "./world";
 
-/** A mesh with its engine, and everything that runs over it. */
-export interface OpenMesh {
-    name: string;
-    sample: string | null;
-    /** The file, for engines that run a recording over it. */
-    bytes: Uint8Array;
-    engine: Engine;
-    mesh: MeshDescription;
-    view: MeshView;
+/** A world, and everything that runs in it. */
+export interface Running {
+    world: World;
     queries: Queries;
     walker: Walker;
     crowd: Crowd;
 }
 
-/** The bytes of a sample. */
-export async function unpackSample(name: string): Promise<Uint8Array> {
-    const packed = Uint8Array.from(atob(zunoSamples[name]), (letter) => letter.charCodeAt(0));
-    const stream = new Blob([packed]).stream().pipeThrough(new DecompressionStream("gzip"));
-    return new Uint8Array(await new Response(stream).arrayBuffer());
+/** A mesh that is shown. */
+export interface OpenMesh {
+    name: string;
+    sample: string | null;
+    /** The file, for a runtime that makes a recording's calls over it. */
+    bytes: Uint8Array;
+    mesh: MeshDescription;
+    view: MeshView;
+    /** Null when no world can run over it. */
+    running: Running | null;
 }
 
-/** Opens a mesh in a new engine. Throws an Error with the runtime's message. */
+/** Opens a mesh in a runtime of its own. Throws a ZunoError with what is wrong with it. */
 export async function openMesh(name: string, sample: string | null, bytes: Uint8Array, view: View, palette: Palette): Promise<OpenMesh> {
-    const engine = await createEngine();
-    const mesh = engine.openMesh(bytes);
-    return {
-        name, sample, bytes, engine, mesh,
-        view: new MeshView(mesh, palette),
-        queries: new Queries(engine, mesh),
-        walker: new Walker(view, engine, mesh),
-        crowd: new Crowd(view, engine, mesh),
+    const zuno = await loadRuntime();
+    const mesh = lookAtMesh(zuno.module, bytes);
+    const world = mesh.isFit ? new World(zuno, bytes) : null;
+    const running = world && {
+        world,
+        queries: new Queries(world, mesh),
+        walker: new Walker(view, world, mesh),
+        crowd: new Crowd(view, world, mesh),
     };
+    return { name, sample, bytes, mesh, view: new MeshView(mesh, palette), running };
+}
+
+export function closeMesh({ running }: OpenMesh): void {
+    running?.walker.stop();
+    running?.crowd.end();
+    running?.world.close();
 }

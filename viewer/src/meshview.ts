@@ -1,5 +1,5 @@
 import * as THREE from "three";
-import { centreOf, MeshDescription } from "./engine";
+import { centreOf, type MeshDescription } from "./meshlook";
 
 export interface Palette {
     background: number;

@@ -2,11 +2,13 @@ import * as THREE from "three";
 import { Line2 } from "three/examples/jsm/lines/Line2.js";
 import { LineGeometry } from "three/examples/jsm/lines/LineGeometry.js";
 import { LineMaterial } from "three/examples/jsm/lines/LineMaterial.js";
-import type { BlockingGrid, MeshDescription, Vec3 } from "./engine";
+import type { Point } from "zunopathfinder/external";
+import type { MeshDescription } from "./meshlook";
 import type { Palette } from "./meshview";
+import type { BlockingGrid } from "./world";
 
 /** A line of the same width from afar and near, a little above the ground. */
-export function makePolyline(points: Vec3[], colour: THREE.ColorRepresentation, mesh: MeshDescription,
+export function makePolyline(points: Point[], colour: THREE.ColorRepresentation, mesh: MeshDescription,
                              style: { width: number; isDashed?: boolean; opacity?: number }): Line2 {
     const lift = new THREE.Vector3(...mesh.normal).multiplyScalar(mesh.cubeSize * 0.8);
     const geometry = new LineGeometry();

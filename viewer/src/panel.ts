@@ -1,5 +1,6 @@
-import type { MeshDescription, Vec3 } from "./engine";
+import type { Point } from "zunopathfinder/external";
 import { byteText, pointText, shortText } from "./format";
+import type { MeshDescription } from "./meshlook";
 import type { Search, StraightForm } from "./searches";
 
 export function element<T extends HTMLElement = HTMLElement>(id: string): T {
@@ -48,13 +49,13 @@ export function showRows(id: string, rows: [string, string][]): void {
 }
 
 /** A field with a point; what somebody is typing stays. */
-function showPoint(id: string, point: Vec3 | null): void {
+function showPoint(id: string, point: Point | null): void {
     const field = element<HTMLInputElement>(id);
     if (field !== document.activeElement) field.value = point?.map(shortText).join(", ") ?? "";
 }
 
 /** Shows one search's figures; null: none. A start may be known before its goal. */
-export function showFigures(search: Search | null, form: StraightForm, pendingStart: Vec3 | null): void {
+export function showFigures(search: Search | null, form: StraightForm, pendingStart: Point | null): void {
     const found = search?.state === "found" ? search : null;
     setText("state", search?.state ?? "–");
     setText("cost", found ? shortText(found.cost) : "–");

@@ -1,4 +1,4 @@
-import type { Vec3 } from "./engine";
+import type { Point } from "zunopathfinder/external";
 import { parsePoint, shortText } from "./format";
 import { element, setText, showTab } from "./panel";
 import type { Workbench } from "./workbench";
@@ -13,17 +13,17 @@ export class Placing {
     constructor(private readonly bench: Workbench) {}
 
     /** The place that a click means; beside the mesh it says so. Null when nothing is near. */
-    settle(point: Vec3): Vec3 | null {
-        const { engine, queries, view } = this.bench.world!;
+    settle(point: Point): Point | null {
+        const { world, queries } = this.bench.running!;
         this.say("");
-        if (engine.nodeAt(point) >= 0) return queries.tidy(point);
+        if (world.ground.findNode(point) !== null) return queries.tidy(point);
         if (!element<HTMLInputElement>("snap").checked) return point;
-        const { min, max } = view.bounds;
+        const { min, max } = this.bench.open!.view.bounds;
         const reach = min.distanceTo(max) * reachPart;
-        const nearest = engine.findNearest(point, reach);
+        const nearest = world.ground.nearest(point, reach);
         const amount = shortText(Number((nearest?.distance ?? reach).toPrecision(2)));
         this.say(nearest ? `${amount} beside the mesh: the nearest place is taken` : `Nothing to stand on within ${amount} of this place`);
-        return nearest && queries.tidy(nearest.point);
+        return nearest && queries.tidy(nearest.position);
     }
 
     /** Start or goal where the middle of the picture is. */
@@ -31,7 +31,7 @@ export class Placing {
         const { left, top, width, height } = element("scene").getBoundingClientRect();
         const pick = this.bench.view.pointer.pick({ clientX: left + width / 2, clientY: top + height / 2 });
         element("cross").hidden = false;
-        const point = pick && this.bench.world ? this.settle(pick.point) : null;
+        const point = pick && this.bench.running ? this.settle(pick.point) : null;
         if (point) this.set(end, point);
     }
 
@@ -41,12 +41,12 @@ export class Placing {
         if (!point) return this.bench.fail(`“${field.value}” is no place: three numbers x, y, z are`);
         this.bench.hideError();
         field.blur();
-        if (this.bench.world) this.set(end, point);
+        if (this.bench.running) this.set(end, point);
     }
 
     /** Begins and ends at the places that are nearest to points beside the mesh. */
     useNearest(): void {
-        const queries = this.bench.world?.queries;
+        const queries = this.bench.running?.queries;
         const { start, goal } = queries?.active?.explanation ?? {};
         if (!queries || !start || !goal) return;
         queries.setEnd("start", queries.tidy(start));
@@ -60,8 +60,8 @@ export class Placing {
         if (text) this.noteTimer = window.setTimeout(() => setText("note", ""), noteFor);
     }
 
-    private set(end: "start" | "goal", point: Vec3): void {
-        this.bench.world!.queries.setEnd(end, point);
+    private set(end: "start" | "goal", point: Point): void {
+        this.bench.running!.queries.setEnd(end, point);
         showTab("search");
     }
 }

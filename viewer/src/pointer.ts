@@ -1,5 +1,5 @@
 import * as THREE from "three";
-import type { Vec3 } from "./engine";
+import type { Point } from "zunopathfinder/external";
 import type { MeshView } from "./meshview";
 import type { Marker, MarkerKind } from "./overlays";
 
@@ -8,7 +8,7 @@ import type { Marker, MarkerKind } from "./overlays";
  * as high as the lowest floor.
  */
 export interface Pick {
-    point: Vec3;
+    point: Point;
     isOnMesh: boolean;
 }
 
@@ -87,7 +87,7 @@ export class Pointer {
         const place = hit?.point ?? this.raycaster.ray.intersectPlane(floor, new THREE.Vector3());
         if (!place) return null;
         const local = shownMesh.group.worldToLocal(place.clone());
-        return { point: local.toArray().map(Math.fround) as Vec3, isOnMesh: !!hit };
+        return { point: local.toArray().map(Math.fround) as Point, isOnMesh: !!hit };
     }
 
     private aim({ clientX, clientY }: { clientX: number; clientY: number }): void {

@@ -1,14 +1,16 @@
-import { centreOf, Engine, MeshDescription, Vec3 } from "./engine";
+import type { Point } from "zunopathfinder/external";
+import { centreOf, type MeshDescription } from "./meshlook";
 import type { Marker } from "./overlays";
 import type { Ray } from "./rays";
 import { Search, SearchBoard } from "./searches";
+import type { World } from "./world";
 
 /** What clicks do: begin or end a path, begin or end a ray, or nothing. */
 export type Tool = "path" | "ray" | "look";
 
 /** What there was before something was closed or replaced. */
 interface Memory {
-    searches: { start: Vec3; goal: Vec3; colour: string }[];
+    searches: { start: Point; goal: Point; colour: string }[];
     ray: Ray | null;
 }
 
@@ -20,18 +22,18 @@ export class Queries {
     active: Search | null = null;
     ray: Ray | null = null;
     /** The first of two clicks. */
-    pendingStart: Vec3 | null = null;
-    pendingRay: Vec3 | null = null;
+    pendingStart: Point | null = null;
+    pendingRay: Point | null = null;
     /** The next path gets a search of its own instead of the active one's place. */
     addsNext = false;
     isPlaying = false;
     private readonly memories: Memory[] = [];
 
     constructor(
-        private readonly engine: Engine,
+        private readonly world: World,
         private readonly mesh: MeshDescription,
     ) {
-        this.board = new SearchBoard(engine);
+        this.board = new SearchBoard(world);
     }
 
     get all(): Search[] {
@@ -42,7 +44,7 @@ export class Queries {
         return this.memories.length > 0;
     }
 
-    click(tool: Tool, point: Vec3): void {
+    click(tool: Tool, point: Point): void {
         if (tool === "path") {
             if (!this.pendingStart) this.pendingStart = point;
             else this.startSearch(this.pendingStart, point);
@@ -54,7 +56,7 @@ export class Queries {
     }
 
     /** Gives the path, or the one that begins, a start or a goal; the rest is as it was. */
-    setEnd(end: "start" | "goal", point: Vec3): void {
+    setEnd(end: "start" | "goal", point: Point): void {
         const search = this.addsNext ? null : this.active;
         if (search && !this.pendingStart) {
             this.remember();
@@ -81,7 +83,7 @@ export class Queries {
     }
 
     /** Asks for these alone, if they are others than those that there are. */
-    replaceAll(searches: [Vec3, Vec3][], ray: [Vec3, Vec3] | null): void {
+    replaceAll(searches: [Point, Point][], ray: [Point, Point] | null): void {
         const isSame = searches.length === this.all.length &&
             searches.every(([start, goal], i) => String(start) === String(this.all[i].start) && String(goal) === String(this.all[i].goal));
         if (!isSame) {
@@ -94,7 +96,7 @@ export class Queries {
     }
 
     /** Moves what a sign belongs to; returns the owner of the sign that takes its place. */
-    drag(marker: Marker, point: Vec3): unknown {
+    drag(marker: Marker, point: Point): unknown {
         if (marker.owner instanceof Search) {
             const search = marker.owner;
             const [start, goal] = marker.kind === "start" ? [point, search.goal] : [search.start, point];
@@ -110,9 +112,9 @@ export class Queries {
         return marker.owner;
     }
 
-    traceRay(from: Vec3, to: Vec3): void {
+    traceRay(from: Point, to: Point): void {
         this.pendingRay = null;
-        this.ray = { from, to, hit: this.engine.traceRay(from, to) };
+        this.ray = { from, to, hit: this.world.session.traceRayInSpace(from, to) ?? -1 };
     }
 
     clearRay(): void {
@@ -127,7 +129,7 @@ export class Queries {
     }
 
     /** Opens searches and finishes them at once. */
-    solve(searches: [Vec3, Vec3][]): void {
+    solve(searches: [Point, Point][]): void {
         for (const [start, goal] of searches) this.active = this.board.open(start, goal);
         this.board.finish();
     }
@@ -161,10 +163,11 @@ export class Queries {
     }
 
     /** The point in as few digits as people need, where it stands on the same node then. */
-    tidy(point: Vec3): Vec3 {
+    tidy(point: Point): Point {
         const digits = Math.min(Math.max(-Math.floor(Math.log10(this.mesh.cubeSize / 20)), 0), 20);
-        const rounded = point.map((value) => Math.fround(Number(value.toFixed(digits)))) as Vec3;
-        return this.engine.nodeAt(rounded) === this.engine.nodeAt(point) ? rounded : point;
+        const rounded = point.map((value) => Math.fround(Number(value.toFixed(digits)))) as Point;
+        const { ground } = this.world;
+        return ground.findNode(rounded) === ground.findNode(point) ? rounded : point;
     }
 
     private dropAll(): void {
@@ -193,7 +196,7 @@ export class Queries {
         this.isPlaying = !this.isPlaying && this.board.isRunning;
     }
 
-    private startSearch(start: Vec3, goal: Vec3): void {
+    private startSearch(start: Point, goal: Point): void {
         this.remember();
         this.pendingStart = null;
         if (this.active && !this.addsNext) this.active = this.board.replace(this.active, start, goal);

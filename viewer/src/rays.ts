@@ -1,17 +1,18 @@
-import type { MeshDescription, Vec3 } from "./engine";
+import type { Point } from "zunopathfinder/external";
 import { floatText, shortText } from "./format";
+import type { MeshDescription } from "./meshlook";
 import { setText } from "./panel";
 
 export interface Ray {
-    from: Vec3;
-    to: Vec3;
+    from: Point;
+    to: Point;
     /** In units of the mesh's plane; below 0: nothing is hit. */
     hit: number;
 }
 
 /** Where along a ray its hit lies: 0 at its start, 1 at its end. */
 export function partOf(ray: Ray, { xAxis, yAxis }: MeshDescription): number {
-    const dot = (axis: Vec3) => axis.reduce((sum, value, i) => sum + value * (ray.to[i] - ray.from[i]), 0);
+    const dot = (axis: Point) => axis.reduce((sum, value, i) => sum + value * (ray.to[i] - ray.from[i]), 0);
     const length = Math.hypot(dot(xAxis), dot(yAxis));
     return ray.hit < 0 ? 1 : length > 0 ? Math.min(ray.hit / length, 1) : 0;
 }

@@ -1,5 +1,7 @@
-import { Engine, liftToMesh, MeshDescription, RecordedCalls, ReplayOutcome, Vec3 } from "./engine";
+import type { Point, Replay } from "zunopathfinder/external";
+import { liftToMesh, type MeshDescription } from "./meshlook";
 import type { Ray } from "./rays";
+import type { RecordedCalls } from "./recordedcalls";
 
 enum CallKind {
     Start = 1,
@@ -16,18 +18,18 @@ enum CallKind {
 }
 
 interface RecordedSearch {
-    start: Vec3;
-    goal: Vec3;
-    waypoints: Vec3[];
+    start: Point;
+    goal: Point;
+    waypoints: Point[];
 }
 
 /** What is drawn of a recording, up to a call. */
 export interface ShownCalls {
     searches: (RecordedSearch & { isCurrent: boolean })[];
     /** The paths that were answered last. */
-    answered: Vec3[][];
+    answered: Point[][];
     ray: Ray | null;
-    point: Vec3 | null;
+    point: Point | null;
 }
 
 const mostAnswered = 12;
@@ -37,14 +39,13 @@ export class Recording {
     /** So many calls were made. */
     at = 0;
     private searches = new Map<number, RecordedSearch>();
-    private answered: Vec3[][] = [];
+    private answered: Point[][] = [];
 
     constructor(
         readonly name: string,
-        private readonly engine: Engine,
         private readonly mesh: MeshDescription,
         private readonly calls: RecordedCalls,
-        readonly outcome: ReplayOutcome,
+        readonly outcome: Replay,
     ) {}
 
     get count(): number {
@@ -65,7 +66,7 @@ export class Recording {
     }
 
     textOf(index: number): string {
-        return `${this.engine.callText(index)} → ${this.engine.answerText(index)}`;
+        return this.calls.textOf(index);
     }
 
     get shown(): ShownCalls {
@@ -100,7 +101,7 @@ export class Recording {
                 if (id >= 0) this.searches.set(id, { start: this.argumentsOf(index, 0), goal: this.argumentsOf(index, 3), waypoints: [] });
                 break;
             case CallKind.NextWaypoint:
-                if (answers[index]) search?.waypoints.push([...answerFloats.subarray(index * 4, index * 4 + 3)] as Vec3);
+                if (answers[index]) search?.waypoints.push([...answerFloats.subarray(index * 4, index * 4 + 3)] as Point);
                 break;
             case CallKind.CloseSearch:
                 if (search?.waypoints.length) this.answered.push([search.start, ...search.waypoints, search.goal]);
@@ -110,12 +111,12 @@ export class Recording {
         }
     }
 
-    private argumentsOf(index: number, first: number): Vec3 {
-        return [...this.calls.arguments.subarray(index * 6 + first, index * 6 + first + 3)] as Vec3;
+    private argumentsOf(index: number, first: number): Point {
+        return [...this.calls.arguments.subarray(index * 6 + first, index * 6 + first + 3)] as Point;
     }
 
     /** A position in the plane, on the lowest floor. */
-    private positionOf(index: number, first: number): Vec3 {
+    private positionOf(index: number, first: number): Point {
         const [a, b] = this.argumentsOf(index, first);
         return liftToMesh(this.mesh, [a, b]);
     }
@@ -127,7 +128,7 @@ export class Recording {
         return null;
     }
 
-    private pointOf(index: number): Vec3 | null {
+    private pointOf(index: number): Point | null {
         const kind = this.calls.kinds[index];
         return kind === CallKind.IsBlocked || kind === CallKind.GroundHeight ? this.positionOf(index, 0) : null;
     }

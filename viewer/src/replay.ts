@@ -1,5 +1,7 @@
-import type { ReplayOutcome } from "./engine";
+import type { Replay } from "zunopathfinder/external";
+import { RecordedCalls } from "./recordedcalls";
 import { Recording } from "./recording";
+import { loadRuntime } from "./runtime";
 import type { Workbench } from "./workbench";
 
 const magic = "ZUNOREC";
@@ -13,20 +15,20 @@ export function isRecording(bytes: Uint8Array): boolean {
  * names, which is opened then. Throws an Error for what is no recording, and without its mesh.
  */
 export async function replayRecording(bench: Workbench, name: string, bytes: Uint8Array): Promise<Recording> {
-    const engine = await createEngine();
-    const calls = engine.openRecording(bytes);
+    const zuno = await loadRuntime();
+    const calls = new RecordedCalls(zuno.module, bytes);
     const sample = /([^/\\]*?)(\.\w+)?$/.exec(calls.mesh)?.[1] ?? "";
-    const run = (): ReplayOutcome => {
-        if (!bench.world) throw new Error(`open its mesh first: ${calls.mesh}`);
-        return engine.runRecording(bench.world.bytes);
+    const run = (): Replay => {
+        if (!bench.open?.running) throw new Error(`open its mesh first: ${calls.mesh}`);
+        return zuno.replay(bytes, [bench.open.bytes]);
     };
-    let outcome: ReplayOutcome;
+    let outcome: Replay;
     try {
         outcome = run();
     } catch (error) {
         if (zunoSamples[sample] === undefined || bench.open?.sample === sample) throw error;
-        await bench.openSample(sample);
+        await bench.opener.openSample(sample);
         outcome = run();
     }
-    return new Recording(name, engine, bench.world!.mesh, calls, outcome);
+    return new Recording(name, bench.open!.mesh, calls, outcome);
 }

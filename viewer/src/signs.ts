@@ -1,10 +1,11 @@
 import type { Line2 } from "three/examples/jsm/lines/Line2.js";
-import { centreOf, MeshDescription, Vec3 } from "./engine";
+import type { Point } from "zunopathfinder/external";
+import { centreOf, type MeshDescription } from "./meshlook";
 import type { Palette } from "./meshview";
 import { makePolyline, Marker, MarkerKind } from "./overlays";
 import type { Queries } from "./queries";
-import type { ShownCalls } from "./recording";
 import { partOf } from "./rays";
+import type { ShownCalls } from "./recording";
 import type { Search, StraightForm } from "./searches";
 import type { View } from "./view";
 
@@ -12,7 +13,8 @@ import type { View } from "./view";
 export const rayOwner = "ray";
 
 export interface Shown {
-    queries: Queries;
+    /** Null without a world. */
+    queries: Queries | null;
     form: StraightForm;
     /** A node to look at. */
     focus: number | null;
@@ -24,9 +26,9 @@ export interface Shown {
 export function showSigns(view: View, mesh: MeshDescription, palette: Palette, { queries, form, focus, calls }: Shown): void {
     const lines: Line2[] = [];
     const markers: Marker[] = [];
-    const mark = (kind: MarkerKind, colour: string | number, point: Vec3, owner: unknown = null) =>
+    const mark = (kind: MarkerKind, colour: string | number, point: Point, owner: unknown = null) =>
         markers.push(new Marker(kind, colour, view.toScene(point), owner));
-    const draw = (points: Vec3[], colour: string | number, style: Parameters<typeof makePolyline>[3]) =>
+    const draw = (points: Point[], colour: string | number, style: Parameters<typeof makePolyline>[3]) =>
         lines.push(makePolyline(points, colour, mesh, style));
 
     const showPath = (search: Search, isActive: boolean) => {
@@ -36,33 +38,33 @@ export function showSigns(view: View, mesh: MeshDescription, palette: Palette, {
             draw(search.wayIn(form).points, colour, { width: isActive ? 4.5 : 2.5 });
         } else if (search.state !== "running") {
             draw([start, goal], colour, { width: 1.5, isDashed: true });
-            const { startShore, goalShore } = search.explanation;
-            if (!isActive || !startShore || !goalShore) return;
-            draw([startShore, goalShore], palette.mark, { width: 3 });
-            mark("hit", palette.mark, startShore);
-            mark("hit", palette.mark, goalShore);
+            const { shores } = search.explanation;
+            if (!isActive || !shores) return;
+            draw(shores, palette.mark, { width: 3 });
+            for (const shore of shores) mark("hit", palette.mark, shore);
         }
     };
-    const isCrowd = queries.all.length > 3;
-    for (const search of queries.all) {
-        const isActive = search === queries.active;
+    const all = queries?.all ?? [];
+    const isCrowd = all.length > 3;
+    for (const search of all) {
+        const isActive = search === queries?.active;
         showPath(search, isActive);
         if (isCrowd && !isActive) continue;
         mark("start", search.colour, search.start, search);
         mark("goal", search.colour, search.goal, search);
     }
-    if (queries.pendingStart) mark("start", palette.mark, queries.pendingStart);
-    if (queries.pendingRay) mark("rayStart", palette.mark, queries.pendingRay);
+    if (queries?.pendingStart) mark("start", palette.mark, queries.pendingStart);
+    if (queries?.pendingRay) mark("rayStart", palette.mark, queries.pendingRay);
 
-    const showRay = (from: Vec3, to: Vec3, part: number, owner: unknown) => {
-        const at = from.map((value, i) => value + (to[i] - value) * part) as Vec3;
+    const showRay = (from: Point, to: Point, part: number, owner: unknown) => {
+        const at = from.map((value, i) => value + (to[i] - value) * part) as Point;
         draw([from, at], palette.mark, { width: 3.5 });
         if (part < 1) draw([at, to], palette.mark, { width: 1.5, isDashed: true });
         mark("rayStart", palette.mark, from, owner);
         mark("rayEnd", palette.mark, to, owner);
         if (part < 1) mark("hit", palette.wall, at);
     };
-    if (queries.ray) showRay(queries.ray.from, queries.ray.to, partOf(queries.ray, mesh), rayOwner);
+    if (queries?.ray) showRay(queries.ray.from, queries.ray.to, partOf(queries.ray, mesh), rayOwner);
 
     for (const { start, goal, waypoints, isCurrent } of calls?.searches ?? []) {
         const colour = isCurrent ? palette.mark : palette.path;

@@ -1,28 +1,28 @@
-import { MeshDescription, noGround, withoutUp } from "./engine";
-import type { Engine } from "./engine";
 import { shortText } from "./format";
 import type { OpenMesh } from "./meshes";
+import { withoutUp } from "./meshlook";
 import type { Palette } from "./meshview";
 import { element, setPressed, setText, showLegend } from "./panel";
 import type { Pick } from "./pointer";
 import type { Tool } from "./queries";
 
 /** What the line at the bottom tells of the place under the pointer. */
-export function showPointer(pick: Pick | null, open: { mesh: MeshDescription; engine: Engine } | null): void {
+export function showPointer(pick: Pick | null, open: OpenMesh | null): void {
     if (!pick || !open) {
         for (const id of ["pointer", "node", "ground"]) setText(id, "");
         return;
     }
-    const { mesh, engine } = open;
+    const { mesh, running } = open;
     setText("pointer", pick.point.map(shortText).join(", "));
-    if (!mesh.isFit) return setText("node", "no world");
+    if (!running) return setText("node", "no world");
+    const { session, ground } = running.world;
     // what a search would start from: where floors meet, the lowest id
-    const node = engine.nodeAt(pick.point);
-    const surface = mesh.tables.surfaces.find((type) => type.id === mesh.surfaceTypes[node]);
-    setText("node", node < 0 ? "no node" : `node ${node} · class ${mesh.heightClasses[node]}${surface ? ` · ${surface.name}` : ""}`);
+    const node = ground.findNode(pick.point);
+    const surface = mesh.tables.surfaces.find((type) => node !== null && type.id === mesh.surfaceTypes[node]);
+    setText("node", node === null ? "no node" : `node ${node} · class ${mesh.heightClasses[node]}${surface ? ` · ${surface.name}` : ""}`);
     const position = withoutUp(mesh, pick.point);
-    const height = engine.groundHeight(position);
-    setText("ground", engine.isBlocked(position) ? "blocked" : height === noGround ? "no ground" : `ground ${shortText(height)}`);
+    const height = session.groundHeight(...position);
+    setText("ground", session.isBlocked(...position) ? "blocked" : height === null ? "no ground" : `ground ${shortText(height)}`);
 }
 
 export function showColours(palette: Palette, open: OpenMesh | null, showsGrid: boolean): void {
@@ -32,8 +32,8 @@ export function showColours(palette: Palette, open: OpenMesh | null, showsGrid: 
         [palette.wall, "border without neighbour"],
     ];
     if (open?.mesh.islands.some((island) => island > 0)) entries.push([palette.islands[0], "island apart"]);
-    if (open?.queries.active) entries.push([palette.open, "open"], [palette.closed, "closed"]);
-    if (open?.crowd.isOut) entries.push([palette.walker, "walks"], [palette.waiting, "waits for a path"]);
+    if (open?.running?.queries.active) entries.push([palette.open, "open"], [palette.closed, "closed"]);
+    if (open?.running?.crowd.isOut) entries.push([palette.walker, "walks"], [palette.waiting, "waits for a path"]);
     if (showsGrid) entries.push([palette.blocked, "blocked"]);
     showLegend(entries);
 }
@@ -46,7 +46,7 @@ const hints: Record<Tool, [string, string]> = {
 
 /** What to do next: the hint, which is silent while something else is busy, and the buttons that make sense. */
 export function showControls(open: OpenMesh | null, tool: Tool, awaitedFile: string | null, isBusy: boolean): void {
-    const queries = open?.mesh.isFit ? open.queries : null;
+    const queries = open?.running?.queries ?? null;
     const isPending = !!(tool === "path" ? queries?.pendingStart : queries?.pendingRay);
     const isDone = tool === "path" ? queries?.active && !queries.addsNext : queries?.ray;
     const invitation = awaitedFile ? `This address is about ${awaitedFile}: drop that file here` : "Choose a sample, or drop a mesh file";

@@ -1,8 +1,8 @@
 import * as THREE from "three";
 import type { Line2 } from "three/examples/jsm/lines/Line2.js";
+import type { Point } from "zunopathfinder/external";
 import { Eye } from "./camera";
 import type { Characters } from "./characters";
-import type { Vec3 } from "./engine";
 import { Labels } from "./labels";
 import { MeshView, Palette } from "./meshview";
 import { disposeLine, Marker } from "./overlays";
@@ -161,7 +161,7 @@ export class View implements Pickable {
         if (this.meshView) this.eye.lookAt(this.meshView.centreOf(node), this.meshView.unit * 60);
     }
 
-    lookAtPoint(point: Vec3): void {
+    lookAtPoint(point: Point): void {
         if (this.meshView) this.eye.lookAt(this.toScene(point), this.meshView.unit * 160);
     }
 
@@ -177,13 +177,13 @@ export class View implements Pickable {
     }
 
     /** A point of the mesh's in the scene. */
-    toScene(point: Vec3): THREE.Vector3 {
+    toScene(point: Point): THREE.Vector3 {
         const place = new THREE.Vector3(...point);
         return this.meshView ? this.meshView.group.localToWorld(place) : place;
     }
 
     /** Where a point of the mesh's is seen, in pixels of the page. */
-    toScreen(point: Vec3): { x: number; y: number } {
+    toScreen(point: Point): { x: number; y: number } {
         const place = this.toScene(point).project(this.camera);
         const box = this.canvas.getBoundingClientRect();
         return {

@@ -1,15 +1,19 @@
 import * as THREE from "three";
+import type { Corridor, Point } from "zunopathfinder/external";
 import { Characters } from "./characters";
-import type { Engine, MeshDescription, Vec3 } from "./engine";
-import { element, setText } from "./panel";
+import type { MeshDescription } from "./meshlook";
 import type { Palette } from "./meshview";
+import { element, setText } from "./panel";
 import type { Search, StraightForm } from "./searches";
+import { isAtGoal, stride } from "./stride";
 import type { View } from "./view";
+import type { World } from "./world";
 
 /** A character that walks a found path, at a speed in units a second. */
 export class Walker {
     isWalking = false;
     private search: Search | null = null;
+    private corridor: Corridor | null = null;
     private form: StraightForm = "improved";
     private body: Characters | null = null;
     private walked = 0;
@@ -17,7 +21,7 @@ export class Walker {
 
     constructor(
         private readonly view: View,
-        private readonly engine: Engine,
+        private readonly world: World,
         private readonly mesh: MeshDescription,
     ) {}
 
@@ -42,18 +46,18 @@ export class Walker {
 
     stop(): void {
         if (this.body) this.view.setCharacters(null);
-        this.search = this.body = null;
+        this.corridor?.dispose();
+        this.search = this.body = this.corridor = null;
         this.isWalking = false;
     }
 
     /** Walks for so many seconds. */
     frame(seconds: number, speed: number, palette: Palette): void {
-        if (!this.isWalking || !this.search || !this.body) return;
-        const { point, walked, isThere } = this.engine.stepWalker(seconds * speed);
-        this.walked += walked;
-        this.isThere = isThere || walked === 0;
+        if (!this.isWalking || !this.corridor) return;
+        this.walk(this.corridor, seconds * speed);
         if (this.isThere) this.isWalking = false;
-        this.putAt(point, palette);
+        this.body?.place(0, this.view.toScene(this.corridor.state().position), new THREE.Color(palette.walker));
+        this.view.invalidate();
     }
 
     show(speed: number): void {
@@ -67,7 +71,11 @@ export class Walker {
 
     private setOut(search: Search, form: StraightForm): void {
         this.stop();
-        if (!search.sendWalker(form)) return;
+        const path = search.straighten(form);
+        if (!path) return;
+        const start = [...path.cornersView().subarray(0, 3)] as Point;
+        this.corridor = this.world.ground.createCorridor({ node: this.world.ground.findNode(search.start)!, position: start });
+        this.corridor.follow(path);
         this.search = search;
         this.form = form;
         this.walked = 0;
@@ -77,8 +85,16 @@ export class Walker {
         this.view.setCharacters(this.body);
     }
 
-    private putAt(point: Vec3, palette: Palette): void {
-        this.body?.place(0, this.view.toScene(point), new THREE.Color(palette.walker));
-        this.view.invalidate();
+    /** Walks so far, in steps that turn at each corner, or to the goal. */
+    private walk(corridor: Corridor, distance: number): void {
+        const { cubeSize } = this.mesh;
+        const near = cubeSize / 8;
+        let state = corridor.state();
+        let rest = distance;
+        for (let walked = 1; rest > 0 && walked > 0 && state.hasPath && !isAtGoal(state, near); rest -= walked) {
+            ({ state, walked } = stride(corridor, state, Math.min(rest, cubeSize), near));
+            this.walked += walked;
+        }
+        this.isThere = isAtGoal(state, near) || rest === distance;
     }
 }

@@ -109,7 +109,7 @@ test("a phone: two taps give a path, and nothing is wider than the page", async 
     assert.equal(await bench.page.evaluate(() => document.documentElement.scrollWidth), 390);
     await bench.page.tap('[data-tab="crowd"]');
     await bench.page.tap("#crowdWalk");
-    await until(() => window.workbench.open.engine.crowdFigures().frames > 2);
+    await until(() => window.workbench.running.crowd.figures.frames > 2);
 });
 
 test("without WebGL the page says so", async () => {

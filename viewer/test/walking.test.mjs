@@ -55,7 +55,7 @@ test("a crowd walks within its budget, waits when that is small, and stops", asy
     await open("mesh=harbour");
     await bench.page.click('[data-tab="crowd"]');
     await bench.page.click("#crowdWalk");
-    const figures = () => bench.page.evaluate(() => window.workbench.open.engine.crowdFigures());
+    const figures = () => bench.page.evaluate(() => window.workbench.running.crowd.figures);
     await until(() => /Queue0, at most 200/.test(document.getElementById("crowdFigures").textContent));
     const { found, distance } = await figures();
     assert.ok(found > 150 && distance > 100, `${found} found, ${distance} walked`);
@@ -66,8 +66,8 @@ test("a crowd walks within its budget, waits when that is small, and stops", asy
     assert.equal((await figures()).frames, frames);
     await bench.page.click("#crowdEnd");
     await bench.page.click("#crowdWalk");
-    await until(() => window.workbench.open.engine.crowdFigures().frames > 10);
-    assert.ok((await figures()).queue > 290);
+    await until(() => window.workbench.running.crowd.figures.frames > 10);
+    assert.ok((await figures()).open > 290);
     await bench.page.click("#crowdEnd");
     assert.equal(await text("crowdFigures"), "");
 });

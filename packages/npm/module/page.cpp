@@ -1,12 +1,10 @@
 // What a page needs beside zuno.h: files in memory, and a place for reports and log lines.
-#include "capi/zuno.h"
 #include "common/platform/web/pagefiles.h"
+#include "packages/npm/module/pageexport.h"
 
 #include <new>
 
 using ZUNO::Common::Platform::pageFiles;
-
-#define ZUNO_PAGE_EXPORT(name) __attribute__((export_name(#name))) name
 
 extern "C" {
 

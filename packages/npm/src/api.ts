@@ -1,7 +1,7 @@
 /** What both entries offer beside their `load`. */
 export type { Corridor, CorridorState } from "./corridor.js";
 export type { Mesh, NearestPlace } from "./mesh.js";
-export type { Log } from "./module.js";
+export type { Address, Log, Module } from "./module.js";
 export type { Path } from "./path.js";
 export type { Answer, Request, Scheduler, SchedulerFigures, SchedulerSettings } from "./scheduler.js";
 export type { Search } from "./search.js";

@@ -20,7 +20,7 @@ export abstract class Held {
         return this.held === 0;
     }
 
-    /** @internal */
+    /** The object's handle, for functions beside those of this package. A disposed object has none: it throws. */
     get handle(): Address {
         if (this.held) return this.held;
         throw new ZunoError(`this ${this.constructor.name} was disposed of`, Status.BAD_HANDLE);

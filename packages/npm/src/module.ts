@@ -16,8 +16,10 @@ function toConsole(level: LogLevel, text: string): void {
 }
 
 /**
- * The compiled library: the one place that knows of memory, statuses and errors. Structs are put
- * together in a block of its own, which each call may use anew; lists in another one that grows.
+ * The compiled library: the one place that knows of memory, statuses and errors. The classes of this
+ * package are made of it, and so is what calls functions that you linked into a module of your own.
+ * Structs are put together in a block of its own, which each call may use anew; lists in another one
+ * that grows.
  */
 export class Module {
     /** Of the whole memory. They are other ones after any call during which it grew. */
@@ -35,6 +37,7 @@ export class Module {
     private readonly decoder = new TextDecoder();
     private readonly encoder = new TextEncoder();
 
+    /** @internal */
     constructor(compiled: WebAssembly.Module, log: Log = toConsole) {
         const instance = new WebAssembly.Instance(compiled, this.imports(log));
         this.memory = instance.exports.memory as WebAssembly.Memory;
@@ -50,7 +53,7 @@ export class Module {
         return this.bytes.byteLength;
     }
 
-    /** Calls a function of the library. Returns whether what was asked for is there; a failure is thrown. */
+    /** Calls `zuno_` and this name, which keeps to the rules of `zuno.h`. Returns whether what was asked for is there; a failure is thrown. */
     call(name: string, ...values: (number | bigint)[]): boolean {
         const status = this.enter(`zuno_${name}`, ...values);
         if (status < 0) throw this.lastError();
@@ -113,6 +116,7 @@ export class Module {
         this.bytes.set(bytes, room);
     }
 
+    /** Takes a file away, if it is there. */
     removeFile(name: string): void {
         this.enter("zuno_page_remove", this.text(name));
     }

@@ -26,7 +26,10 @@ export class Zuno {
     readonly version: string;
 
     /** @internal */
-    constructor(private readonly module: Module) {
+    constructor(
+        /** The compiled module, for functions of your own that were linked into it. */
+        readonly module: Module,
+    ) {
         module.call("check_version", headerVersion, module.structs);
         const version = module.words[module.structs >> 2];
         this.version = [version / 10000, (version / 100) % 100, version % 100].map(Math.floor).join(".");

@@ -1,0 +1,78 @@
+import { openMesh, type OpenMesh } from "./meshes";
+import { element, showTab } from "./panel";
+import { isRecording, replayRecording } from "./replay";
+import { unpack } from "./runtime";
+import type { Workbench } from "./workbench";
+
+const messageOf = (error: unknown) => (error instanceof Error ? error.message.replace(/^mesh: /, "") : String(error));
+
+/** Opens samples, meshes and recordings. What can't be read leaves what was open as it is. */
+export class Opener {
+    /** How long it took. */
+    timings: [string, string][] = [];
+    private openings = 0;
+
+    constructor(private readonly bench: Workbench) {
+        const samples = element<HTMLSelectElement>("sample");
+        samples.add(new Option("–", ""));
+        for (const name of Object.keys(zunoSamples)) samples.add(new Option(name, name));
+    }
+
+    async openSample(name: string): Promise<void> {
+        this.bench.address.awaited = null;
+        if (!zunoSamples[name]) return this.bench.fail(`There is no sample “${name}”.`);
+        await this.openBytes(name, await unpack(zunoSamples[name]), name);
+    }
+
+    /** Opens what was dropped: a mesh, then a recording over it. */
+    async openFiles(files: File[]): Promise<void> {
+        const contents = await Promise.all(files.map(async (file) => ({ name: file.name, bytes: new Uint8Array(await file.arrayBuffer()) })));
+        const mesh = contents.find(({ bytes }) => !isRecording(bytes));
+        if (mesh) await this.openBytes(mesh.name, mesh.bytes, null);
+        this.bench.address.applyAwaited();
+        const recording = contents.find(({ bytes }) => isRecording(bytes));
+        if (recording) await this.openRecording(recording.name, recording.bytes);
+    }
+
+    /** Opens a mesh in a new runtime. */
+    async openBytes(name: string, bytes: Uint8Array, sample: string | null): Promise<void> {
+        const { bench } = this;
+        const begin = performance.now();
+        const turn = ++this.openings;
+        let opened: OpenMesh;
+        try {
+            opened = await openMesh(name, sample, bytes, bench.view, bench.palette);
+        } catch (error) {
+            bench.fail(`${name}: ${messageOf(error)}`);
+            element<HTMLSelectElement>("sample").value = bench.open?.sample ?? "";
+            return;
+        }
+        if (turn !== this.openings) return; // another was asked for meanwhile
+        const loaded = performance.now();
+        bench.show(opened, begin);
+        if (opened.running) bench.hideError();
+        else bench.fail(`${name}: no world can run over this mesh: ${opened.mesh.defects[0].text}`);
+        if (!opened.running) showTab("defects");
+        // the second frame begins when the first is on the screen
+        for (let i = 0; i < 2; ++i) await new Promise(requestAnimationFrame);
+        const seen = performance.now() - begin;
+        this.timings = [
+            ["Opened in", `${(loaded - begin).toFixed(0)} ms`],
+            ["First picture", `after ${seen.toFixed(0)} ms`],
+        ];
+        element("stage").dataset.firstPicture = String(seen);
+        bench.showAll();
+    }
+
+    private async openRecording(name: string, bytes: Uint8Array): Promise<void> {
+        const { bench } = this;
+        try {
+            bench.recording.open(await replayRecording(bench, name, bytes));
+            bench.hideError();
+            showTab("recording");
+        } catch (error) {
+            bench.fail(`${name}: ${messageOf(error).replace(/; mesh 1 (?=has|can't)/, `; ${bench.open?.name} `)}`);
+        }
+        bench.showAll();
+    }
+}
