@@ -11,6 +11,7 @@ export class AddressBar {
     /** What an address told about a file that is not open yet. */
     awaited: AddressState | null = null;
     private isStale = false;
+    private following = 0; // addresses that are being opened
     private timer = 0;
 
     constructor(private readonly bench: Workbench) {}
@@ -23,7 +24,7 @@ export class AddressBar {
     /** Writes the address soon, if it is stale. */
     frame(): void {
         const { open } = this.bench;
-        if (!this.isStale || !open) return;
+        if (!this.isStale || this.following || !open) return;
         this.isStale = false;
         clearTimeout(this.timer);
         this.timer = window.setTimeout(() => this.write(open), delay);
@@ -38,7 +39,9 @@ export class AddressBar {
         this.awaited = state.file && !state.sample && !isOpen ? state : null;
         if (this.awaited) return bench.showAll();
         const sample = state.sample ?? Object.keys(zunoSamples)[0];
+        ++this.following; // what is open meanwhile must not take the address back
         if (!isOpen) await bench.opener.openSample(sample);
+        --this.following;
         if (isOpen || bench.open?.sample === sample) this.apply(state);
     }
 

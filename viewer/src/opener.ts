@@ -1,10 +1,17 @@
+import { ZunoError } from "zunopathfinder/external";
+import { isRecording, whatElseIs } from "./filekinds";
 import { openMesh, type OpenMesh } from "./meshes";
 import { element, showTab } from "./panel";
-import { isRecording, replayRecording } from "./replay";
+import { replayRecording } from "./replay";
 import { unpack } from "./runtime";
 import type { Workbench } from "./workbench";
 
-const messageOf = (error: unknown) => (error instanceof Error ? error.message.replace(/^mesh: /, "") : String(error));
+/** The runtime's own words, with the parameters that it names. */
+function messageOf(error: unknown): string {
+    if (!(error instanceof Error)) return String(error);
+    const parameters = error instanceof ZunoError ? Object.entries(error.parameters).map(([name, value]) => `${name}: ${value}`) : [];
+    return error.message.replace(/^mesh: /, "") + (parameters.length ? ` (${parameters.join(", ")})` : "");
+}
 
 /** Opens samples, meshes and recordings. What can't be read leaves what was open as it is. */
 export class Opener {
@@ -43,7 +50,7 @@ export class Opener {
         try {
             opened = await openMesh(name, sample, bytes, bench.view, bench.palette);
         } catch (error) {
-            bench.fail(`${name}: ${messageOf(error)}`);
+            bench.fail(`${name}: ${whatElseIs(bytes) ?? messageOf(error)}`);
             element<HTMLSelectElement>("sample").value = bench.open?.sample ?? "";
             return;
         }

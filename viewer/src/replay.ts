@@ -4,12 +4,6 @@ import { Recording } from "./recording";
 import { loadRuntime } from "./runtime";
 import type { Workbench } from "./workbench";
 
-const magic = "ZUNOREC";
-
-export function isRecording(bytes: Uint8Array): boolean {
-    return String.fromCharCode(...bytes.subarray(0, magic.length)) === magic;
-}
-
 /**
  * Makes the calls of a recording again, over the mesh that is open, or over the sample that it
  * names, which is opened then. Throws an Error for what is no recording, and without its mesh.
