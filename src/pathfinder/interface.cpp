@@ -1,5 +1,7 @@
 #include "pathfinder/interface.h"
 
+#include "common/debug/trace.h"
+#include "common/parser/parserexception.h"
 #include "navmesh/interface.h"
 #include "pathfinder/hostground.h"
 #include "pathfinder/navmeshinstance.h"
@@ -31,16 +33,21 @@ NavMeshInstance* findWorld() {
     return world;
 }
 
-} // namespace
+/// Tells the trace viewer why there is no world. Takes no memory of the host's: there may be none.
+void traceFailedStart(const BasicString<char>& navMeshFile, const Exceptions::Exception& cause) {
+    Debug::ReportText text;
+    text << "the world over " << navMeshFile.getConstCharPtr()
+         << " can't be started: " << cause.getMessage().getConstCharPtr();
+    if (const auto* const parsing = dynamic_cast<const Parser::ParserException*>(&cause))
+        text << " (line " << parsing->getLine() << ", row " << parsing->getRow() << ")";
+    Debug::Trace::send(Debug::TRACE_ERROR, text.text());
+}
 
-Interface& Interface::operator=(const Interface&) {
-    return *this;
-} // NOLINT: nothing to copy
-
-bool Interface::initWorldRepresentation(const BasicString<char>& navMeshFile,
-                                        const SharedPtr<Callback::MemoryCallback>& cbMemory,
-                                        const SharedPtr<Callback::FileIOCallback>& cbFileIO,
-                                        const BasicString<char>& blockingMapFile) {
+/// Starts the library and loads the world; false after a report.
+bool startWorld(const BasicString<char>& navMeshFile,
+                const SharedPtr<Callback::MemoryCallback>& cbMemory,
+                const SharedPtr<Callback::FileIOCallback>& cbFileIO,
+                const BasicString<char>& blockingMapFile) {
     enterHostGround(cbMemory);
     const SharedPtr<Memory::Allocator>& allocator = getWorldAllocator();
     NavMesh::initLibrary(cbMemory, cbFileIO, allocator);
@@ -57,6 +64,24 @@ bool Interface::initWorldRepresentation(const BasicString<char>& navMeshFile,
         return false;
     }
     return true;
+}
+
+} // namespace
+
+Interface& Interface::operator=(const Interface&) {
+    return *this;
+} // NOLINT: nothing to copy
+
+bool Interface::initWorldRepresentation(const BasicString<char>& navMeshFile,
+                                        const SharedPtr<Callback::MemoryCallback>& cbMemory,
+                                        const SharedPtr<Callback::FileIOCallback>& cbFileIO,
+                                        const BasicString<char>& blockingMapFile) {
+    try {
+        return startWorld(navMeshFile, cbMemory, cbFileIO, blockingMapFile);
+    } catch (const Exceptions::Exception* cause) {
+        traceFailedStart(navMeshFile, *cause);
+        throw; // it is the host's
+    }
 }
 
 void Interface::close() {

@@ -14,6 +14,8 @@ namespace ZUNO::Common::Debug {
 
 namespace {
 
+static_assert(TRACE_ERROR == Platform::traceErrorCode);
+
 constexpr std::size_t unknownType = std::numeric_limits<std::size_t>::max();
 
 std::size_t valueLength(unsigned int valueType, const char* value) {

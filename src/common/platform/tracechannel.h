@@ -8,6 +8,9 @@ namespace ZUNO::Common::Platform {
 /// The name under which a viewer is found.
 inline constexpr char traceViewerName[] = "ZUNTraceWindow";
 
+/// The code of messages that tell of errors.
+inline constexpr std::uint32_t traceErrorCode = 0;
+
 /// The longest text that one message carries, without its zero.
 extern const std::uint32_t longestTraceText;
 
