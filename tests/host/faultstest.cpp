@@ -49,7 +49,7 @@ std::uint64_t askFiftyQueries() {
         digest.add(static_cast<std::uint32_t>(search));
         if (search < 0)
             continue;
-        while (Interface::runPathSearch(search, 3) == 1) {
+        while (Interface::runPathSearch(search, 3) == Pathfinder::PATH_RUNNING) {
         }
         Vec3<float> waypoint(0, 0, 0);
         while (Interface::getNextWaypoint(search, waypoint))

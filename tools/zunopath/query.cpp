@@ -26,13 +26,6 @@ Vec3<float> spaceOf(const std::vector<float>& point) {
     return {point[0], point[1], point[2]};
 }
 
-ordered_json json(const Vec2<float>& p) {
-    return {p.mX, p.mY};
-}
-ordered_json json(const Vec3<float>& p) {
-    return {p.mX, p.mY, p.mZ};
-}
-
 Answer askPath(const Query& query) {
     Answer answer;
     answer.mPath.mStart = spaceOf(query.mFrom);
@@ -56,7 +49,7 @@ Answer askPath(const Query& query) {
     Vec3<float> waypoint;
     while (Interface::getNextWaypoint(search, waypoint)) {
         answer.mPath.mWaypoints.push_back(waypoint);
-        waypoints.push_back(json(waypoint));
+        waypoints.push_back(coordinatesOf(waypoint));
     }
     const float cost = Interface::getPathCost(search);
     Interface::closePathSearch(search);
@@ -123,12 +116,20 @@ Answer askBounds() {
     Vec2<float> max;
     Interface::getBoundingRectangle(min, max);
     Answer answer;
-    answer.mJson = {{"query", "bounds"}, {"min", json(min)}, {"max", json(max)}};
+    answer.mJson = {{"query", "bounds"}, {"min", coordinatesOf(min)}, {"max", coordinatesOf(max)}};
     answer.mText = textOf(min) + " to " + textOf(max) + " units";
     return answer;
 }
 
 } // namespace
+
+ordered_json coordinatesOf(const Vec2<float>& p) {
+    return {p.mX, p.mY};
+}
+
+ordered_json coordinatesOf(const Vec3<float>& p) {
+    return {p.mX, p.mY, p.mZ};
+}
 
 std::vector<float> parsePoint(const std::string& text, std::size_t least, std::size_t most) {
     std::vector<float> numbers;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/math/vec2.h"
 #include "common/math/vec3.h"
 #include "tools/output/toolmain.h"
 #include "tools/picture/meshpicture.h"
@@ -27,6 +28,10 @@ struct Answer {
     ExitStatus mStatus = STATUS_OK; ///< STATUS_NOTHING: no path, or a point on no node
     DrawnPath mPath;                ///< of a path query
 };
+
+/// A point's coordinates, as a list.
+nlohmann::ordered_json coordinatesOf(const Common::Math::Vec2<float>& p);
+nlohmann::ordered_json coordinatesOf(const Common::Math::Vec3<float>& p);
 
 /// "x,y" or "x,y,z": `least` to `most` numbers. Raises a std::invalid_argument that says what was
 /// expected.

@@ -55,11 +55,8 @@ StraightChoice parseChoice(const std::vector<std::string>& words) {
     throw std::invalid_argument("expected 'straight improved', 'straight plain' or 'straight off'");
 }
 
-ordered_json json(const Position& p) {
-    return {p.mX, p.mY, p.mZ};
-}
 ordered_json json(const Place& place) {
-    return {{"node", place.mNode}, {"position", json(place.mPosition)}};
+    return {{"node", place.mNode}, {"position", coordinatesOf(place.mPosition)}};
 }
 ordered_json json(const HostKit::NearestPlace& place) {
     ordered_json json = Tools::json(static_cast<const Place&>(place));
@@ -154,7 +151,7 @@ void Questioner::straighten(Answer& answer) {
         throw std::runtime_error("the path is none on the host's view of the mesh");
     ordered_json corners = ordered_json::array();
     for (const HostKit::StraightPath::Corner& corner : path.mCorners) {
-        corners.push_back(json(corner.mPosition));
+        corners.push_back(coordinatesOf(corner.mPosition));
         answer.mPath.mCorners.push_back(corner.mPosition);
     }
     if (mTrailStep > 0)
@@ -225,7 +222,7 @@ Answer Questioner::askHeight(const SurfaceQuery& query) {
     answer.mJson = {{"query", "height"},
                     {"height", height},
                     {"node", ground.mNode},
-                    {"position", json(ground.mPosition)}};
+                    {"position", coordinatesOf(ground.mPosition)}};
     answer.mText = lengthText(height) + " on node " + std::to_string(ground.mNode);
     return answer;
 }

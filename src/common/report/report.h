@@ -15,8 +15,8 @@ using ReportHandler = void (*)(const char* text, const char* file, unsigned int 
 /// ZUNO_REPORTS_STOP it ends the program instead.
 ReportHandler setReportHandler(ReportHandler handler) noexcept;
 
-/// Sends a report to the trace viewer, if one runs, and hands it to the handler. `expression` may be
-/// empty.
+/// Sends a report to the trace viewer, if one runs, and hands it to the handler. `expression` may
+/// be empty.
 void report(const char* expression, const ReportText& text, const char* file,
             unsigned int line) noexcept;
 
