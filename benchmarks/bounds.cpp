@@ -133,16 +133,42 @@ void fillSavings(Builder& mesh, int leaves, int steps) {
     for (int i = 0; i < leaves; ++i)
         mesh.node(ring, i == 0 ? std::vector<int>{0} : std::vector<int>{});
 }
-/// A hub whose leaves lie each a little farther than the last, and all nearer than what waits.
-void fillRow(Builder& mesh, int leaves) {
+/// A chain of nodes, each reached from the last by a short way and by one that is longer by half as
+/// much as the one before. All are reached over a long way first; when a cheaper one turns up, the
+/// last in the chain gets cheaper for each choice of ways, the dearest first.
+void fillDoubling(Builder& mesh, int stages, float away) {
+    const int steps = 4 * stages;
+    const int firstStep = 3;
+    const int chain = firstStep + steps; // of each stage: the long way, the short one, its end
+    const auto longest = static_cast<float>(1 << stages);
+    mesh.box(away, 0, away / 8, away / 8, {}); // the goal
+    mesh.box(-4 * longest, 0, 2, 2, {2});      // the long way
+    mesh.box(0, 0, 1, 1, {chain + 1, chain});  // the chain's begin
+    for (int i = 0; i < steps; ++i)
+        mesh.box(static_cast<float>(i - steps), 0, 1, 1,
+                 i == 0           ? std::vector<int>{1, firstStep + 1}
+                 : i + 1 == steps ? std::vector<int>{2}
+                                  : std::vector<int>{firstStep + i + 1});
+    for (int i = 0; i < stages; ++i) {
+        const int stage = chain + 3 * i;
+        const auto x = static_cast<float>(2 * i);
+        mesh.box(x + 1, longest / static_cast<float>(2 << i), 1, 1, {stage + 2});
+        mesh.box(x + 1, 0, 1, 1, {stage + 2});
+        mesh.box(x + 2, 0, 1, 1,
+                 i + 1 == stages ? std::vector<int>{} : std::vector<int>{stage + 4, stage + 3});
+    }
+}
+/// A hub whose leaves lie each a little farther than the last, and all nearer than what waits;
+/// without anything that waits they are neighbours in the opposite order.
+void fillRow(Builder& mesh, int leaves, bool isTurned = false) {
     const std::vector<int> back{1};
     std::vector<int> all;
     for (int i = 0; i < leaves; ++i)
-        all.push_back(4 + i);
-    mesh.box(-900, 0, 1, 1, {});        // the goal
-    mesh.box(0, 0, 1, 1, all);          // the hub
-    mesh.box(9e5F, 0, 1000, 1000, {0}); // what waits
-    mesh.box(-3, 0, 1, 1, {1, 2});      // the start
+        all.push_back(isTurned ? 3 + leaves - i : 4 + i);
+    mesh.box(-900, 0, 1, 1, {});                                                    // the goal
+    mesh.box(0, 0, 1, 1, all);                                                      // the hub
+    mesh.box(9e5F, 0, 1000, 1000, {0});                                             // what waits
+    mesh.box(-3, 0, 1, 1, isTurned ? std::vector<int>{1} : std::vector<int>{1, 2}); // the start
     const std::uint32_t tip = mesh.corner(2, 0);
     for (int i = 0; i < leaves; ++i)
         mesh.node({tip, mesh.corner(3 + static_cast<float>(i), 0), mesh.corner(3, 1)}, back);
@@ -288,6 +314,9 @@ const Case theCases[] = {
     {"a dense tangle, 1e9", 1e6F, [](Builder& m) { fillTangle(m, 200, 200, 1e9F); }},
     {"savings for 4,000 nodes", 1e6F, [](Builder& m) { fillSavings(m, 4000, 60); }},
     {"4,000 leaves in a row", 1000, [](Builder& m) { fillRow(m, 4000); }},
+    {"4,000, the farthest first", 1000, [](Builder& m) { fillRow(m, 4000, true); }},
+    {"savings, doubling 10 times", 1e12F, [](Builder& m) { fillDoubling(m, 10, 1e15F); }},
+    {"savings, doubling 20 times", 1e12F, [](Builder& m) { fillDoubling(m, 20, 1e15F); }},
     {"hubs", 1, [](Builder& m) { fillHubs(m, 11, 4000); }},
     {"many hubs", 1, [](Builder& m) { fillHubs(m, 210, 210); }},
 };

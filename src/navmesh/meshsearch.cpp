@@ -7,7 +7,8 @@ namespace ZUNO::NavMesh {
 using namespace Common::Astar;
 
 MeshSearch::MeshSearch(const MeshGraph& graph, SearchMemory& memory)
-    : mGraph(graph), mMemory(memory), mRecords(graph.nodeCount(), memory.mPool), mOpen(memory) {
+    : mGraph(graph), mMemory(memory), mRecords(graph.nodeCount(), memory.mPool),
+      mOpen(memory, mRecords) {
     if (memory.mSteps.size() < graph.mostEdges() + 1)
         memory.mSteps.resize(graph.mostEdges() + 1);
 }
@@ -125,7 +126,7 @@ void MeshSearch::passSavingOn(std::uint32_t node, std::uint32_t parentEdge, floa
             if (end.mState == SearchRecord::UNVISITED || !(through < end.mG))
                 continue;
             end.setCheaperPath(edge.idFrom(latest), through);
-            if (end.mState == SearchRecord::OPEN) // it keeps its place, whatever it costs now
+            if (end.mState >= SearchRecord::OPEN) // it keeps its place, whatever it costs now
                 mOpen.updateCost({end.mF, edge.end()});
             pushWaiting(edge.end());
         }

@@ -13,12 +13,11 @@ float orderOf(const OpenEntry& entry) {
 }
 
 /// Turns each run of equal costs round.
-template <typename Iterator>
-void reverseEqualRuns(Iterator begin, Iterator end) {
-    while (begin != end) {
+void reverseEqualRuns(std::span<OpenEntry> entries) {
+    for (auto begin = entries.begin(); begin != entries.end();) {
         const float cost = orderOf(*begin);
         const auto next = std::find_if(
-            begin, end, [=](const OpenEntry& entry) { return orderOf(entry) != cost; });
+            begin, entries.end(), [=](const OpenEntry& entry) { return orderOf(entry) != cost; });
         std::reverse(begin, next);
         begin = next;
     }
@@ -26,42 +25,48 @@ void reverseEqualRuns(Iterator begin, Iterator end) {
 
 } // namespace
 
-void SearchOpenList::grow(std::size_t entries) {
-    for (Entries* const part : {&mSorted, &mOverflow})
-        part->reserve(std::max({part->capacity(), 2 * (part->size() + entries), firstRoom}));
+void SearchOpenList::growOverflow(std::size_t entries) {
+    mOverflow.reserve(std::max(2 * (mOverflow.size() + entries), firstRoom));
 }
 
-// Behind all of the same cost, and before the first, which costs more. The walk begins at the best,
-// because savings that were passed on may have lowered records in their places: the list need not
-// be sorted.
-void SearchOpenList::insert(OpenEntry entry) {
-    mSorted.push_back(entry);
-    OpenEntry* place = &mSorted.back();
-    for (; !(entry.mF < place[-1].mF); --place)
-        *place = place[-1];
-    *place = entry;
+/// Before a node is looked for.
+void SearchOpenList::noteLook() {
+    if (mTellsPlaces || mLooksLeft-- != 0)
+        return;
+    mTellsPlaces = true;
+    mSorted.tellPlaces();
+    for (std::uint32_t place = 0; place < mOverflow.size(); ++place)
+        mRecords[mOverflow[place].mNode].setOverflowPlace(place);
 }
 
-/// Looks from the end on, where the best are and the latest. Returns null when it is not there.
-OpenEntry* SearchOpenList::find(Entries& part, std::uint32_t node) {
-    const auto place = std::find_if(part.rbegin(), part.rend(),
+/// Looks from the end on, where the latest are. Returns null when it is not there.
+OpenEntry* SearchOpenList::findInOverflow(std::uint32_t node) {
+    if (mTellsPlaces) { // a node that is just expanded is in neither part, whatever it was told
+        const std::uint32_t place = mRecords[node].overflowPlace();
+        return place < mOverflow.size() && mOverflow[place].mNode == node ? &mOverflow[place]
+                                                                          : nullptr;
+    }
+    const auto place = std::find_if(mOverflow.rbegin(), mOverflow.rend(),
                                     [=](const OpenEntry& entry) { return entry.mNode == node; });
-    return place != part.rend() ? &*place : nullptr;
+    return place != mOverflow.rend() ? &*place : nullptr;
 }
 
 void SearchOpenList::reposition(const OpenEntry& entry) {
-    if (OpenEntry* const sorted = find(mSorted, entry.mNode); sorted != nullptr) {
-        mSorted.erase(mSorted.begin() + (sorted - mSorted.data()));
+    noteLook();
+    if (OpenEntry* const sorted = mSorted.find(entry.mNode); sorted != nullptr) {
+        mSorted.erase(sorted);
         push(entry);
-    } else if (OpenEntry* const other = find(mOverflow, entry.mNode); other != nullptr) {
+    } else if (OpenEntry* const other = findInOverflow(entry.mNode); other != nullptr) {
         other->mF = entry.mF; // order means nothing in the overflow
     }
 }
 
 void SearchOpenList::updateCost(const OpenEntry& entry) {
-    for (Entries* const part : {&mSorted, &mOverflow})
-        if (OpenEntry* const place = find(*part, entry.mNode); place != nullptr)
-            place->mF = entry.mF;
+    noteLook();
+    if (OpenEntry* const sorted = mSorted.find(entry.mNode); sorted != nullptr)
+        mSorted.setCost(sorted, entry.mF);
+    else if (OpenEntry* const other = findInOverflow(entry.mNode); other != nullptr)
+        other->mF = entry.mF;
 }
 
 /// The entries that a refill takes: the first ones, and later ones that were exchanged for a worse
@@ -115,11 +120,12 @@ public:
         return dropped;
     }
 
-    /// Fills an empty array with all, the last to leave first.
-    void moveTo(Entries& entries) {
+    /// Moves all into an empty sequence, the last to leave first.
+    void moveTo(OpenSequence& sequence) {
+        sequence.beginFilling();
         while (mFirstCount + mLaterCount != 0)
-            entries.push_back(takeWorst());
-        reverseEqualRuns(entries.begin(), entries.end());
+            sequence.append(takeWorst());
+        reverseEqualRuns(sequence.appended());
     }
 
 private:
@@ -149,9 +155,10 @@ private:
 };
 
 void SearchOpenList::refill() {
+    static_assert(refillLimit <= OpenSequence::blockEntries);
     mReturned.clear();
     mReturned.reserve(mOverflow.size()); // from here on nothing can fail
-    mSorted.reserve(refillLimit);
+    mTellsPlaces = false;
     const std::size_t count = std::min(mOverflow.size(), refillLimit);
     Selection selection(mOverflow.data(), count);
     auto kept = mOverflow.begin() + static_cast<std::ptrdiff_t>(count);

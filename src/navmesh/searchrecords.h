@@ -10,7 +10,7 @@ namespace ZUNO::NavMesh {
 
 /// What a search knows of one node: an `AStarNode`, and its state.
 struct SearchRecord {
-    enum State : std::uint32_t { UNVISITED, OPEN, CLOSED };
+    enum State : std::uint32_t { UNVISITED, CLOSED, OPEN };
 
     void setCheaperPath(std::uint32_t parentEdge, float g) {
         mF = mF - mG + g;
@@ -18,10 +18,23 @@ struct SearchRecord {
         mParentEdge = parentEdge;
     }
 
+    /// Where an open list has the node, as far as it has told: a block of its sequence, or a place
+    /// in its overflow. What was not told gives a number that there is none of.
+    void setSequenceBlock(std::uint32_t block) { setPlace(2 * block); }
+    void setOverflowPlace(std::uint32_t place) { setPlace(2 * place + 1); }
+    std::uint32_t sequenceBlock() const { return hasPlace(0) ? (mState - OPEN - 1) / 2 : ~0U; }
+    std::uint32_t overflowPlace() const { return hasPlace(1) ? (mState - OPEN - 1) / 2 : ~0U; }
+
     float mF = 0;
     float mG = std::numeric_limits<float>::quiet_NaN(); ///< of an unvisited node: no cost is more
     std::uint32_t mParentEdge = 0;
-    State mState = UNVISITED;
+    std::uint32_t mState = UNVISITED; ///< a State; more than OPEN with a place in the open list
+
+private:
+    void setPlace(std::uint32_t place) { mState = OPEN + 1 + place; }
+    bool hasPlace(std::uint32_t part) const {
+        return mState > OPEN && (mState - OPEN - 1) % 2 == part;
+    }
 };
 
 /// The records of a search by node number, in pages that are taken when one of their nodes is first

@@ -19,8 +19,9 @@ using Reference::PlainSearch;
 class MeshSearchTest : public NavMeshLibraryTest {
 protected:
     /// Nodes at random, on a lattice, where ties abound, or anywhere; with one-way, doubled and own
-    /// neighbours.
-    SharedPtr<NavMeshContainer> makeTangle(unsigned int nodes, bool isLattice, float away) {
+    /// neighbours, fewer than `links` each.
+    SharedPtr<NavMeshContainer> makeTangle(unsigned int nodes, bool isLattice, float away,
+                                           unsigned int links = 7) {
         SharedPtr<NavMeshContainer> mesh(
             Memory::createManaged<NavMeshContainer>(NavMesh::getAllocator()));
         mesh->mXAxis = {1, 0, 0};
@@ -34,11 +35,12 @@ protected:
                 {away + static_cast<float>(id) / 2 + coordinate(), 0, away + coordinate()});
             auto& node = mesh->mNodes.emplace_back(Memory::processHeap());
             node.mPolygon.push_back(id);
-            for (auto i = mRandom() % 7; i != 0; --i) // near by number: islands come about
+            for (auto i = mRandom() % links; i != 0; --i) // near by number: islands come about
                 node.mNeighbours.push_back(
                     mRandom() % 4 == 0
                         ? -7
-                        : static_cast<int>((id + nodes + mRandom() % 12 - 5) % nodes));
+                        : static_cast<int>((id + nodes + mRandom() % (2 * links - 2) + 2 - links) %
+                                           nodes));
         }
         return mesh;
     }
@@ -102,8 +104,10 @@ protected:
                     break;
             }
         }
-        EXPECT_LE(graph.getMemoryUsage(),
-                  24 * (mesh->mNodes.size() + 1) + 8 * 7 * mesh->mNodes.size());
+        std::size_t edges = 0;
+        for (const auto& node : mesh->mNodes)
+            edges += node.mNeighbours.size();
+        EXPECT_LE(graph.getMemoryUsage(), 24 * (mesh->mNodes.size() + 1) + 8 * edges);
     }
 
     std::mt19937 mRandom{8};
@@ -117,6 +121,7 @@ TEST_F(MeshSearchTest, GoesThePlainSearchsSteps) {
         for (const bool isLattice : {false, true}) {
             compare(makeTangle(40, isLattice, away), 60);
             compare(makeTangle(700, isLattice, away), 40);
+            compare(makeTangle(600, isLattice, away, 250), 12); // hundreds open in one expansion
         }
 }
 
@@ -172,8 +177,8 @@ TEST_F(MeshSearchTest, GoesOnAfterARefusedRequestAsIfNothingWere) {
     auto* const memory = new CountingMemory;
     const SharedPtr<Callback::MemoryCallback> callback(memory);
     SharedPtr<Memory::Allocator> host(new (callback) Callback::CallbackAllocator);
-    for (const auto& mesh :
-         {load(Worlds::makeFloor(150, 4)), makeTangle(200, false, 0), makeTangle(100, true, 0)}) {
+    for (const auto& mesh : {load(Worlds::makeFloor(150, 4)), makeTangle(200, false, 0),
+                             makeTangle(100, true, 0), makeTangle(150, false, 1e7F, 100)}) {
         const auto count = static_cast<std::uint32_t>(mesh->mNodes.size());
         const MeshGraph graph(mesh, Memory::processHeap());
         AStarMapNavMesh map(mesh);
