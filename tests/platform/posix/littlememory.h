@@ -4,8 +4,10 @@
 #include "common/report/report.h"
 #include "tests/support/exceptions.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string_view>
@@ -20,6 +22,19 @@ inline void exhaustHeap() {
     for (std::size_t size = 1 << 20; size != 0; size = size > 2048 ? size / 2 : size - 16)
         for (void* volatile block = &size; block != nullptr;)
             block = std::malloc(size);
+}
+
+/// Lets the process take so many bytes more of addresses, as far as its hard limit lets it.
+inline void limitAddresses(rlim_t more) {
+    char figures[32] = "";
+    const int file = open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
+    const bool isRead = read(file, figures, sizeof(figures) - 1) > 0;
+    close(file);
+    rlimit limit{};
+    getrlimit(RLIMIT_AS, &limit);
+    const rlim_t held = std::strtoul(figures, nullptr, 10) * static_cast<rlim_t>(getpagesize());
+    limit.rlim_cur = std::min(isRead ? held + more : 0, limit.rlim_max);
+    setrlimit(RLIMIT_AS, &limit);
 }
 
 /// Expects that an action succeeds in a process of its own that may take 32 MB more; what it

@@ -24,14 +24,20 @@ protected:
         return {reinterpret_cast<const char*>(message.mPayload), message.mLength};
     }
 
-    /// A connection of a host's, over which these bytes come in one packet, if there are any.
-    void connectWith(const std::string& packet) {
+    /// A socket that `bind` or `connect` gives the viewer's address.
+    static int openSocket(int type, int (*name)(int, const sockaddr*, socklen_t)) {
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         const std::string path = std::string(std::getenv("XDG_RUNTIME_DIR")) + "/ZUNTraceWindow";
         std::strcpy(address.sun_path, path.c_str());
-        const int host = socket(AF_UNIX, SOCK_SEQPACKET, 0);
-        ASSERT_EQ(connect(host, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
+        const int opened = socket(AF_UNIX, type, 0);
+        EXPECT_EQ(name(opened, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
+        return opened;
+    }
+
+    /// A connection of a host's, over which these bytes come in one packet, if there are any.
+    void connectWith(const std::string& packet) {
+        const int host = openSocket(SOCK_SEQPACKET, connect);
         if (!packet.empty()) {
             EXPECT_GT(send(host, packet.data(), packet.size(), 0), 0);
         }
@@ -77,6 +83,30 @@ TEST_F(TraceChannelTest, DamagedMessagesAreDropped) {
     }
     EXPECT_EQ(Debug::Trace::send(1, "next"), 4);
     EXPECT_EQ(receive(receiver), std::string("next", 5));
+}
+
+// A host that waited for one of them would not come to the end of this.
+TEST_F(TraceChannelTest, NoViewerKeepsTheHostWaiting) {
+    const std::string text(1000, 'x');
+    for (const int type : {SOCK_STREAM, SOCK_DGRAM, SOCK_SEQPACKET}) {
+        const int viewer = openSocket(type, bind);
+        EXPECT_EQ(Debug::Trace::send(1, text.c_str()), 0) << "it does not listen";
+        const bool hangs = type != SOCK_DGRAM && listen(viewer, 50) == 0;
+        int taken = 0;
+        while (hangs && taken < 10000 && Debug::Trace::send(1, text.c_str()) != 0)
+            ++taken;
+        EXPECT_EQ(taken, type == SOCK_SEQPACKET ? 51 : 0) << "what waits is bounded";
+        close(viewer); // with hosts' messages unread
+        EXPECT_EQ(Debug::Trace::send(1, text.c_str()), 0);
+        Platform::TraceReceiver next;
+        EXPECT_EQ(next.open(), nullptr) << "what was left behind is in nobody's way";
+        for (int i = 0; i < 3; ++i) // one that hangs up before it reads
+            connectWith("");
+        EXPECT_EQ(Debug::Trace::send(1, "text"), 4);
+        for (int i = 0; i < 3; ++i)
+            EXPECT_EQ(receive(next), "nothing");
+        EXPECT_EQ(receive(next), std::string("text", 5));
+    }
 }
 
 TEST_F(TraceChannelTest, LongTextsComeInPiecesAndValuesWithinTheBuffer) {

@@ -14,13 +14,29 @@ namespace ZUNO::Common::Platform {
 
 const std::uint32_t longestTraceText = std::numeric_limits<std::uint32_t>::max() - 1;
 
+namespace {
+
+/// How long a host waits for a viewer to take a message, in milliseconds; and how long it leaves a
+/// viewer alone that did not.
+constexpr UINT viewerPatience = 200;
+constexpr ULONGLONG viewerRest = 10'000;
+
+HWND gHungViewer = nullptr;
+ULONGLONG gHungSince = 0;
+
+} // namespace
+
 bool sendTraceMessage(std::uint32_t code, const void* payload, std::uint32_t length) noexcept {
     const HWND viewer = FindWindowA(traceViewerName, nullptr);
-    if (viewer == nullptr)
+    if (viewer == nullptr || (viewer == gHungViewer && GetTickCount64() - gHungSince < viewerRest))
         return false;
     COPYDATASTRUCT message{code, length, const_cast<void*>(payload)};
-    SendMessageA(viewer, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&message));
-    return true;
+    const bool isTaken =
+        SendMessageTimeoutA(viewer, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&message),
+                            SMTO_NORMAL | SMTO_ABORTIFHUNG, viewerPatience, nullptr) != 0;
+    gHungViewer = isTaken ? nullptr : viewer;
+    gHungSince = isTaken ? 0 : GetTickCount64();
+    return isTaken;
 }
 
 struct TraceReceiver::State {

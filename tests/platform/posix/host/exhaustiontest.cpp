@@ -1,4 +1,5 @@
 // A host whose memory gives out, of whatever kind.
+#include "hostkit/heapmemorycallback.h"
 #include "tests/host/hosttest.h"
 #include "tests/platform/posix/littlememory.h"
 
@@ -30,6 +31,48 @@ TEST_F(HostTest, AnExhaustedHeapIsAnExceptionAndNotTheEnd) {
                 isRight = isRight && runsOutOfMemory(openSearch);
             return isRight && !Interface::isBlocked({1, 1}) && Interface::closePathSearch(0);
         });
+}
+
+// As a process in 32 bits, or under `ulimit -v`, meets it: wherever the addresses end, the same
+// world starts and answers once there are some again.
+TEST_F(HostTest, AddressesMayEndAnywhere) {
+    mFiles->mFiles["wide"] = Worlds::makeFloor(900, 3).toXML("wide");
+    expectWithLittleMemory([&] {
+        auto* const heap = new HostKit::HeapMemoryCallback;
+        mMemoryCallback = SharedPtr<Common::Callback::MemoryCallback>(heap);
+        const auto costs = [] {
+            float sum = 0;
+            for (float goal = 3; goal < 55; goal += 4) {
+                const int search = Interface::initPathSearch({1, 0, 1}, {goal, 0, goal});
+                while (Interface::runPathSearch(search, 9) == Pathfinder::PATH_RUNNING) {
+                }
+                for (Vec3<float> waypoint; Interface::getNextWaypoint(search, waypoint);)
+                    sum += waypoint.mX;
+            }
+            return sum;
+        };
+        float right = start("wide") ? costs() : 0;
+        Interface::close();
+        unsigned int refused = 0;
+        for (rlim_t more = 0; more < 4U << 20; more += 16U << 10) {
+            float answer = 0;
+            limitAddresses(more);
+            const bool isEnded =
+                !raisedBy([&] { answer = start("wide") ? costs() : 0; }).empty() || answer == 0;
+            limitAddresses(RLIM_INFINITY / 2);
+            refused += isEnded ? 1 : 0;
+            Interface::close();
+            if (heap->figures().mBlocks != 0)
+                return false;
+            if (isEnded) {
+                answer = start("wide") ? costs() : 0;
+                Interface::close();
+            }
+            if (answer != right)
+                return false;
+        }
+        return right > 0 && refused > 30 && refused < 250;
+    });
 }
 
 } // namespace ZUNO::Tests
