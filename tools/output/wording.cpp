@@ -29,7 +29,7 @@ std::string shown(std::string_view word) {
     constexpr std::size_t most = 60;
     std::string text(word.substr(0, most));
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 127; };
-    std::ranges::replace_if(text, isControl, '?');
+    std::replace_if(text.begin(), text.end(), isControl, '?');
     return word.size() > most ? text + "..." : text;
 }
 

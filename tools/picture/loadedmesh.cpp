@@ -3,52 +3,22 @@
 #include "common/callback/openstream.h"
 #include "common/memory/globalallocators.h"
 #include "common/memory/objectcreation.h"
-#include "common/parser/xml/xmltreebuilder.h"
-#include "common/parser/xml/xmlwriter.h"
 #include "hostkit/exceptiontext.h"
-#include "hostkit/memoryfilecallback.h"
-#include "hostkit/meshfile.h"
 #include "hostkit/stdiofilecallback.h"
 #include "navmesh/meshdefects.h"
 #include "navmesh/meshforms.h"
-#include "tools/output/outputfile.h"
+#include "tools/picture/reportkeeper.h"
 
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
-#include <utility>
 
 namespace ZUNO::Tools {
 
 using namespace Common;
 
 namespace {
-
-/// What was reported last; tools show it as the reason of a failure.
-std::string& lastReport() {
-    static std::string report;
-    return report;
-}
-
-void keepReport(const char* text, const char*, unsigned int) {
-    constexpr const char* mark = "Error Message: ";
-    const char* const message = std::strstr(text, mark);
-    lastReport() = message != nullptr ? message + std::strlen(mark) : text;
-}
-
-/// While it lives, reports are kept instead of shown: tools say in their own words what is wrong.
-class ReportKeeper {
-public:
-    ReportKeeper() : mFormer(Debug::setReportHandler(keepReport)) { lastReport().clear(); }
-    ~ReportKeeper() { Debug::setReportHandler(mFormer); }
-    ReportKeeper(const ReportKeeper&) = delete;
-    ReportKeeper& operator=(const ReportKeeper&) = delete;
-
-private:
-    Debug::ReportHandler mFormer;
-};
 
 bool isBinaryFile(const std::string& fileName) {
     std::ifstream file(fileName, std::ios::binary);
@@ -110,8 +80,6 @@ LoadedMesh::LoadedMesh(const std::string& fileName, Defects defects) {
     }
 }
 
-LoadedMesh::LoadedMesh() : mMesh(makeMesh()) {}
-
 void LoadedMesh::load(const std::string& fileName, Defects defects) {
     const SharedPtr<Callback::FileIOCallback> files(new HostKit::StdioFileCallback);
     mIsBinary = isBinaryFile(fileName);
@@ -119,55 +87,11 @@ void LoadedMesh::load(const std::string& fileName, Defects defects) {
         Callback::openStream(gObjectAllocator, files, fileName.c_str(), IO::FACCESS_READ);
     mMesh = mIsBinary ? readBinary(stream) : NavMesh::readMeshDocument(*stream, gObjectAllocator);
     if (mMesh == nullptr)
-        throw std::runtime_error(fileName + ": " + lastReport());
+        throw std::runtime_error(fileName + ": " + ReportKeeper::last());
     if (defects == Defects::REFUSED)
         findDefects(*mMesh, [&](const char* text) -> bool {
             throw std::runtime_error(fileName + ": " + text);
         });
-}
-
-void LoadedMesh::save(const std::string& fileName) const {
-    const MeshForm form = formOf(fileName);
-    const ReportKeeper keeper;
-    try {
-        saveFile(fileName, contentIn(form));
-    } catch (Exceptions::Exception* exception) {
-        throw std::runtime_error(fileName + ": " + HostKit::takeMessage(exception));
-    }
-}
-
-std::string LoadedMesh::toXML() const {
-    return HostKit::textOf(*mMesh);
-}
-
-std::string LoadedMesh::contentIn(MeshForm form) const {
-    auto* const memory = new HostKit::MemoryFileCallback;
-    const SharedPtr<Callback::FileIOCallback> files(memory);
-    const SharedPtr<IO::Stream> stream =
-        Callback::openStream(gObjectAllocator, files, "mesh", IO::FACCESS_WRITE);
-    if (form == MeshForm::BINARY) {
-        mMesh->writeBinary(stream, 1);
-    } else {
-        Parser::XML::XMLTreeBuilder builder;
-        builder.begin("ZUNO", true);
-        mMesh->writeXML(builder);
-        Parser::XML::XMLWriter writer;
-        writer.writeHeader(*stream);
-        writer.write(*stream, builder.getRoot());
-    }
-    stream->close();
-    return std::move(memory->mFiles["mesh"]);
-}
-
-MeshForm formOf(const std::string& fileName) {
-    std::string suffix = std::filesystem::path(fileName).extension().string();
-    for (char& c : suffix)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-    if (suffix == ".xml")
-        return MeshForm::XML;
-    if (suffix == ".bin")
-        return MeshForm::BINARY;
-    throw std::runtime_error(fileName + ": expected a name that ends in .xml or .bin");
 }
 
 } // namespace ZUNO::Tools

@@ -39,11 +39,14 @@ public:
     /// when the new one is whole. Throws a std::runtime_error.
     void save(const std::string& fileName) const;
 
+    /// Returns the bytes that a file of this form has. Throws a std::runtime_error when they can't
+    /// be made.
+    std::string contentIn(MeshForm form) const;
+
     /// Returns the text of what a world reads of it, with every bit of its numbers.
     std::string toXML() const;
 
 private:
-    std::string contentIn(MeshForm form) const;
     void load(const std::string& fileName, Defects defects);
 
     HostKit::Foundation mFoundation;

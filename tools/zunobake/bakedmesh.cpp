@@ -6,7 +6,6 @@
 #include <cmath>
 #include <map>
 #include <numeric>
-#include <tuple>
 
 namespace ZUNO::Tools {
 
@@ -30,7 +29,7 @@ public:
         }
         for (Lines* const lines : {&mAlongX, &mAlongZ})
             for (auto& [place, line] : *lines)
-                std::ranges::sort(line);
+                std::sort(line.begin(), line.end());
     }
 
     /// Appends the vertices that lie on the border from one to another, if it runs along a line.
@@ -54,8 +53,9 @@ private:
     void append(const Line& line, const End& begin, const End& end,
                 std::vector<std::size_t>& out) const {
         std::map<int, std::pair<double, std::size_t>> nearest; // of each place on the line
-        const auto first = std::ranges::lower_bound(
-            line, std::pair(std::min(begin.mPlace, end.mPlace) + 1, std::size_t{0}));
+        const auto first =
+            std::lower_bound(line.begin(), line.end(),
+                             std::pair(std::min(begin.mPlace, end.mPlace) + 1, std::size_t{0}));
         const int last = std::max(begin.mPlace, end.mPlace);
         for (auto stop = first; stop != line.end() && stop->first < last; ++stop) {
             const double part = double(stop->first - begin.mPlace) / (end.mPlace - begin.mPlace);
@@ -117,7 +117,7 @@ void BakedMesh::addPolygon(const TilePolygon& polygon) {
     if (area == 0)
         return;
     if (area < 0)
-        std::ranges::reverse(node.mCorners);
+        std::reverse(node.mCorners.begin(), node.mCorners.end());
     mNodes.push_back(std::move(node));
 }
 
@@ -193,18 +193,18 @@ void BakedMesh::dropSmallIslands() {
             ++mIslandsLeftOut;
             continue;
         }
-        std::ranges::sort(island);
+        std::sort(island.begin(), island.end());
         kept.insert(kept.end(), island.begin(), island.end());
     }
     arrange(kept);
 }
 
 std::ptrdiff_t BakedMesh::lowestCornerOf(const BakedNode& node) const {
-    const auto key = [&](std::size_t vertex) {
-        const GridPoint& point = mVertices[vertex];
-        return std::tuple(point.mY, point.mX, point.mZ); // as lowestCornerOf an outline
+    const auto isLower = [&](std::size_t a, std::size_t b) {
+        return Tools::isLower(mVertices[a], mVertices[b]);
     };
-    return std::ranges::min_element(node.mCorners, {}, key) - node.mCorners.begin();
+    return std::min_element(node.mCorners.begin(), node.mCorners.end(), isLower) -
+           node.mCorners.begin();
 }
 
 /// Ground that dips below a node's corners is still on the node when its lowest corner lies near
@@ -227,8 +227,9 @@ void BakedMesh::turnToLowestCorner(BakedNode& node) const {
 void BakedMesh::sortFromHighToLow() {
     std::vector<std::size_t> order(mNodes.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
-    std::ranges::stable_sort(order, {},
-                             [&](std::size_t id) { return -heightOf(mNodes[id].mCorners[0]); });
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        return heightOf(mNodes[a].mCorners[0]) > heightOf(mNodes[b].mCorners[0]);
+    });
     arrange(order);
 }
 
@@ -298,7 +299,7 @@ void BakedMesh::fill(NavMesh::NavMeshContainer& mesh, const TileGrid& grid, cons
         filled.mNeighbours.assign(node.mNeighbours.begin(), node.mNeighbours.end());
         if (isZUp) { // the plane is seen from its other side
             std::reverse(filled.mPolygon.begin() + 1, filled.mPolygon.end());
-            std::ranges::reverse(filled.mNeighbours);
+            std::reverse(filled.mNeighbours.begin(), filled.mNeighbours.end());
         }
     }
 }

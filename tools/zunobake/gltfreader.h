@@ -15,5 +15,8 @@ bool isBinaryGltf(const std::string& fileName);
 /// also for extensions that a file can't do without, and for everything where TinyGLTF was not
 /// there when this was built.
 void readGltf(const std::string& fileName, const SceneOptions& options, Scene& scene);
+/// The same of a file's content, at most 4 GB; buffers in other files are not found.
+void readGltf(const std::string& content, const std::string& name, const SceneOptions& options,
+              Scene& scene);
 
 } // namespace ZUNO::Tools

@@ -54,7 +54,9 @@ void fillPiece(const rcCompactHeightfield& field, std::vector<SpanPlace>& piece,
 void cutPiece(const rcCompactHeightfield& field, const std::vector<SpanPlace>& piece,
               const CellSettings& cells, std::vector<bool>& isOdd) {
     const auto heightOf = [&](const SpanPlace& place) { return int{field.spans[place.mSpan].y}; };
-    const auto [low, high] = std::ranges::minmax_element(piece, {}, heightOf);
+    const auto [low, high] = std::minmax_element(
+        piece.begin(), piece.end(),
+        [&](const SpanPlace& a, const SpanPlace& b) { return heightOf(a) < heightOf(b); });
     const int lowest = heightOf(*low);
     const int highest = heightOf(*high);
     std::vector<int> crossings(unsignedOf(highest - lowest) + 1);
@@ -65,7 +67,7 @@ void cutPiece(const rcCompactHeightfield& field, const std::vector<SpanPlace>& p
         });
     const std::vector<int> levels = chooseLevels(crossings, cells.mClimb + 1, cells.mLevel);
     for (const SpanPlace& place : piece) {
-        const auto level = std::ranges::upper_bound(levels, heightOf(place) - lowest);
+        const auto level = std::upper_bound(levels.begin(), levels.end(), heightOf(place) - lowest);
         isOdd[place.mSpan] = (level - levels.begin()) % 2 != 0;
     }
 }
@@ -81,7 +83,7 @@ std::vector<bool> findOddLevels(const rcCompactHeightfield& field, const CellSet
         isSeen[i] = true;
         std::vector<SpanPlace> piece{{x, z, i}};
         fillPiece(field, piece, isSeen);
-        if (std::ranges::any_of(piece, [&](const SpanPlace& place) {
+        if (std::any_of(piece.begin(), piece.end(), [&](const SpanPlace& place) {
                 return hasFloors(field, place.mX, place.mZ);
             }))
             cutPiece(field, piece, cells, isOdd);
@@ -117,10 +119,10 @@ int heightIn(const rcCompactHeightfield& field, int x, int z, unsigned short reg
 
 Ground measureGround(const rcCompactHeightfield& field, int border, unsigned short region,
                      const std::vector<GridPoint>& polygon) {
-    const auto [low, high] = std::ranges::minmax(polygon, {}, &GridPoint::mY);
-    Ground ground{low.mY, high.mY, false, {}};
-    const int mean = (low.mY + high.mY) / 2;
-    const int reach = field.walkableHeight + (high.mY - low.mY) / 2;
+    const auto [low, high] = rangeOf(polygon, &GridPoint::mY);
+    Ground ground{low, high, false, {}};
+    const int mean = (low + high) / 2;
+    const int reach = field.walkableHeight + (high - low) / 2;
     forEachCell(polygon, [&](int x, int z) {
         const int height = heightIn(field, x + border, z + border, region, mean, reach);
         if (height == noHeight)

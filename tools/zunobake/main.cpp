@@ -8,9 +8,9 @@
 #include "tools/picture/meshpicture.h"
 #include "tools/picture/meshsummary.h"
 #include "tools/picture/picturefile.h"
-#include "tools/zunobake/baker.h"
 #include "tools/zunobake/options.h"
 #include "tools/zunobake/progress.h"
+#include "tools/zunobake/scenemesh.h"
 #include "tools/zunobake/summary.h"
 
 #include <algorithm>
@@ -22,19 +22,6 @@
 
 namespace ZUNO::Tools {
 namespace {
-
-/// The XML form writes names as they are: an opening bracket would make a file that can't be read.
-void requireWritableNames(const Options& options, const Scene& scene) {
-    if (formOf(options.mOutput) != MeshForm::XML)
-        return;
-    std::vector<std::string> names = scene.mSurfaceNames;
-    for (const Agent& agent : options.mBake.mAgents)
-        names.push_back(agent.mName);
-    for (const std::string& name : names)
-        if (name.find('<') != std::string::npos)
-            throw std::runtime_error("the name '" + name + "' can't stand in an XML file: " +
-                                     "choose an output that ends in .bin");
-}
 
 /// What `--without` and `--mark` name must be there, or it was misspelt.
 void requireNames(const Options& options, const Scene& scene) {
@@ -49,17 +36,6 @@ void requireNames(const Options& options, const Scene& scene) {
     require("--mark", options.mScene.mMarked, "group or object");
 }
 
-/// What can't be reached, and unless nobody reads it what closes the way there.
-std::vector<UnreachablePart> explore(const Options& options, const Scene& scene,
-                                     const TileBaker& baker, const BakedMesh& baked,
-                                     const NavMesh::NavMeshContainer& mesh) {
-    LoadedMesh upright; // as the scene lies
-    baked.fill(*upright.shared(), baker.grid(), scene, UpAxis::Y);
-    const HostKit::MeshView view(*upright);
-    PassageFinder passages(scene, options.mBake, view);
-    return listUnreachable(mesh, options.mFrom, options.mIsQuiet ? nullptr : &passages);
-}
-
 void bake(const Options& options) {
     formOf(options.mOutput); // before anything takes its time
     requireApart(options.mScenes, {options.mOutput, options.mPicture});
@@ -72,20 +48,13 @@ void bake(const Options& options) {
     for (const std::string& file : options.mScenes)
         readScene(file, options.mScene, scene, showProgress);
     requireNames(options, scene);
-    requireWritableNames(options, scene);
-    progress.begin("baking");
-    const TileBaker baker(scene, options.mBake);
-    const std::vector<TilePolygon> polygons = bakeTiles(baker, showProgress);
-    progress.begin("joining");
-    const BakedMesh baked(polygons, options.mBake, baker.cells());
-    if (baked.nodes().empty())
-        throw std::runtime_error("no island is as large as --min-region asks for");
-    LoadedMesh mesh;
-    baked.fill(*mesh.shared(), baker.grid(), scene, options.mScene.mUp);
-    progress.begin("exploring");
-    const std::vector<UnreachablePart> unreachable = explore(options, scene, baker, baked, *mesh);
+    if (formOf(options.mOutput) == MeshForm::XML)
+        requireWritableNames(scene, options.mBake);
+    const SceneMesh baked(scene, options.mBake, options.mScene.mUp,
+                          {options.mFrom, !options.mIsQuiet},
+                          {[&](const char* stage) { progress.begin(stage); }, showProgress});
     progress.begin("writing");
-    mesh.save(options.mOutput);
+    baked.mesh().save(options.mOutput);
     progress.begin("checking");
     const LoadedMesh written(options.mOutput);
     const Summary summary(*written, scene, options.mBake, options.mScene.mUp);
@@ -99,13 +68,13 @@ void bake(const Options& options) {
     if (options.mIsJson) {
         nlohmann::ordered_json json = summaryOf(*written, options.mOutput);
         json["triangles"] = scene.triangleCount();
-        json["unreachable"] = unreachable.size();
+        json["unreachable"] = baked.unreachable().size();
         for (const auto& [stage, seconds] : progress.stages())
             json["seconds"][stage] = seconds;
         std::cout << lineOf(json);
         return;
     }
-    summary.print(std::cout, options.mOutput, baked.islandsLeftOut(), unreachable);
+    summary.print(std::cout, options.mOutput, baked.islandsLeftOut(), baked.unreachable());
     std::cout << "seconds       ";
     for (const auto& [stage, seconds] : progress.stages()) {
         char text[32];

@@ -37,7 +37,7 @@ std::size_t NodeRings::insert(std::size_t node, std::size_t place, const GridPoi
     const auto insertIn = [&](std::size_t ring, std::size_t before) {
         disown(ring);
         std::vector<std::size_t>& corners = mNodes[ring].mCorners;
-        corners.insert(std::ranges::find(corners, before) + 1, vertex);
+        corners.insert(std::find(corners.begin(), corners.end(), before) + 1, vertex);
         own(ring);
     };
     insertIn(node, from);
@@ -75,9 +75,9 @@ std::size_t NodeRings::cut(std::size_t node, std::size_t from, std::size_t to) {
     }
     for (BakedNode& half : halves) {
         const Outline outline = outlineOf(half.mCorners);
-        const auto [low, high] = std::ranges::minmax(outline, {}, &GridPoint::mY);
-        half.mGround.mLowest = low.mY;
-        half.mGround.mHighest = high.mY;
+        const auto [low, high] = rangeOf(outline, &GridPoint::mY);
+        half.mGround.mLowest = low;
+        half.mGround.mHighest = high;
         for (const GridPoint& cell : half.mGround.mCells) {
             half.mGround.mLowest = std::min(half.mGround.mLowest, cell.mY);
             half.mGround.mHighest = std::max(half.mGround.mHighest, cell.mY);
@@ -109,7 +109,8 @@ std::vector<std::size_t> NodeRings::cornersOfBoth(std::size_t node, std::size_t 
         both.push_back(corners[i % count]);
     const std::size_t begin = corners[i % count];
     const std::vector<std::size_t>& others = mNodes[other].mCorners;
-    const auto start = static_cast<std::size_t>(std::ranges::find(others, begin) - others.begin());
+    const auto start =
+        static_cast<std::size_t>(std::find(others.begin(), others.end(), begin) - others.begin());
     for (std::size_t k = start; others[k % others.size()] != corners[end]; ++k) {
         both.push_back(others[k % others.size()]);
         if (both.size() > count + others.size())
@@ -162,8 +163,8 @@ bool NodeRings::isNeedless(std::size_t vertex, const std::vector<std::size_t>& n
         return false;
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         const std::vector<std::size_t>& corners = mNodes[nodes[i]].mCorners;
-        const auto place =
-            static_cast<std::size_t>(std::ranges::find(corners, vertex) - corners.begin());
+        const auto place = static_cast<std::size_t>(
+            std::find(corners.begin(), corners.end(), vertex) - corners.begin());
         ends[i][0] = cornerOf(nodes[i], place + corners.size() - 1);
         ends[i][1] = cornerOf(nodes[i], place + 1);
         if (corners.size() == 3)

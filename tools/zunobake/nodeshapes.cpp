@@ -103,8 +103,8 @@ private:
     bool staysConvex(std::size_t node, std::size_t before, const GridPoint& point) const {
         const std::vector<std::size_t>& corners = mRings.nodes()[node].mCorners;
         Outline outline = mRings.outlineOf(corners);
-        outline.insert(outline.begin() + (std::ranges::find(corners, before) - corners.begin()) + 1,
-                       point);
+        const auto place = std::find(corners.begin(), corners.end(), before) - corners.begin();
+        outline.insert(outline.begin() + place + 1, point);
         return isConvex(outline);
     }
 
@@ -240,9 +240,9 @@ private:
         if (!isConvex(outline))
             return false;
         const Ground ground = mRings.groundOfBoth(node, other);
-        const auto [low, high] = std::ranges::minmax(outline, {}, &GridPoint::mY);
+        const auto [low, high] = rangeOf(outline, &GridPoint::mY);
         if (ground.mHasFloors &&
-            std::max(high.mY, ground.mHighest) - std::min(low.mY, ground.mLowest) > mCells.mLevel)
+            std::max(high, ground.mHighest) - std::min(low, ground.mLowest) > mCells.mLevel)
             return false;
         return mHeightError == unlimited || heightErrorOf(outline, ground) <= mHeightError;
     }

@@ -1,5 +1,6 @@
 #include "tools/zunobake/scene.h"
 
+#include "common/utility/floatchars.h"
 #include "tools/output/wording.h"
 
 #include <algorithm>
@@ -14,6 +15,17 @@
 namespace ZUNO::Tools {
 
 namespace {
+
+/// Whether a word is a finite number in decimal digits. It must stand in a text that ends with a
+/// zero.
+bool isNumber(std::string_view word, float& number) {
+    constexpr std::string_view allowed = "0123456789.eE+-";
+    if (word.find_first_not_of(allowed) != std::string_view::npos || word.front() == '+')
+        return false;
+    const char* const wordEnd = word.data() + word.size();
+    const auto [end, error] = Common::Utility::floatFromChars(word.data(), wordEnd, number, 10);
+    return error == std::errc() && end == wordEnd && std::isfinite(number);
+}
 
 /// Reads one file, line by line, into a scene.
 class ObjReader {
@@ -93,10 +105,7 @@ private:
             const std::string_view word = nextWord();
             if (word.empty())
                 fail("a vertex needs three coordinates");
-            const auto [end, error] =
-                std::from_chars(word.data(), word.data() + word.size(), coordinate);
-            if (error != std::errc() || end != word.data() + word.size() ||
-                !std::isfinite(coordinate))
+            if (!isNumber(word, coordinate))
                 fail("coordinate '" + shown(word) + "' is no finite number");
         }
         if (mOptions.mUp == UpAxis::Z) {

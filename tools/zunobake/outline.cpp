@@ -25,12 +25,20 @@ bool isConvex(const Outline& outline) {
     return true;
 }
 
+std::pair<int, int> rangeOf(const Outline& outline, int GridPoint::*axis) {
+    std::pair<int, int> range(outline.front().*axis, outline.front().*axis);
+    for (const GridPoint& corner : outline)
+        range = {std::min(range.first, corner.*axis), std::max(range.second, corner.*axis)};
+    return range;
+}
+
+bool isLower(const GridPoint& a, const GridPoint& b) {
+    return std::tie(a.mY, a.mX, a.mZ) < std::tie(b.mY, b.mX, b.mZ);
+}
+
 std::size_t lowestCornerOf(const Outline& outline) {
-    return static_cast<std::size_t>(
-        std::ranges::min_element(
-            outline, {},
-            [](const GridPoint& point) { return std::tuple(point.mY, point.mX, point.mZ); }) -
-        outline.begin());
+    return static_cast<std::size_t>(std::min_element(outline.begin(), outline.end(), isLower) -
+                                    outline.begin());
 }
 
 namespace {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace ZUNO::Tools {
 
@@ -22,6 +23,12 @@ double areaOf(const Outline& outline);
 /// elsewhere positions are rounded to float, and it might turn right.
 bool isConvex(const Outline& outline);
 
+/// The least and the greatest coordinate along one axis; there must be a corner.
+std::pair<int, int> rangeOf(const Outline& outline, int GridPoint::*axis);
+
+/// Whether a corner lies lower than another; at the same height, whether it has the lesser x and z.
+bool isLower(const GridPoint& a, const GridPoint& b);
+
 /// The corner of the lowest height; of several the one with the least x and z, wherever the outline
 /// begins.
 std::size_t lowestCornerOf(const Outline& outline);
@@ -29,8 +36,8 @@ std::size_t lowestCornerOf(const Outline& outline);
 /// Calls `visit(x, z)` for each cell whose centre lies in an outline.
 template <typename Visitor>
 void forEachCell(const Outline& outline, Visitor visit) {
-    const auto [front, back] = std::ranges::minmax(outline, {}, &GridPoint::mZ);
-    for (int z = front.mZ; z < back.mZ; ++z) {
+    const auto [front, back] = rangeOf(outline, &GridPoint::mZ);
+    for (int z = front; z < back; ++z) {
         std::vector<double> crossings;
         for (std::size_t i = 0, j = outline.size() - 1; i < outline.size(); j = i++) {
             const GridPoint& a = outline[i];
@@ -39,7 +46,7 @@ void forEachCell(const Outline& outline, Visitor visit) {
             if ((a.mZ > centre) != (b.mZ > centre))
                 crossings.push_back((b.mX - a.mX) * (centre - a.mZ) / (b.mZ - a.mZ) + a.mX);
         }
-        std::ranges::sort(crossings);
+        std::sort(crossings.begin(), crossings.end());
         for (std::size_t i = 1; i < crossings.size(); i += 2)
             for (int x = static_cast<int>(std::ceil(crossings[i - 1] - 0.5));
                  x + 0.5 < crossings[i]; ++x)

@@ -4,6 +4,7 @@
 #include "tools/picture/loadedmesh.h"
 #include "tools/zunobake/baker.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -179,7 +180,8 @@ void PassageFinder::appendSamples(const Position& from, const Position& to,
 double PassageFinder::costOf(const Position& from, const Position& to) const {
     std::vector<Sample> samples;
     appendSamples(from, to, samples);
-    const auto off = std::ranges::count(samples, NO_NODE, &Sample::mIsland);
+    const auto off = std::count_if(samples.begin(), samples.end(),
+                                   [](const Sample& sample) { return sample.mIsland == NO_NODE; });
     constexpr double onMesh = 0.01; // beside a way that leaves it
     return distance(from, to) *
            (onMesh + static_cast<double>(off) / static_cast<double>(samples.size()));

@@ -54,6 +54,10 @@ using ReadListener = std::function<void(std::size_t done, std::size_t all)>;
 /// a std::runtime_error with the file and what is wrong.
 void readScene(const std::string& fileName, const SceneOptions& options, Scene& scene,
                const ReadListener& listener = {});
+/// The same of a file's content, which has its form by `name`; messages call it by that name. Files
+/// that glTF refers to are not found.
+void readScene(const std::string& content, const std::string& name, const SceneOptions& options,
+               Scene& scene, const ReadListener& listener);
 
 /// Adds the faces of a Wavefront OBJ file to a scene. Raises a std::runtime_error with file, line
 /// and what is wrong.

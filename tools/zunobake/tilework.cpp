@@ -101,7 +101,7 @@ void TileWork::findAgents() {
         for (std::size_t i = 0; i < count; ++i)
             if (mField->areas[i] != RC_NULL_AREA)
                 mAgents[i] = static_cast<std::uint16_t>(agent);
-        std::ranges::copy(areas, mField->areas);
+        std::copy(areas.begin(), areas.end(), mField->areas);
     }
 }
 

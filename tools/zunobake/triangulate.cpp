@@ -34,8 +34,8 @@ std::vector<Point> flatten(std::span<const float> corners) {
             const std::size_t v = (axis + 2) % 3;
             normal[axis] += at(i, u) * at(i + 1, v) - at(i + 1, u) * at(i, v);
         }
-    const auto steepest = std::ranges::max_element(
-        normal, [](double a, double b) { return std::abs(a) < std::abs(b); });
+    const auto isFlatter = [](double a, double b) { return std::abs(a) < std::abs(b); };
+    const auto steepest = std::max_element(normal.begin(), normal.end(), isFlatter);
     if (*steepest == 0)
         return {};
     const auto axis = static_cast<std::size_t>(steepest - normal.begin());

@@ -37,8 +37,10 @@ std::vector<UnreachablePart> listUnreachable(const NavMesh::NavMeshContainer& me
     for (std::size_t i = 0; i < parts.size(); ++i)
         if (i != begin)
             unreachable.push_back({parts[i], {}});
-    std::ranges::stable_sort(unreachable, std::greater(),
-                             [](const UnreachablePart& each) { return each.mPart.mArea; });
+    std::stable_sort(unreachable.begin(), unreachable.end(),
+                     [](const UnreachablePart& a, const UnreachablePart& b) {
+                         return a.mPart.mArea > b.mPart.mArea;
+                     });
     const auto target = static_cast<std::uint32_t>(parts[begin].mLargestNode);
     for (std::size_t i = 0; passages != nullptr && i < std::min(mostExplained, unreachable.size());
          ++i)
