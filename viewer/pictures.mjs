@@ -39,6 +39,13 @@ await shoot("workbench-spiral", "mesh=spiral&path=14,0,-10;0,11,-7&path=-14,0,10
         await page.click("#walk");
     },
 });
+await shoot("workbench-bake", "mesh=courtyard", {
+    work: async (page) => {
+        await page.setInputFiles("#file", join(pageFolder, "../samples/courtyard.obj"));
+        await page.fill("#bakeRadius", "1");
+        await page.waitForFunction(() => /radius 1 \(4 cells\)/.test(document.getElementById("bakeFigures").textContent));
+    },
+});
 await shoot("workbench-why", "mesh=harbour&path=2,0,2;100,1,75");
 await shoot("workbench-grid", "mesh=harbour&view=top&grid", {
     work: (page) => page.click('[data-tab="mesh"]'),

@@ -38,9 +38,11 @@ std::string suggestion(std::string_view word, const std::vector<std::string>& ca
     constexpr std::size_t longest = 40;                    // a longer word is no misspelt one
     if (candidates.empty() || word.size() > longest)
         return "";
-    const auto edits = [&](const std::string& each) { return editsBetween(word, each); };
-    const auto nearest = std::ranges::min_element(candidates, {}, edits);
-    return edits(*nearest) <= mostEdits ? "; did you mean '" + *nearest + "'?" : "";
+    const auto nearest = std::min_element(candidates.begin(), candidates.end(),
+                                          [&](const std::string& a, const std::string& b) {
+                                              return editsBetween(word, a) < editsBetween(word, b);
+                                          });
+    return editsBetween(word, *nearest) <= mostEdits ? "; did you mean '" + *nearest + "'?" : "";
 }
 
 } // namespace ZUNO::Tools

@@ -1,5 +1,4 @@
 import { AddressState, readAddress, writeAddress } from "./address";
-import type { OpenMesh } from "./meshes";
 import { showTab } from "./panel";
 import type { Workbench } from "./workbench";
 
@@ -23,11 +22,10 @@ export class AddressBar {
 
     /** Writes the address soon, if it is stale. */
     frame(): void {
-        const { open } = this.bench;
-        if (!this.isStale || this.following || !open) return;
+        if (!this.isStale || this.following || !this.bench.open) return;
         this.isStale = false;
         clearTimeout(this.timer);
-        this.timer = window.setTimeout(() => this.write(open), delay);
+        this.timer = window.setTimeout(() => this.write(), delay);
     }
 
     /** Shows what the page's address tells; what belongs to a file waits for that file. */
@@ -50,10 +48,16 @@ export class AddressBar {
         if (this.awaited && this.awaited.file === this.bench.open?.name) this.apply(this.awaited);
     }
 
-    private write({ sample, name, running }: OpenMesh): void {
-        const { view, floors, form, showsGrid, showsLabels } = this.bench;
+    private write(): void {
+        if (this.state) writeAddress(this.state);
+    }
+
+    /** What is seen now; null when nothing is open. */
+    get state(): AddressState | null {
+        if (!this.bench.open) return null;
+        const { view, floors, form, showsGrid, showsLabels, open: { sample, name, running } } = this.bench;
         const ray = running?.queries.ray;
-        writeAddress({
+        return {
             sample,
             file: sample ? null : name,
             searches: (running?.queries.all ?? []).slice(0, mostSearches).map(({ start, goal }) => [start, goal]),
@@ -64,10 +68,10 @@ export class AddressBar {
             showsLabels,
             form,
             cut: floors.cut,
-        });
+        };
     }
 
-    private apply(state: AddressState): void {
+    apply(state: AddressState): void {
         const { bench } = this;
         this.awaited = null;
         if (!bench.running) return;

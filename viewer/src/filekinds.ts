@@ -10,6 +10,11 @@ export function isRecording(bytes: Uint8Array): boolean {
     return beginningOf(bytes).startsWith(recordingMagic);
 }
 
+/** Whether a file is named as one of the scenes that the page makes meshes of. */
+export function isSceneName(name: string): boolean {
+    return /\.(obj|glb|gltf)$/i.test(name);
+}
+
 /** Whether it begins as a Wavefront OBJ file does. */
 export function isScene(bytes: Uint8Array): boolean {
     const lines = beginningOf(bytes).split("\n");
@@ -21,6 +26,6 @@ export function isScene(bytes: Uint8Array): boolean {
 /** What a file is that is no mesh, as far as its beginning tells; null: it may be a broken one. */
 export function whatElseIs(bytes: Uint8Array): string | null {
     if (bytes.length === 0) return "is empty; expected a mesh";
-    if (isScene(bytes)) return "is a scene (Wavefront OBJ); “zunobake SCENE -o MESH” makes a mesh of it";
+    if (isScene(bytes)) return "is a scene (Wavefront OBJ); under a name that ends in .obj it becomes a mesh";
     return bytes[0] > 1 && !beginningOf(bytes).includes("<") ? "is no mesh: neither XML nor the binary form" : null;
 }

@@ -1,5 +1,6 @@
 import { ZunoError } from "zunopathfinder/external";
-import { isRecording, whatElseIs } from "./filekinds";
+import type { Baked } from "./baker";
+import { isRecording, isSceneName, whatElseIs } from "./filekinds";
 import { openMesh, type OpenMesh } from "./meshes";
 import { element, showTab } from "./panel";
 import { replayRecording } from "./replay";
@@ -27,12 +28,16 @@ export class Opener {
 
     async openSample(name: string): Promise<void> {
         this.bench.address.awaited = null;
+        this.bench.bakery.cancel();
         if (!zunoSamples[name]) return this.bench.fail(`There is no sample “${name}”.`);
         await this.openBytes(name, await unpack(zunoSamples[name]), name);
     }
 
-    /** Opens what was dropped: a mesh, then a recording over it. */
+    /** Opens what was dropped: a scene, which is baked, or a mesh, then a recording over it. */
     async openFiles(files: File[]): Promise<void> {
+        const scene = files.find(({ name }) => isSceneName(name));
+        if (scene) return this.bench.bakery.open(scene);
+        this.bench.bakery.cancel();
         const contents = await Promise.all(files.map(async (file) => ({ name: file.name, bytes: new Uint8Array(await file.arrayBuffer()) })));
         const mesh = contents.find(({ bytes }) => !isRecording(bytes));
         if (mesh) await this.openBytes(mesh.name, mesh.bytes, null);
@@ -69,6 +74,16 @@ export class Opener {
         ];
         element("stage").dataset.firstPicture = String(seen);
         bench.showAll();
+    }
+
+    /** Opens the mesh of a scene. One that was open before is seen from where it was, with the same queries. */
+    async openBaked(name: string, { binary }: Baked): Promise<void> {
+        const { address, open } = this.bench;
+        const state = open && !open.sample && open.name === name ? address.state : null;
+        await this.openBytes(name, binary, null);
+        if (state) address.apply(state);
+        else address.applyAwaited();
+        showTab("bake");
     }
 
     private async openRecording(name: string, bytes: Uint8Array): Promise<void> {

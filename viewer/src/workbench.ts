@@ -1,5 +1,6 @@
 import type { Point } from "zunopathfinder/external";
 import { AddressBar } from "./addressbar";
+import { BakePanel } from "./bakepanel";
 import { connectControls } from "./commands";
 import { Floors } from "./floors";
 import { byteText } from "./format";
@@ -30,6 +31,7 @@ export class Workbench {
     readonly recording: RecordingPanel;
     readonly placing = new Placing(this);
     readonly opener = new Opener(this);
+    readonly bakery = new BakePanel(this);
     readonly address = new AddressBar(this);
     readonly movement: Movement;
     open: OpenMesh | null = null;
