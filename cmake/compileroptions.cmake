@@ -10,6 +10,8 @@ target_compile_definitions(zuno_options INTERFACE $<$<NOT:$<BOOL:${WIN32}>>:_FIL
 # suspicious.
 if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   target_compile_options(zuno_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
+elseif(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL Clang) # of another source's names
+  target_compile_options(zuno_options INTERFACE -Wno-shadow)
 endif()
 if(EMSCRIPTEN)
   # For bytes: a page loads them. Without the limit, which comes with -Os here, what is small is still
