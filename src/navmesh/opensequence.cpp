@@ -73,11 +73,18 @@ std::size_t OpenSequence::partFor(float cost) {
     auto part = std::partition_point(mRow.begin(), mRow.end(),
                                      [=](const Part& p) { return cost < p.mCeiling; });
     const auto hasDearer = [&](const Part& p) {
-        return std::ranges::any_of(blockOf(p).entries(),
-                                   [=](const OpenEntry& entry) { return cost < entry.mF; });
+        const auto entries = blockOf(p).entries();
+        return std::any_of(entries.begin(), entries.end(),
+                           [=](const OpenEntry& entry) { return cost < entry.mF; });
     };
     while (!hasDearer(*--part))
         part->mCeiling = cost;
+    return static_cast<std::size_t>(part - mRow.begin());
+}
+
+std::size_t OpenSequence::partOf(std::uint32_t block) const {
+    const auto part = std::find_if(mRow.begin(), mRow.end(),
+                                   [=](const Part& each) { return each.mBlock == block; });
     return static_cast<std::size_t>(part - mRow.begin());
 }
 
@@ -103,8 +110,8 @@ std::uint32_t OpenSequence::takeBlock() {
         mBlocks.emplace_back();
         return static_cast<std::uint32_t>(mBlocks.size() - 1);
     }
-    const auto unused =
-        std::ranges::find_if(mBlocks, [](const Block& block) { return block.mCount == 0; });
+    const auto unused = std::find_if(mBlocks.begin(), mBlocks.end(),
+                                     [](const Block& block) { return block.mCount == 0; });
     return static_cast<std::uint32_t>(unused - mBlocks.begin());
 }
 
@@ -161,8 +168,7 @@ void OpenSequence::erase(OpenEntry* entry) {
     Block& block = mBlocks[number];
     std::copy(entry + 1, block.mEntries + block.mCount, entry);
     if (--block.mCount == 0 && mRow.size() > 1)
-        drop(static_cast<std::size_t>(std::ranges::find(mRow, number, &Part::mBlock) -
-                                      mRow.begin()));
+        drop(partOf(number));
     noteEnds();
 }
 
@@ -172,12 +178,9 @@ void OpenSequence::setCost(OpenEntry* entry, float cost) {
     entry->mF = cost;
     if (!isRaised || mRow.empty())
         return;
-    for (auto part = std::ranges::find(mRow, blockWith(entry), &Part::mBlock);
-         part->mCeiling < cost; --part) {
-        part->mCeiling = cost;
-        if (part == mRow.begin())
-            break;
-    }
+    for (std::size_t part = partOf(blockWith(entry)) + 1;
+         part-- != 0 && mRow[part].mCeiling < cost;)
+        mRow[part].mCeiling = cost;
 }
 
 void OpenSequence::tellPlaces() {

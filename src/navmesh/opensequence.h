@@ -85,6 +85,7 @@ private:
     void grow(std::size_t entries);
     void insertAmongMany(const OpenEntry& entry);
     std::size_t partFor(float cost);
+    std::size_t partOf(std::uint32_t block) const;
     void split(std::size_t part);
     std::uint32_t takeBlock();
     std::uint32_t blockWith(const OpenEntry* entry) const;
