@@ -3,6 +3,7 @@
 #include "capi/session.h"
 #include "common/platform/mutex.h"
 
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -38,22 +39,37 @@ void* Handles::open(std::shared_ptr<Object> object) {
     return reinterpret_cast<void*>(table.mLast); // NOLINT: never followed
 }
 
-std::shared_ptr<Object> Handles::find(const void* handle) {
+Handles::Kind Handles::kindOf(const void* handle) {
     Table& table = theTable();
     const Common::Platform::MutexLock lock(table.mMutex);
     const auto place = table.mObjects.find(numberOf(handle));
-    return place != table.mObjects.end() ? place->second : nullptr;
+    if (place == table.mObjects.end())
+        return Kind::NONE;
+    if (dynamic_cast<const Session*>(place->second.get()) != nullptr)
+        return Kind::SESSION;
+    return place->second->isOfSession() ? Kind::OF_SESSION : Kind::OF_HOST;
 }
 
-void Handles::close(const void* handle) {
+std::shared_ptr<Object> Handles::find(const void* handle, const std::type_info& type) {
+    Table& table = theTable();
+    const Common::Platform::MutexLock lock(table.mMutex);
+    const auto place = table.mObjects.find(numberOf(handle));
+    if (place == table.mObjects.end())
+        return nullptr;
+    const Object& object = *place->second;
+    return typeid(object) == type ? place->second : nullptr;
+}
+
+bool Handles::close(const void* handle) {
     Table& table = theTable();
     std::shared_ptr<Object> object; // destroyed after the lock was given back
     const Common::Platform::MutexLock lock(table.mMutex);
     const auto place = table.mObjects.find(numberOf(handle));
     if (place == table.mObjects.end())
-        return;
+        return false;
     object = std::move(place->second);
     table.mObjects.erase(place);
+    return true;
 }
 
 void Handles::closeThoseOfSession() {
@@ -72,18 +88,14 @@ using namespace ZUNO::CInterface;
 
 extern "C" zuno_status zuno_destroy(void* handle) {
     return guarded(__func__, [&] {
-        std::shared_ptr<Object> object = Handles::find(handle);
-        if (object == nullptr)
-            throw Failure{ZUNO_BAD_HANDLE, "the handle is null, was destroyed, or never made"};
-        if (dynamic_cast<const Session*>(object.get()) != nullptr)
+        const Handles::Kind kind = Handles::kindOf(handle);
+        if (kind == Handles::Kind::SESSION)
             throw Failure{ZUNO_BAD_HANDLE, "a session is closed by zuno_close"};
-        if (!object->isOfSession()) {
-            Handles::close(handle);
-            return ZUNO_OK;
-        }
-        const WorldEntry entry;
-        Handles::close(handle);
-        object.reset(); // while the world is ours
+        std::optional<WorldEntry> entry; // what belongs to a world is destroyed while that is ours
+        if (kind == Handles::Kind::OF_SESSION)
+            entry.emplace();
+        if (!Handles::close(handle))
+            throw Failure{ZUNO_BAD_HANDLE, "the handle is null, was destroyed, or never made"};
         return ZUNO_OK;
     });
 }

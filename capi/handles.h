@@ -27,10 +27,14 @@ namespace Handles {
 
 /// Returns the new handle of an object.
 void* open(std::shared_ptr<Object> object);
-/// Returns null for a handle that is none.
-std::shared_ptr<Object> find(const void* handle);
-/// Takes an object out.
-void close(const void* handle);
+/// What a handle is.
+enum class Kind { NONE, SESSION, OF_SESSION, OF_HOST };
+Kind kindOf(const void* handle);
+/// Returns null for a handle that is none of the type. So who has taken no care for the world never
+/// holds what belongs to one, not even as the last.
+std::shared_ptr<Object> find(const void* handle, const std::type_info& type);
+/// Takes an object out. Returns whether it was there.
+bool close(const void* handle);
 /// Takes out, and destroys, all objects that need a running session.
 void closeThoseOfSession();
 
@@ -50,10 +54,10 @@ template <typename T>
 std::shared_ptr<T> get(const void* handle, const char* name) {
     if (handle == nullptr)
         throw Failure{ZUNO_BAD_HANDLE, std::string(name) + " is null"};
-    std::shared_ptr<Object> object = Handles::find(handle);
-    if (object == nullptr)
+    std::shared_ptr<Object> object = Handles::find(handle, typeid(T));
+    if (object == nullptr && Handles::kindOf(handle) == Handles::Kind::NONE)
         throw Failure{ZUNO_BAD_HANDLE, std::string(name) + " was destroyed, or never made"};
-    if (const Object& found = *object; typeid(found) != typeid(T))
+    if (object == nullptr)
         throw Failure{ZUNO_BAD_HANDLE, std::string(name) + " is the handle of something else"};
     return std::static_pointer_cast<T>(std::move(object));
 }
