@@ -139,6 +139,10 @@ TEST(Corridor, SaysWhenASearchIsNeeded) {
     EXPECT_EQ(corridor.nextCorner(0), Position(3, 0, 1));
     corridor.moveGoal({3, 0, 1.5F});
     EXPECT_FALSE(corridor.needsSearch() || corridor.isAtGoal(1));
+    for (int i = 0; i < 3; ++i) // far about, in all
+        corridor.moveGoal({i % 2 == 0 ? 0.5F : 3.5F, 0, 1.5F});
+    corridor.moveGoal({3, 0, 1.5F});
+    EXPECT_TRUE(corridor.needsSearch() && corridor.hasPath());
     corridor.move({2.5F, 0, 1});
     EXPECT_TRUE(corridor.isAtGoal(1));
     corridor.move({5, 0, 1}); // over the border of no return

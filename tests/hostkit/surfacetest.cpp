@@ -72,7 +72,8 @@ TEST_F(Surface, IsWalkedAlongItsWalls) {
              {{9, 0, 9}, {13, 0, 13}, {13, 0.45F, 10}, false, 0}, // the same, on to the ramp
              {{1, 0, 1}, {-9, 0, -9}, {0, 0, 0}, false, 0},       // into a corner
              {{5, 0, 5}, {5, 0, 5}, {5, 0, 5}, true, 5},
-             {{5, 0, 5}, {1, 0, 21}, {1, 0, 10}, false, 0}, // the islet is out of reach
+             {{5, 0, 5}, {1, 0, 21}, {1, 0, 10}, false, 0},      // the islet is out of reach
+             {{5, 0, 5}, {INFINITY, 0, 5}, {5, 0, 5}, false, 5}, // nowhere
          }) {
         const Place start = findGround(mView, row.mFrom);
         const auto move = moveAlongSurface(mView, start, row.mTo);
