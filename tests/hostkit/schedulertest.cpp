@@ -73,6 +73,7 @@ TEST(SchedulerTest, GivesEachSliceToTheRequestWhoseTurnItIs) {
         RequestId mId = 0;
         std::uint64_t mDue = 0;
         std::uint64_t mCharged = 1; // for being opened
+        std::uint64_t mLast = 0;    // the frame of its deadline
         std::pair<std::uint64_t, RequestId> turn() const { return {mDue + mCharged / 100, mId}; }
     };
     std::map<std::size_t, Account> open;
@@ -80,6 +81,8 @@ TEST(SchedulerTest, GivesEachSliceToTheRequestWhoseTurnItIs) {
     Scheduler scheduler(exports, {.mSlice = 10, .mTurn = 100});
     unsigned int slices = 0;
     unsigned int outOfTurn = 0;
+    unsigned int late = 0;
+    std::uint64_t frame = 0;
     exports.mOnSlice = [&](std::size_t character, unsigned int slice) {
         Account& served = open[character];
         for (const auto& [other, account] : open)
@@ -87,12 +90,15 @@ TEST(SchedulerTest, GivesEachSliceToTheRequestWhoseTurnItIs) {
         served.mCharged += slice;
         ++slices;
     };
-    exports.mOnClose = [&](std::size_t character) { open.erase(character); };
+    exports.mOnClose = [&](std::size_t character) {
+        late += frame > open[character].mLast ? 1 : 0;
+        open.erase(character);
+    };
     std::mt19937 random(5);
     const auto below = [&](unsigned int count) {
         return static_cast<unsigned int>(random() % count);
     };
-    for (std::uint64_t frame = 0; frame < 600; ++frame) {
+    for (; frame < 600; ++frame) {
         for (std::size_t character = 0; character < 40; ++character) {
             if (open.contains(character) || below(2) == 0)
                 continue;
@@ -102,13 +108,15 @@ TEST(SchedulerTest, GivesEachSliceToTheRequestWhoseTurnItIs) {
             const RequestId id = scheduler.add(
                 costing(1 + below(900), static_cast<Priority>(priority), deadline, character));
             open[character] = {
-                id, frame + (deadline != 0 ? std::min(patience, deadline - 1) : patience)};
+                id, frame + (deadline != 0 ? std::min(patience, deadline - 1) : patience), 1,
+                deadline != 0 ? frame + deadline - 1 : ~0ULL};
         }
         scheduler.advance(FrameBudget::expansions(1000));
     }
     EXPECT_EQ(outOfTurn, 0U) << "of " << slices;
     EXPECT_GT(scheduler.figures().answered(), 1000U);
-    EXPECT_GT(scheduler.figures().mLate, 0U) << "the load should be too much for some";
+    EXPECT_EQ(scheduler.figures().mLate, late);
+    EXPECT_GT(late, 0U) << "the load should be too much for some";
 }
 
 TEST(SchedulerTest, KeepsToItsBudgetAndStarvesNobody) {
