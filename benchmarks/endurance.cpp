@@ -97,6 +97,7 @@ std::uint64_t play(const std::string& folder, unsigned int minutes) {
     std::printf("the last third against the first: bytes %.3f, held by the process %.3f, median "
                 "%.2f, 99 %% %.2f\n",
                 bytes, resident, growthOf(all, &Minute::mMedian), growthOf(all, &Minute::mLong));
+    std::fflush(stdout);
     return wrong + (bytes > 1.1 ? 1 : 0) + (resident > 1.1 ? 1 : 0);
 }
 

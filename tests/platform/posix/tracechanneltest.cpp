@@ -3,6 +3,7 @@
 #include "common/debug/trace.h"
 #include "tests/platform/process.h"
 #include "tests/support/foundation.h"
+#include "tests/support/tempfolder.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -60,6 +61,20 @@ TEST_F(TraceChannelTest, AFolderThatIsOpenToOthersIsNotUsed) {
                                     "somebody else");
         ASSERT_EQ(chmod(folder, 0700), 0);
     }
+}
+
+TEST_F(TraceChannelTest, AFolderOfTheUsersIsMadeWhereThereIsNone) {
+    const TempFolder temporary;
+    const std::string former = std::getenv("XDG_RUNTIME_DIR");
+    const char* const formerTemporary = std::getenv("TMPDIR");
+    unsetenv("XDG_RUNTIME_DIR");
+    setenv("TMPDIR", temporary.path().c_str(), 1);
+    Platform::TraceReceiver receiver;
+    EXPECT_EQ(receiver.open(), nullptr);
+    EXPECT_EQ(Debug::Trace::send(1, "text"), 4);
+    setenv("XDG_RUNTIME_DIR", former.c_str(), 1);
+    formerTemporary != nullptr ? setenv("TMPDIR", formerTemporary, 1) : unsetenv("TMPDIR");
+    EXPECT_EQ(temporary.count(), 1);
 }
 
 TEST_F(TraceChannelTest, DamagedMessagesAreDropped) {
