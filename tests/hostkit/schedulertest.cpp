@@ -220,12 +220,14 @@ TEST_F(SchedulingTest, PathsDontDependOnHowFramesFall) {
     const auto pathsOf = [&](const FrameBudget& budget, std::uint32_t slice) {
         Scheduler scheduler(exports, {.mSlice = slice, .mTurn = 50});
         std::vector<RequestId> ids;
+        unsigned int cancelled = 0; // without an answer
         for (const PathRequest& request : requests) {
             const RequestId wrong = scheduler.add({request.mGoal, request.mStart});
             ids.push_back(scheduler.add({request.mGoal, request.mGoal}));
             scheduler.advance(budget);
             EXPECT_TRUE(scheduler.change(ids.back(), request));
             scheduler.advance(budget);
+            cancelled += scheduler.isOpen(wrong) ? 1 : 0;
             scheduler.cancel(wrong);
             if (random() % 40 == 0) { // a new world in the old one's place
                 Interface::close();
@@ -235,6 +237,7 @@ TEST_F(SchedulingTest, PathsDontDependOnHowFramesFall) {
         }
         while (scheduler.queueLength() != 0)
             scheduler.advance(budget);
+        EXPECT_EQ(scheduler.figures().mCancelled, cancelled);
         std::vector<Path> paths;
         PathAnswer answer;
         for (const RequestId id : ids) {

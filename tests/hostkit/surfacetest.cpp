@@ -62,24 +62,31 @@ TEST_F(Surface, IsWalkedAlongItsWalls) {
         Position mFrom;
         Position mTo;
         Position mEnd;
+        Position mStraight; ///< the end of a straight walk
         bool mIsReached;
         float mWall; ///< the distance of the end to the nearest wall
     };
     for (const Row& row : std::initializer_list<Row>{
-             {{5, 0, 5}, {6, 0, 7}, {6, 0, 7}, true, 3},
-             {{9, 0, 5}, {12, 0, 5}, {12, 0.3F, 5}, true, 5},     // on to the ramp
-             {{5, 0, 1}, {7, 0, -1}, {7, 0, 0}, false, 0},        // along a wall
-             {{9, 0, 9}, {13, 0, 13}, {13, 0.45F, 10}, false, 0}, // the same, on to the ramp
-             {{1, 0, 1}, {-9, 0, -9}, {0, 0, 0}, false, 0},       // into a corner
-             {{5, 0, 5}, {5, 0, 5}, {5, 0, 5}, true, 5},
-             {{5, 0, 5}, {1, 0, 21}, {1, 0, 10}, false, 0},      // the islet is out of reach
-             {{5, 0, 5}, {INFINITY, 0, 5}, {5, 0, 5}, false, 5}, // nowhere
+             {{5, 0, 5}, {6, 0, 7}, {6, 0, 7}, {6, 0, 7}, true, 3},
+             {{9, 0, 5}, {12, 0, 5}, {12, 0.3F, 5}, {12, 0.3F, 5}, true, 5},   // on to the ramp
+             {{5, 0, 1}, {7, 0, -1}, {7, 0, 0}, {6, 0, 0}, false, 0},          // along a wall
+             {{9, 0, 9}, {13, 0, 13}, {13, 0.45F, 10}, {10, 0, 10}, false, 0}, // the same, on to
+                                                                               // the ramp
+             {{1, 0, 1}, {-9, 0, -9}, {0, 0, 0}, {0, 0, 0}, false, 0},         // into a corner
+             {{5, 0, 5}, {5, 0, 5}, {5, 0, 5}, {5, 0, 5}, true, 5},
+             {{5, 0, 5}, {1, 0, 21}, {1, 0, 10}, {3.75F, 0, 10}, false, 0}, // the islet is out of
+                                                                            // reach
+             {{5, 0, 5}, {INFINITY, 0, 5}, {5, 0, 5}, {5, 0, 5}, false, 5}, // nowhere
          }) {
         const Place start = findGround(mView, row.mFrom);
         const auto move = moveAlongSurface(mView, start, row.mTo);
         EXPECT_EQ(move.mPlace.mPosition, row.mEnd)
             << move.mPlace.mPosition.mX << ' ' << move.mPlace.mPosition.mZ;
         EXPECT_EQ(move.mIsReached, row.mIsReached);
+        const auto straight = walkStraight(mView, start, row.mTo);
+        EXPECT_EQ(straight.mPlace.mPosition, row.mStraight)
+            << straight.mPlace.mPosition.mX << ' ' << straight.mPlace.mPosition.mZ;
+        EXPECT_EQ(straight.mIsReached, row.mIsReached);
         EXPECT_EQ(move.mNodes[0], start.mNode);
         EXPECT_EQ(move.mNodes[move.mNodeCount - 1], move.mPlace.mNode);
         EXPECT_FLOAT_EQ(distanceToWall(mView, move.mPlace, 100), row.mWall);
