@@ -4,6 +4,7 @@
 
 #include <array>
 #include <memory>
+#include <new>
 #include <recastnavigation/Recast.h>
 #include <vector>
 
@@ -14,7 +15,10 @@ namespace {
 template <typename Object, RecastObject kind>
 class Mirror : public Object {
 public:
-    Mirror() : mOther(recast_make(kind)) {}
+    Mirror() : mOther(recast_make(kind)) {
+        if (mOther == 0)
+            throw std::bad_alloc();
+    }
     ~Mirror() { recast_release(kind, mOther); }
     Mirror(const Mirror&) = delete;
     Mirror& operator=(const Mirror&) = delete;

@@ -95,12 +95,19 @@ async function bake({ baker, recast, name, content, settings }: BakeOrder): Prom
     };
 }
 
+/** Recast's module ends when it finds no memory, ours throws. */
+function wordsOf(error: unknown): string {
+    const text = error instanceof Error ? error.message : String(error);
+    if (!(error instanceof WebAssembly.RuntimeError || error instanceof RangeError)) return text;
+    return /OOM|allocation/.test(text) ? "out of memory" : `the bake can't go on: ${text}`;
+}
+
 addEventListener("message", async ({ data }: MessageEvent<BakeOrder>) => {
     try {
         const baked = await bake(data);
         const parts = [baked.binary, baked.xml, baked.triangles].flatMap((part) => (part ? [part.buffer] : []));
         postMessage({ baked } satisfies BakeMessage, { transfer: parts });
     } catch (error) {
-        postMessage({ failure: error instanceof Error ? error.message : String(error) } satisfies BakeMessage);
+        postMessage({ failure: wordsOf(error) } satisfies BakeMessage);
     }
 });
