@@ -19,12 +19,19 @@ namespace {
 /// Whether a word is a finite number in decimal digits. It must stand in a text that ends with a
 /// zero.
 bool isNumber(std::string_view word, float& number) {
+    const bool isNegative = word.starts_with('-');
+    const std::string_view digits = word.substr(isNegative ? 1 : 0);
     constexpr std::string_view allowed = "0123456789.eE+-";
-    if (word.find_first_not_of(allowed) != std::string_view::npos || word.front() == '+')
+    if (digits.find_first_not_of(allowed) != std::string_view::npos || digits.starts_with('-') ||
+        digits.starts_with('+'))
         return false;
     const char* const wordEnd = word.data() + word.size();
-    const auto [end, error] = Common::Utility::floatFromChars(word.data(), wordEnd, number, 10);
-    return error == std::errc() && end == wordEnd && std::isfinite(number);
+    const auto [end, error] = Common::Utility::floatFromChars(digits.data(), wordEnd, number, 10);
+    if (error != std::errc() || end != wordEnd)
+        return false;
+    if (isNegative)
+        number = -number;
+    return std::isfinite(number);
 }
 
 /// Reads one file, line by line, into a scene.

@@ -84,4 +84,6 @@ test("glTF, and files that are no scene", async () => {
     writeFileSync(triangle, glb([0, 0, 0, 0, 0, 9, 9, 0, 0]));
     await bench.page.setInputFiles("#file", triangle);
     await compare(triangle, "triangle.glb");
+    await drop(scene("spiral")); // it has negative coordinates
+    await compare(scene("spiral"), "spiral.obj");
 });
