@@ -12,6 +12,7 @@ export class AddressBar {
     private isStale = false;
     private following = 0; // addresses that are being opened
     private timer = 0;
+    private known = location.hash;
 
     constructor(private readonly bench: Workbench) {}
 
@@ -32,6 +33,7 @@ export class AddressBar {
     async follow(): Promise<void> {
         clearTimeout(this.timer);
         const { bench } = this;
+        this.known = location.hash;
         const state = readAddress();
         const isOpen = bench.open !== null && (state.sample ?? state.file) === bench.open.name;
         this.awaited = state.file && !state.sample && !isOpen ? state : null;
@@ -49,7 +51,9 @@ export class AddressBar {
     }
 
     private write(): void {
-        if (this.state) writeAddress(this.state);
+        if (!this.state || location.hash !== this.known) return; // another one was just gone to
+        writeAddress(this.state);
+        this.known = location.hash;
     }
 
     /** What is seen now; null when nothing is open. */
