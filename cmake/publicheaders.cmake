@@ -47,6 +47,7 @@ set(public_headers
   common/simplereferencecount.h
   common/singleton.h
   common/utility/floatchars.h
+  common/utility/floattext.h
   # the host's own view of a mesh
   navmesh/interface.h
   navmesh/meshdefects.h

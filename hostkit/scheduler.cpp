@@ -22,10 +22,6 @@ void makeRoom(std::vector<T>& list, std::size_t count) {
         list.reserve(std::max(count, list.capacity() * 2));
 }
 
-std::chrono::nanoseconds steadyTime() {
-    return std::chrono::steady_clock::now().time_since_epoch();
-}
-
 } // namespace
 
 /// What is left of a frame.

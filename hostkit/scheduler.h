@@ -112,6 +112,8 @@ public:
     const SchedulerFigures& figures() const { return mFigures; }
 
 private:
+    static std::chrono::nanoseconds steadyTime();
+
     enum class State : std::uint8_t { FREE, WAITING, RUNNING, READING, ANSWERED, CALLING_BACK };
     struct Slot {
         PathRequest mRequest;

@@ -1,14 +1,12 @@
 #include "common/debug/logdispatcher.h"
 
 #include "common/debug/trace.h"
-
-#include <cstdio>
+#include "common/platform/terminal.h"
 
 namespace ZUNO::Common::Debug {
 
 void TraceLogDispatcher::dispatch(const LogMessage& message) {
-    std::printf("Log: %s\n", message.mMessage.getConstCharPtr());
-    std::fflush(stdout);
+    Platform::printLine(("Log: " + message.mMessage).getConstCharPtr());
     const String line =
         "(" + message.mReporter + ") " + message.mFunction + " : " + message.mMessage;
     const bool isMessage = message.mType == DbgMsg || message.mType == Message;

@@ -1,12 +1,11 @@
 /// Floating-point numbers from and to characters, without a locale, as `std::from_chars` and
-/// `std::to_chars` do it. A standard library that lacks them is one whose C library knows no other
-/// locale than "C", and that library then does the same.
+/// `std::to_chars` do it; where the standard library lacks them, by functions of our own.
 #pragma once
 
+#include "common/utility/floattext.h"
+
 #include <charconv>
-#include <cstdio>
-#include <cstdlib>
-#include <type_traits>
+#include <cmath>
 
 namespace ZUNO::Common::Utility {
 
@@ -40,30 +39,24 @@ inline char* exactFloatToChars(char* begin, char* end, float number) {
 #else
 
 template <typename T>
-std::from_chars_result floatFromChars(const char* text, const char*, T& number, int base) {
-    const char* const begin = base == 16 ? text - 2 : text; // the prefix is there
-    char* behind = nullptr;
-    if constexpr (std::is_same_v<T, float>)
-        number = std::strtof(begin, &behind);
-    else
-        number = std::strtod(begin, &behind);
-    return {behind, behind <= text ? std::errc::invalid_argument : std::errc{}};
+std::from_chars_result floatFromChars(const char* text, const char* end, T& number, int base) {
+    return readFloat(text, end, number, base);
 }
 
 template <typename T>
-char* floatToChars(char* begin, char* end, T number, FloatFormat format) {
-    const char* const pattern = format == FloatFormat::FIXED ? "%f" : "%g";
-    return begin + std::snprintf(begin, static_cast<std::size_t>(end - begin), pattern,
-                                 static_cast<double>(number));
+char* floatToChars(char* begin, char*, T number, FloatFormat format) {
+    return format == FloatFormat::FIXED ? writeFixed(begin, number)
+                                        : writeGeneral(begin, number, 6);
 }
 
-inline char* exactFloatToChars(char* begin, char* end, float number) {
+inline char* exactFloatToChars(char* begin, char*, float number) {
     char* last = begin;
     bool isExact = false;
     for (int digits = 6; !isExact && digits <= 9; ++digits) { // as few as keep every bit
-        last = begin + std::snprintf(begin, static_cast<std::size_t>(end - begin), "%.*g", digits,
-                                     static_cast<double>(number));
-        isExact = std::strtof(begin, nullptr) == number;
+        last = writeGeneral(begin, number, digits);
+        float read = 0;
+        readFloat(begin + (*begin == '-' ? 1 : 0), last, read, 10);
+        isExact = read == std::abs(number);
     }
     return last;
 }

@@ -8,4 +8,9 @@ bool isTerminal(std::FILE* file) noexcept {
     return _isatty(_fileno(file)) != 0;
 }
 
+void printLine(const char* text) noexcept {
+    std::printf("%s\n", text);
+    std::fflush(stdout);
+}
+
 } // namespace ZUNO::Common::Platform
