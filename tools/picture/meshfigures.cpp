@@ -1,9 +1,10 @@
 #include "tools/picture/meshfigures.h"
 
+#include "common/report/reporttext.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numeric>
-#include <sstream>
 
 namespace ZUNO::Tools {
 
@@ -91,12 +92,12 @@ bool findUnreachable(const NavMesh::NavMeshContainer& mesh,
         if (i == largest)
             continue;
         const auto& [nodes, area, node, place] = parts[i];
-        std::ostringstream text;
+        Common::Debug::ReportText text;
         text << (nodes == 1 ? "node " : "the nodes around node ") << node << ", at " << place.mX
              << ", " << place.mY << ", " << place.mZ
              << ", can't be reached from the largest island (" << nodes
              << (nodes == 1 ? " node, " : " nodes, ") << area << " square units)";
-        if (!listener(text.str().c_str()))
+        if (!listener(text.text()))
             return false;
     }
     return parts.size() < 2;

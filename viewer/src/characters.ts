@@ -3,21 +3,25 @@ import type { MeshDescription } from "./meshlook";
 
 const smallest = 11; // pixels, from head to foot
 
+/** How tall those are that a mesh is for. */
+export function heightOfCharacters({ tables, cubeSize }: MeshDescription): number {
+    return tables.characters.find(({ height }) => height > 0 && Number.isFinite(height))?.height ?? cubeSize * 7;
+}
+
 /** Characters on the ground, who are never too small to be seen. */
 export class Characters {
     readonly mesh: THREE.InstancedMesh<THREE.BufferGeometry, THREE.MeshBasicMaterial>;
     private readonly places: THREE.Vector3[];
     private readonly height: number;
 
-    constructor(count: number, { tables, cubeSize }: MeshDescription) {
+    constructor(count: number, mesh: MeshDescription) {
         // one unit high, standing on its place
         const body = new THREE.CapsuleGeometry(0.22, 0.56, 4, 10).translate(0, 0.5, 0);
         this.mesh = new THREE.InstancedMesh(body, new THREE.MeshBasicMaterial(), count);
         this.mesh.frustumCulled = false;
         this.mesh.renderOrder = 4;
         this.places = Array.from({ length: count }, () => new THREE.Vector3());
-        const tallest = tables.characters.find(({ height }) => height > 0 && Number.isFinite(height));
-        this.height = tallest?.height ?? cubeSize * 7;
+        this.height = heightOfCharacters(mesh);
         for (let i = 0; i < count; ++i) this.mesh.setColorAt(i, new THREE.Color(0xffffff));
     }
 

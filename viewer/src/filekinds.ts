@@ -15,12 +15,17 @@ export function isSceneName(name: string): boolean {
     return /\.(obj|glb|gltf)$/i.test(name);
 }
 
+/** Whether it is named as one that lies under a mesh which is dropped with it. */
+export function isWavefrontName(name: string): boolean {
+    return /\.obj$/i.test(name);
+}
+
 /** Whether it begins as a Wavefront OBJ file does. */
 export function isScene(bytes: Uint8Array): boolean {
     const lines = beginningOf(bytes).split("\n");
     const markup = lines.findIndex((line) => line.includes("<"));
     const scene = lines.findIndex((line) => sceneLine.test(line));
-    return scene >= 0 && (markup < 0 || scene < markup);
+    return bytes[0] > 1 && scene >= 0 && (markup < 0 || scene < markup);
 }
 
 /** What a file is that is no mesh, as far as its beginning tells; null: it may be a broken one. */

@@ -1,4 +1,5 @@
 import type { Point } from "zunopathfinder/external";
+import { heightOfCharacters } from "./characters";
 import { shortText } from "./format";
 import type { MeshDescription } from "./meshlook";
 import { element, setText } from "./panel";
@@ -50,6 +51,13 @@ export class Floors {
             const head = Math.max(...this.mesh.tables.heights.filter(Number.isFinite), this.mesh.cubeSize * 4);
             this.cutAt(this.view.toScene(point).y + head);
         }
+    }
+
+    /** Sees through the roofs above one who stands at a point. */
+    uncover(point: Point): void {
+        if (!this.view.shownScene || !this.mesh) return;
+        this.view.shownScene.roof = this.view.toScene(point).y + heightOfCharacters(this.mesh);
+        this.view.invalidate();
     }
 
     private heightAt(part: number): number | null {

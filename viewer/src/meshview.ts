@@ -41,7 +41,7 @@ export class MeshView {
     private readonly wallLines: THREE.LineSegments<THREE.BufferGeometry, THREE.LineBasicMaterial>;
     private readonly baseColours: Float32Array;
     private readonly colours: Float32Array;
-    private readonly up: THREE.Vector3;
+    readonly up: THREE.Vector3;
     private hiddenIslands = new Set<number>();
     /** The scale of what is drawn on the mesh: the side of a cube. */
     readonly unit: number;

@@ -1,10 +1,11 @@
 import { ZunoError } from "zunopathfinder/external";
 import type { Baked } from "./baker";
-import { isRecording, isSceneName, whatElseIs } from "./filekinds";
+import { isRecording, isSceneName, isWavefrontName, whatElseIs } from "./filekinds";
 import { openMesh, type OpenMesh } from "./meshes";
 import { element, showTab } from "./panel";
 import { replayRecording } from "./replay";
 import { unpack } from "./runtime";
+import { readScene, showScene } from "./scene";
 import type { Workbench } from "./workbench";
 
 /** The runtime's own words, with the parameters that it names. */
@@ -14,7 +15,7 @@ function messageOf(error: unknown): string {
     return error.message.replace(/^mesh: /, "") + (parameters.length ? ` (${parameters.join(", ")})` : "");
 }
 
-/** Opens samples, meshes and recordings. What can't be read leaves what was open as it is. */
+/** Opens samples, meshes, scenes and recordings. What can't be read leaves what was open as it is. */
 export class Opener {
     /** How long it took. */
     timings: [string, string][] = [];
@@ -33,14 +34,16 @@ export class Opener {
         await this.openBytes(name, await unpack(zunoSamples[name]), name);
     }
 
-    /** Opens what was dropped: a scene, which is baked, or a mesh, then a recording over it. */
+    /** Opens what was dropped: a scene, which is baked, or a mesh, the scene under it, and a recording over it. */
     async openFiles(files: File[]): Promise<void> {
         const scene = files.find(({ name }) => isSceneName(name));
-        if (scene) return this.bench.bakery.open(scene);
+        const others = files.filter((file) => file !== scene);
+        if (scene && !(others.length && isWavefrontName(scene.name))) return this.bench.bakery.open(scene);
         this.bench.bakery.cancel();
-        const contents = await Promise.all(files.map(async (file) => ({ name: file.name, bytes: new Uint8Array(await file.arrayBuffer()) })));
+        const contents = await Promise.all(others.map(async (file) => ({ name: file.name, bytes: new Uint8Array(await file.arrayBuffer()) })));
         const mesh = contents.find(({ bytes }) => !isRecording(bytes));
         if (mesh) await this.openBytes(mesh.name, mesh.bytes, null);
+        if (scene) await this.openScene(scene);
         this.bench.address.applyAwaited();
         const recording = contents.find(({ bytes }) => isRecording(bytes));
         if (recording) await this.openRecording(recording.name, recording.bytes);
@@ -77,13 +80,24 @@ export class Opener {
     }
 
     /** Opens the mesh of a scene. One that was open before is seen from where it was, with the same queries. */
-    async openBaked(name: string, { binary }: Baked): Promise<void> {
-        const { address, open } = this.bench;
+    async openBaked(name: string, { binary, triangles }: Baked): Promise<void> {
+        const { address, open, view } = this.bench;
         const state = open && !open.sample && open.name === name ? address.state : null;
         await this.openBytes(name, binary, null);
+        if (this.bench.open?.bytes === binary) showScene(view, triangles);
         if (state) address.apply(state);
         else address.applyAwaited();
         showTab("bake");
+    }
+
+    private async openScene(file: File): Promise<void> {
+        const { bench } = this;
+        try {
+            showScene(bench.view, readScene(await file.text()));
+        } catch (error) {
+            bench.fail(`${file.name}: ${messageOf(error)}`);
+        }
+        bench.showAll();
     }
 
     private async openRecording(name: string, bytes: Uint8Array): Promise<void> {

@@ -7,6 +7,7 @@ import { Labels } from "./labels";
 import { MeshView, Palette } from "./meshview";
 import { disposeLine, Marker } from "./overlays";
 import { Pickable, Pointer, PointerListener } from "./pointer";
+import type { SceneView } from "./scene";
 
 export interface ViewListener extends PointerListener {
     onCameraMoved(): void;
@@ -38,6 +39,7 @@ export class View implements Pickable {
     private lines: Line2[] = [];
     private signs: Marker[] = [];
     private characters: Characters | null = null;
+    private ground: SceneView | null = null;
     private overlay: THREE.Mesh<THREE.BufferGeometry, THREE.MeshBasicMaterial> | null = null;
     private isStale = true;
     private lastMovement = 0;
@@ -52,6 +54,7 @@ export class View implements Pickable {
         private readonly listener: ViewListener,
     ) {
         this.renderer = new THREE.WebGLRenderer({ canvas, antialias: !this.isDrawnByProcessor });
+        this.renderer.localClippingEnabled = true; // of roofs
         this.labels = new Labels(labelCanvas);
         this.eye = new Eye(canvas, () => {
             this.noteMovement();
@@ -87,6 +90,7 @@ export class View implements Pickable {
         this.setOverlay(null);
         this.setSigns([], []);
         this.setCharacters(null);
+        this.setScene(null);
         this.cutHeight = Infinity;
         this.meshView = meshView;
         const isTooMuch = this.isDrawnByProcessor && (meshView?.nodeCount ?? 0) > manyNodes;
@@ -104,6 +108,18 @@ export class View implements Pickable {
         this.characters = characters;
         if (characters) this.scene.add(characters.mesh);
         this.isStale = true;
+    }
+
+    /** The scene under the mesh, instead of the last one. */
+    setScene(scene: SceneView | null): void {
+        this.ground?.dispose();
+        this.ground = scene;
+        if (scene) this.meshView?.group.add(scene.group);
+        this.isStale = true;
+    }
+
+    get shownScene(): SceneView | null {
+        return this.ground;
     }
 
     setPalette(palette: Palette): void {

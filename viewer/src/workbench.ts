@@ -99,7 +99,7 @@ export class Workbench {
     // ---- the pointer --------------------------------------------------------------------------
 
     private hover(pick: Pick | null): void {
-        if (pick?.isOnMesh) this.lastPoint = pick.point;
+        if (pick?.isOnMesh) this.floors.uncover((this.lastPoint = pick.point));
         showPointer(pick, this.open);
     }
 
@@ -147,6 +147,9 @@ export class Workbench {
         this.movement.show();
         setPressed(element("grid"), this.showsGrid);
         setPressed(element("labels"), this.showsLabels);
+        const { shownScene } = this.view;
+        element<HTMLButtonElement>("scenery").disabled = !shownScene;
+        setPressed(element("scenery"), !!shownScene?.group.visible);
         setPressed(element("top"), this.view.eye.isTopView);
         this.address.touch();
         if (!isShort) this.showOpen();
@@ -212,6 +215,11 @@ export class Workbench {
         this.view.setPalette(this.palette);
         this.open?.view.paint(this.palette);
         if (this.showsGrid) this.showGrid();
+    }
+
+    toggleScene(): void {
+        const { shownScene } = this.view;
+        if (shownScene) shownScene.group.visible = !shownScene.group.visible;
     }
 
     setLabels(isOn: boolean): void {

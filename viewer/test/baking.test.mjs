@@ -40,6 +40,7 @@ test("a dropped scene becomes zunobake's mesh, and another one with another numb
     await drop(scene("courtyard"));
     await compare(scene("courtyard"), "courtyard.obj");
     assert.match(await text("bakeFigures"), /Scene408 triangles.*radius 0\.5 \(2 cells\).*Unreachableat 32, 0, 33: 24 square units/s);
+    assert.equal(await bench.page.evaluate(() => window.workbench.view.shownScene.group.children[0].geometry.attributes.position.count), 3 * 408);
     for (const point of [[10, 0, 12], [30, 0, 25]]) await clickAt(point);
     await until(() => window.workbench.results().searches[0]?.state === "found");
     const [, target] = await camera();

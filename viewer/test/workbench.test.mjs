@@ -202,6 +202,33 @@ test("files: both forms, defects to jump to, and broken ones that leave the page
     await compareWithNative(xml);
 });
 
+test("the scene under its mesh, whose roofs are seen through where the pointer is", async () => {
+    await open("mesh=bridge");
+    const look = async () => {
+        await bench.page.waitForTimeout(300);
+        return (await bench.page.locator("#scene").screenshot()).toString("base64");
+    };
+    const pointAt = async (point) => {
+        const { x, y } = await toScreen(point);
+        await bench.page.mouse.move(x, y, { steps: 2 });
+        return look();
+    };
+    const bare = await pointAt([30, 4, 20]);
+    const scene = sample("bridge").replace(/bin$/, "obj");
+    await bench.page.setInputFiles("#file", [sample("bridge"), scene]);
+    await until(() => !document.getElementById("scenery").disabled);
+    const triangles = await bench.page.evaluate(() => window.workbench.view.shownScene.group.children[0].geometry.attributes.position.count / 3);
+    const faces = readFileSync(scene, "utf8").split("\n").filter((line) => line.startsWith("f "));
+    assert.equal(triangles, faces.reduce((sum, face) => sum + face.trim().split(/\s+/).length - 3, 0));
+    const above = await pointAt([31, 4, 20]);
+    const below = await pointAt([10, 0, 12]);
+    assert.ok(above !== bare && below !== above, "the bridge is solid from above alone");
+    await bench.page.keyboard.press("o");
+    assert.equal(await look(), bare);
+    await bench.page.setInputFiles("#file", sample("courtyard"));
+    await until(() => document.getElementById("scenery").disabled);
+});
+
 test("a mesh with z up, and an address that tells of a file", async () => {
     const file = join(bench.folder, "upright.xml");
     const swap = (_, x, y, z) => `>${x}/${-z}/${y}<`; // turned about x
