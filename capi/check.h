@@ -40,25 +40,25 @@ zuno_status inWorld(const char* function, Body body) noexcept {
     });
 }
 
-[[noreturn]] inline void refuse(const std::string& text) {
-    throw Failure{ZUNO_BAD_ARGUMENT, text};
-}
+[[noreturn]] void refuse(const std::string& text);
+[[noreturn]] void refuseNull(const char* name);
 
 /// Refuses a null pointer, else returns what it points to.
 template <typename T>
 T& need(T* pointer, const char* name) {
     if (pointer == nullptr)
-        refuse(std::string(name) + " is null");
+        refuseNull(name);
     return *pointer;
 }
+
+/// Refuse a struct of another size than the library's, and an array that is too small.
+void checkSize(std::size_t given, std::size_t expected, const char* name);
+[[noreturn]] void refuseRoom(std::size_t room, std::size_t number);
 
 /// Refuses a null struct, and one of another size than the library's.
 template <typename Struct>
 void checkStruct(const Struct* given, const char* name) {
-    if (need(given, name).size != sizeof(Struct))
-        throw Failure{ZUNO_BAD_SIZE, std::string(name) + " has the size " +
-                                         std::to_string(given->size) + " instead of " +
-                                         std::to_string(sizeof(Struct))};
+    checkSize(need(given, name).size, sizeof(Struct), name);
 }
 
 /// Fills a host's array with what `make(i)` gives, by the rule for arrays.
@@ -71,8 +71,7 @@ zuno_status fill(std::size_t number, T* items, std::uint32_t* count, Make make) 
     if (items == nullptr)
         return ZUNO_OK;
     if (room < number)
-        throw Failure{ZUNO_TOO_SMALL, "the array has room for " + std::to_string(room) + " of " +
-                                          std::to_string(number)};
+        refuseRoom(room, number);
     for (std::size_t i = 0; i < number; ++i)
         items[i] = make(i);
     return ZUNO_OK;

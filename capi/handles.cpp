@@ -60,6 +60,18 @@ std::shared_ptr<Object> Handles::find(const void* handle, const std::type_info& 
     return typeid(object) == type ? place->second : nullptr;
 }
 
+std::shared_ptr<Object> Handles::need(const void* handle, const char* name,
+                                      const std::type_info& type) {
+    if (handle == nullptr)
+        throw Failure{ZUNO_BAD_HANDLE, std::string(name) + " is null"};
+    std::shared_ptr<Object> object = find(handle, type);
+    if (object == nullptr && kindOf(handle) == Kind::NONE)
+        throw Failure{ZUNO_BAD_HANDLE, std::string(name) + " was destroyed, or never made"};
+    if (object == nullptr)
+        throw Failure{ZUNO_BAD_HANDLE, std::string(name) + " is the handle of something else"};
+    return object;
+}
+
 bool Handles::close(const void* handle) {
     Table& table = theTable();
     std::shared_ptr<Object> object; // destroyed after the lock was given back

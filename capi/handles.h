@@ -33,6 +33,8 @@ Kind kindOf(const void* handle);
 /// Returns null for a handle that is none of the type. So who has taken no care for the world never
 /// holds what belongs to one, not even as the last.
 std::shared_ptr<Object> find(const void* handle, const std::type_info& type);
+/// The same; throws a Failure with the handle's name instead.
+std::shared_ptr<Object> need(const void* handle, const char* name, const std::type_info& type);
 /// Takes an object out. Returns whether it was there.
 bool close(const void* handle);
 /// Takes out, and destroys, all objects that need a running session.
@@ -52,14 +54,7 @@ zuno_status make(Handle** handle, Arguments&&... arguments) {
 /// Returns what a handle stands for. Throws a Failure for one that is none of this kind.
 template <typename T>
 std::shared_ptr<T> get(const void* handle, const char* name) {
-    if (handle == nullptr)
-        throw Failure{ZUNO_BAD_HANDLE, std::string(name) + " is null"};
-    std::shared_ptr<Object> object = Handles::find(handle, typeid(T));
-    if (object == nullptr && Handles::kindOf(handle) == Handles::Kind::NONE)
-        throw Failure{ZUNO_BAD_HANDLE, std::string(name) + " was destroyed, or never made"};
-    if (object == nullptr)
-        throw Failure{ZUNO_BAD_HANDLE, std::string(name) + " is the handle of something else"};
-    return std::static_pointer_cast<T>(std::move(object));
+    return std::static_pointer_cast<T>(Handles::need(handle, name, typeid(T)));
 }
 
 } // namespace ZUNO::CInterface
