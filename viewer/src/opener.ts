@@ -87,6 +87,7 @@ export class Opener {
         if (this.bench.open?.bytes === binary) showScene(view, triangles);
         if (state) address.apply(state);
         else address.applyAwaited();
+        this.bench.showAll();
         showTab("bake");
     }
 
