@@ -7,7 +7,9 @@
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <random>
 #include <span>
+#include <system_error>
 
 namespace {
 
@@ -120,16 +122,20 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: zunoendurance [--minutes N]\n");
         return 2;
     }
-    const auto folder = std::filesystem::temp_directory_path() / "zunoendurance";
+    // another one may run at the same time
+    const auto folder = std::filesystem::temp_directory_path() /
+                        ("zunoendurance-" + std::to_string(std::random_device()()));
+    int status = 2;
     try {
         std::filesystem::create_directories(folder);
         const std::uint64_t wrong =
             play(folder.string(), static_cast<unsigned int>(minutes)) + repeat(folder.string());
-        std::filesystem::remove_all(folder);
         std::printf("mistakes: %llu\n", wide(wrong));
-        return wrong == 0 ? 0 : 1;
+        status = wrong == 0 ? 0 : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "zunoendurance: %s\n", error.what());
-        return 2;
     }
+    std::error_code failure; // what is left of the folder does no harm
+    std::filesystem::remove_all(folder, failure);
+    return status;
 }
