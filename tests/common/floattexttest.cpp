@@ -5,7 +5,9 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <random>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace ZUNO::Tests {
 
@@ -54,31 +56,15 @@ std::string textOf(double number, std::chars_format format, int digits) {
 
 TEST(FloatTextTest, ReadsWhatTheStandardLibraryReads) {
     const std::string zeros(1000, '0');
-    for (const std::string& text : {std::string(),
-                                    std::string("."),
-                                    std::string("1."),
-                                    std::string(".5"),
-                                    std::string("1..2"),
-                                    std::string("1e"),
-                                    std::string("1E-5"),
-                                    std::string("1e+"),
-                                    std::string("1e400"),
-                                    std::string("1e-400"),
-                                    std::string("1e99999999999"),
-                                    std::string("0e9"),
-                                    std::string("InFinity"),
-                                    std::string("infin"),
-                                    std::string("nan(a_1)"),
-                                    std::string("nan("),
-                                    std::string("x"),
-                                    "1" + zeros + "e-1000",
-                                    "0." + zeros + "1e1001",
-                                    std::string("340282356779733661637539395458142568448"),
-                                    "16777217." + zeros + "1",
-                                    "16777217." + zeros,
-                                    std::string("2.4703282292062328e-324"),
-                                    std::string("7.0064923216240854e-46"),
-                                    std::string("1.7976931348623159e308")}) {
+    std::vector<std::string> texts{"", "1" + zeros + "e-1000", "0." + zeros + "1e1001",
+                                   "16777217." + zeros + "1", "16777217." + zeros};
+    std::istringstream words(
+        ". 1. .5 1..2 1e 1E-5 1e+ 1e400 1e-400 1e99999999999 0e9 InFinity infin nan(a_1) nan( x "
+        "340282356779733661637539395458142568448 2.4703282292062328e-324 7.0064923216240854e-46 "
+        "1.7976931348623159e308");
+    for (std::string word; words >> word;)
+        texts.push_back(word);
+    for (const std::string& text : texts) {
         expectSameNumber<float>(text);
         expectSameNumber<double>(text);
     }
