@@ -8,11 +8,10 @@ target_compile_options(zuno_options INTERFACE
 target_compile_definitions(zuno_options INTERFACE $<$<NOT:$<BOOL:${WIN32}>>:_FILE_OFFSET_BITS=64>)
 # Sources that are compiled as one count as headers of it, which makes their unnamed namespaces
 # suspicious.
-if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-  target_compile_options(zuno_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
-elseif(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL Clang) # of another source's names
-  target_compile_options(zuno_options INTERFACE -Wno-shadow)
-endif()
+set(as_one $<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>)
+target_compile_options(zuno_options INTERFACE
+  $<$<AND:${as_one},$<COMPILE_LANG_AND_ID:CXX,GNU>>:-Wno-subobject-linkage>
+  $<$<AND:${as_one},$<COMPILE_LANG_AND_ID:CXX,Clang>>:-Wno-shadow>) # of another source's names
 if(EMSCRIPTEN)
   # For bytes: a page loads them. Without the limit, which comes with -Os here, what is small is still
   # inlined. Every browser that has these exceptions has the other features, too.

@@ -5,8 +5,6 @@
 #include "common/debug/trace.h"
 #include "tests/platform/process.h"
 
-#include <regex>
-
 namespace ZUNO::Tests {
 
 TEST_F(HostTest, TalksToTheTraceViewer) {
@@ -38,9 +36,11 @@ TEST_F(HostTest, TalksToTheTraceViewer) {
     while (std::fgets(line, sizeof(line), viewer) != nullptr)
         output += line;
     EXPECT_EQ(closePipe(viewer), 0);
-    EXPECT_EQ(std::regex_replace(output, std::regex(R"(\([^ ]*interface.cpp:\d+\))"), "(LINE)"),
-              "error    report: world: no world: call initWorldRepresentation first "
-              "(LINE)\n"
+    const auto place = output.find(" ("); // of the report, by file and line
+    ASSERT_NE(place, std::string::npos) << output;
+    output.erase(place, output.find(')', place) + 1 - place);
+    EXPECT_EQ(output,
+              "error    report: world: no world: call initWorldRepresentation first\n"
               "message  ZUNO::Pathfinder::Raytracer::BlockingMapRayTracer::BlockingMapRayTracer : "
               "load blockingmap: map.blk\n"
               "error    the world over floor can't be started: No serialization yet\n"
