@@ -119,6 +119,29 @@ TEST_F(BakeCommandTest, SaysInOneLineWhatIsWrongWithAScene) {
     }
 }
 
+TEST_F(BakeCommandTest, BakesAgainWhenTheSceneChanges) {
+    std::FILE* const tool =
+        openPipe(std::string(ZUNO_TOOL_FOLDER) + "/zunobake --watch -o " + mMesh + ' ' +
+                 mFolder.put("scene.obj", square + "f 1 2 3 4") + " 2>&1");
+    const auto waitFor = [&](const char* word) {
+        char line[500];
+        while (std::fgets(line, sizeof(line), tool) != nullptr)
+            if (std::string_view(line).find(word) != std::string_view::npos)
+                return true;
+        return false;
+    };
+    EXPECT_TRUE(waitFor("seconds"));
+    const std::string first = mFolder.get("mesh.bin");
+    mFolder.put("scene.obj", "v 0 0 x");
+    EXPECT_TRUE(waitFor("is no finite number"));
+    EXPECT_EQ(mFolder.get("mesh.bin"), first);
+    mFolder.put("scene.obj", "v 9 0 9\n" + square + "f 1 2 3 4");
+    EXPECT_TRUE(waitFor("seconds"));
+    EXPECT_NE(mFolder.get("mesh.bin"), first);
+    mFolder.put("scene.obj", ""); // nobody hears what is wrong with it: it ends
+    closePipe(tool);
+}
+
 /// A square of 8 x 8 in two nodes, one above the other, in a third that lies at x = 100.
 const std::string gltf =
     R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}], "nodes": [

@@ -15,12 +15,6 @@ namespace ZUNO::Tools {
 
 namespace {
 
-void requireOutput() {
-    std::cout.flush();
-    if (!std::cout || std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
-        throw std::runtime_error("standard output cannot be written");
-}
-
 /// The commands that were given, the innermost last, and the tool itself before them.
 std::vector<const CLI::App*> levelsOf(const CLI::App& app) {
     std::vector<const CLI::App*> levels{&app};
@@ -65,6 +59,12 @@ std::string describe(const CLI::App& app, const CLI::ParseError& error) {
 }
 
 } // namespace
+
+void requireOutput() {
+    std::cout.flush();
+    if (!std::cout || std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
+        throw std::runtime_error("standard output cannot be written");
+}
 
 int runTool(const char* name, const std::function<int()>& action) {
     try {

@@ -14,6 +14,9 @@ enum ExitStatus : int { STATUS_OK = 0, STATUS_NOTHING = 1, STATUS_ERROR = 2 };
 /// standard output has arrived.
 int runTool(const char* name, const std::function<int()>& action);
 
+/// Sees to it that what was printed has arrived. Throws a std::runtime_error when it has not.
+void requireOutput();
+
 /// Reads the command line. Returns nothing when the tool is to go on, else the status to exit with:
 /// help or the version was asked for. Throws a std::runtime_error that says which word is wrong.
 std::optional<int> parseWords(CLI::App& app, int argc, char** argv);

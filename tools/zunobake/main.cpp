@@ -94,7 +94,7 @@ std::vector<std::filesystem::file_time_type> timesOf(const std::vector<std::stri
 }
 
 /// Bakes each time that a file has changed and then rested for a moment. What is wrong with a scene
-/// is said, and the mesh stays as it was.
+/// is said, and the mesh stays as it was. Throws when nobody hears it any more.
 [[noreturn]] void watch(const Options& options) {
     constexpr std::chrono::milliseconds pause(300);
     for (auto known = timesOf(options.mScenes);;) {
@@ -103,7 +103,7 @@ std::vector<std::filesystem::file_time_type> timesOf(const std::vector<std::stri
         } catch (const std::runtime_error& error) {
             std::cerr << "zunobake: " << error.what() << '\n';
         }
-        std::cout << std::flush;
+        requireOutput();
         std::vector<std::filesystem::file_time_type> former;
         do {
             former = timesOf(options.mScenes);

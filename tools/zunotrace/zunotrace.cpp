@@ -22,8 +22,7 @@ void interrupt(int) {
 
 void say(const std::string& line) {
     std::printf("%s\n", line.c_str());
-    if (std::fflush(stdout) != 0)
-        throw std::runtime_error("standard output cannot be written");
+    ZUNO::Tools::requireOutput();
 }
 
 struct Options {
