@@ -49,7 +49,8 @@ struct SurfaceMove {
 
     Place mPlace;            ///< the end
     bool mIsReached = false; ///< whether it lies at the target, seen in the plane
-    /// The nodes that lead there, from the first to that of the end.
+    /// The nodes that lead there, from the first to that of the end; none without a start on the
+    /// mesh or a finite target.
     std::array<std::uint32_t, maxNodes> mNodes;
     std::size_t mNodeCount = 0;
 };
