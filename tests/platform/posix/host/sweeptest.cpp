@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
 #include <sstream>
 
 namespace ZUNO::Tests {
@@ -105,10 +106,14 @@ TEST_F(SweepTest, LeavesTheOldFileOrTheNewOne) {
         {"openat", {"error=EMFILE", "error=EACCES", "signal=KILL"}},
         {"lseek,_llseek", {"error=EIO"}},
     };
-    for (const Command& command : commands)
+    for (const Command& command : commands) {
+        const std::string tool = command.mText.substr(0, command.mText.find(' '));
+        if (!std::filesystem::exists(toolFolder + tool))
+            continue; // the baker is not there for every system
         for (const auto& row : rows)
             for (const char* const fault : row.mFaults)
                 sweep(command, row.mCalls, fault);
+    }
     EXPECT_GT(mFaults, 100U);
 }
 
