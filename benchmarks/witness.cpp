@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t sampleSize = 150;
 
-std::uint64_t bitsOf(float number) {
+std::uint64_t digestOfNumber(float number) {
     Digest digest;
     digest.add(number);
     return digest.value();
@@ -33,11 +33,11 @@ std::uint64_t Witness::ask(const Question& question) {
     const Vec3& from = question.mFrom;
     const Vec3& to = question.mTo;
     if (question.mKind == Question::GROUND)
-        return Benchmarks::bitsOf(Interface::getGroundHeight({from.mX, from.mZ}));
+        return digestOfNumber(Interface::getGroundHeight({from.mX, from.mZ}));
     if (question.mKind == Question::RAY) {
         Ray2D ray({from.mX, from.mZ}, {to.mX, to.mZ});
         Interface::traceRay(ray);
-        return Benchmarks::bitsOf(ray.mHitDistance);
+        return digestOfNumber(ray.mHitDistance);
     }
     const int id = Interface::initPathSearch(from, to);
     int state = Pathfinder::PATH_RUNNING;
@@ -112,12 +112,12 @@ bool Witness::closePathSearch(int searchID) {
 void Witness::traceRay(Ray2D& ray) {
     Exports::traceRay(ray);
     note({Question::RAY, {ray.mStart.mX, 0, ray.mStart.mY}, {ray.mEnd.mX, 0, ray.mEnd.mY}},
-         Benchmarks::bitsOf(ray.mHitDistance));
+         digestOfNumber(ray.mHitDistance));
 }
 
 float Witness::getGroundHeight(const Vec2& position) {
     const float height = Exports::getGroundHeight(position);
-    note({Question::GROUND, {position.mX, 0, position.mY}, {0, 0, 0}}, Benchmarks::bitsOf(height));
+    note({Question::GROUND, {position.mX, 0, position.mY}, {0, 0, 0}}, digestOfNumber(height));
     return height;
 }
 
