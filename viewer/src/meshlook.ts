@@ -57,12 +57,7 @@ function takeTables(module: Module): MeshTables {
 /** Looks at a mesh of either form. Throws a ZunoError for what is none. */
 export function lookAtMesh(module: Module, content: Uint8Array): MeshDescription {
     const file = "mesh";
-    module.putFile(file, content);
-    try {
-        module.call("tool_mesh_look", module.text(file), module.structs);
-    } finally {
-        module.removeFile(file);
-    }
+    module.withFile(file, content, () => module.call("tool_mesh_look", module.text(file), module.structs));
     const at = module.structs >> 2;
     const [isFit, isBinary, memory] = module.words.subarray(at);
     const [cubeSize, ...axes] = module.floats.subarray(at + 3, at + 13);

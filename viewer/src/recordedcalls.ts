@@ -16,12 +16,7 @@ export class RecordedCalls {
     /** Throws a ZunoError for what is no recording. */
     constructor(private readonly module: Module, content: Uint8Array) {
         const file = "recording";
-        module.putFile(file, content);
-        try {
-            module.call("tool_recording_open", module.text(file), module.structs);
-        } finally {
-            module.removeFile(file);
-        }
+        module.withFile(file, content, () => module.call("tool_recording_open", module.text(file), module.structs));
         this.handle = module.words[module.structs >> 2];
         this.isWhole = takeText(module, "isWhole") !== "";
         this.mesh = takeText(module, "mesh");

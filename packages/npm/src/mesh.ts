@@ -21,12 +21,7 @@ export class Mesh extends Held {
 
     /** @internal */
     static load(module: Module, content: Content, name: string): Mesh {
-        module.putFile(name, content);
-        try {
-            return new Mesh(module, make(module, "mesh_load", 0, module.text(name)));
-        } finally {
-            module.removeFile(name);
-        }
+        return module.withFile(name, content, () => new Mesh(module, make(module, "mesh_load", 0, module.text(name))));
     }
 
     /** The mesh's sizes. */

@@ -121,6 +121,16 @@ export class Module {
         this.enter("zuno_page_remove", this.text(name));
     }
 
+    /** Calls a function while a file is there. */
+    withFile<T>(name: string, content: ArrayBuffer | ArrayBufferView, call: () => T): T {
+        this.putFile(name, content);
+        try {
+            return call();
+        } finally {
+            this.removeFile(name);
+        }
+    }
+
     /** Takes a file out of the module's memory. */
     takeFile(name: string): Uint8Array {
         const at = this.enter("zuno_page_get", this.text(name), this.structs) >>> 0;

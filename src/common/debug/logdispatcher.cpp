@@ -6,7 +6,7 @@
 namespace ZUNO::Common::Debug {
 
 void TraceLogDispatcher::dispatch(const LogMessage& message) {
-    Platform::printLine(("Log: " + message.mMessage).getConstCharPtr());
+    Platform::printLine("Log: ", message.mMessage.getConstCharPtr());
     const String line =
         "(" + message.mReporter + ") " + message.mFunction + " : " + message.mMessage;
     const bool isMessage = message.mType == DbgMsg || message.mType == Message;

@@ -17,7 +17,7 @@ extern const std::uint32_t longestTraceText;
 /// Sends one message to the trace viewer of this user, looked up anew with every call.
 /// Returns false, and drops the message, when no viewer runs or when it can't take the message now.
 /// Doesn't wait for the viewer, whatever that does; on Windows at most 0.2 s, and then no more for
-/// ten seconds. Thread: one at a time.
+/// ten seconds. Thread: any.
 bool sendTraceMessage(std::uint32_t code, const void* payload, std::uint32_t length) noexcept;
 
 /// A message as a viewer received it.

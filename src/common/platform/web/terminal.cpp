@@ -8,6 +8,6 @@ bool isTerminal(std::FILE*) noexcept {
     return false;
 }
 
-void printLine(const char*) noexcept {}
+void printLine(const char*, const char*) noexcept {}
 
 } // namespace ZUNO::Common::Platform

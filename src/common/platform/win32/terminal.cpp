@@ -8,8 +8,8 @@ bool isTerminal(std::FILE* file) noexcept {
     return _isatty(_fileno(file)) != 0;
 }
 
-void printLine(const char* text) noexcept {
-    std::printf("%s\n", text);
+void printLine(const char* begin, const char* text) noexcept {
+    std::printf("%s%s\n", begin, text);
     std::fflush(stdout);
 }
 

@@ -2,6 +2,7 @@
 
 #include "common/platform/win32/windows.h"
 
+#include <atomic>
 #include <deque>
 #include <limits>
 #include <memory>
@@ -19,23 +20,24 @@ namespace {
 /// How long a host waits for a viewer to take a message, in milliseconds; and how long it leaves a
 /// viewer alone that did not.
 constexpr UINT viewerPatience = 200;
-constexpr ULONGLONG viewerRest = 10'000;
+constexpr DWORD viewerRest = 10'000;
 
-HWND gHungViewer = nullptr;
-ULONGLONG gHungSince = 0;
+// reports come from any thread
+std::atomic<HWND> gHungViewer = nullptr;
+std::atomic<DWORD> gHungSince = 0;
 
 } // namespace
 
 bool sendTraceMessage(std::uint32_t code, const void* payload, std::uint32_t length) noexcept {
     const HWND viewer = FindWindowA(traceViewerName, nullptr);
-    if (viewer == nullptr || (viewer == gHungViewer && GetTickCount64() - gHungSince < viewerRest))
+    if (viewer == nullptr || (viewer == gHungViewer && GetTickCount() - gHungSince < viewerRest))
         return false;
     COPYDATASTRUCT message{code, length, const_cast<void*>(payload)};
     const bool isTaken =
         SendMessageTimeoutA(viewer, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&message),
                             SMTO_NORMAL | SMTO_ABORTIFHUNG, viewerPatience, nullptr) != 0;
+    gHungSince = GetTickCount();
     gHungViewer = isTaken ? nullptr : viewer;
-    gHungSince = isTaken ? 0 : GetTickCount64();
     return isTaken;
 }
 
