@@ -7,8 +7,8 @@ namespace ZUNO::Common::Parser::XML {
 
 /// Writes documents: each element on a line of its own, indented by one tab for each element around
 /// it (1,024 at most), with a line feed at the end.
-/// Nothing is escaped: names, values and texts are written as they are. A quote in a value or an
-/// opening angle bracket in a text gives a document that can't be read back.
+/// Nothing is escaped: names, values and texts are written as they are. A quote or a closing angle
+/// bracket in a value, or an opening one in a text, gives a document that may not be read back.
 /// Throws what the stream throws.
 class XMLWriter {
 public:
