@@ -8,11 +8,11 @@ namespace ZUNO::Common::Serialize {
 ByteReader::ByteReader() : mBuffer(gStringAllocator) {}
 
 void ByteReader::open(IO::Stream& stream) {
-    mBuffer.resize(bufferSize);
     mByteOrder = Endian::little;
     mPosition = mEnd = 0;
     mStreamOffset = static_cast<std::uint64_t>(stream.getPosition());
     mLength = static_cast<std::uint64_t>(std::max<std::int64_t>(stream.getLength(), 0));
+    mBuffer.resize(static_cast<std::size_t>(std::min<std::uint64_t>(largestBuffer, mLength)));
     mStream = &stream;
 }
 
@@ -22,7 +22,8 @@ void ByteReader::close() {
 }
 
 void ByteReader::refill() {
-    const auto wanted = static_cast<std::int64_t>(std::min<std::uint64_t>(bufferSize, remaining()));
+    const auto wanted =
+        static_cast<std::int64_t>(std::min<std::uint64_t>(mBuffer.size(), remaining()));
     const std::int64_t length =
         wanted != 0 ? mStream->read(mBuffer.data(), static_cast<std::uint64_t>(wanted)) : 0;
     if (length <= 0 || length > wanted)
