@@ -52,8 +52,6 @@ for host in consumer owncallbacks withouttypes; do
     esac
 done
 if [ "$way" = pkg-config ]; then # and a host in C, by zuno.h alone
-    case $way in add_subdirectory | FetchContent) ways+=(-DCMAKE_UNITY_BUILD=ON) ;; esac
-export PKG_CONFIG_PATH=$prefix/lib/pkgconfig LD_LIBRARY_PATH=$prefix/lib
     cc -std=c99 "$source/examples/languages/c/host.c" -o "$work/host" $(pkg-config --cflags --libs zunoc)
     "$work/host" "$source/worlds/harbour.xml" | grep '^digest'
 fi
