@@ -9,12 +9,12 @@ const std::vector<Funnel::Bend>& Funnel::pull(const PlanePoint& start, const Pla
     const std::size_t room = portals.size() + 1;
     mItems.resize(std::max(mItems.size(), 2 * room + 1));
     mFirst = mApex = mLast = room;
-    mItems[mApex] = {start, {0, false}};
+    mItems[mApex] = {start, {}};
     for (std::uint32_t i = 0; i < portals.size(); ++i) {
         addLeft({portals[i].mLeft, {i, true}});
         addRight({portals[i].mRight, {i, false}});
     }
-    addLeft({goal, {0, true}});
+    addLeft({goal, {}});
     for (std::size_t i = mApex; i-- > mFirst + 1;)
         mBends.push_back(mItems[i].mBend);
     return mBends;

@@ -9,8 +9,8 @@ using namespace Common::Astar;
 MeshSearch::MeshSearch(const MeshGraph& graph, SearchMemory& memory)
     : mGraph(graph), mMemory(memory), mRecords(graph.nodeCount(), memory.mPool),
       mOpen(memory, mRecords) {
-    if (memory.mSteps.size() < graph.mostEdges() + 1)
-        memory.mSteps.resize(graph.mostEdges() + 1);
+    if (memory.mSteps.size() < graph.mostEdges())
+        memory.mSteps.resize(graph.mostEdges());
 }
 
 void MeshSearch::begin(const SearchEnds& ends) {
