@@ -78,6 +78,7 @@ TEST_F(HostKitTest, FilesAreReadWrittenAndSought) {
     files.closeFile(handle);
     EXPECT_EQ(files.readFile(buffer, 1, handle), -1);
     EXPECT_EQ(files.getFileLength(handle), -1);
+    EXPECT_EQ(files.seekFile(0, 1, handle), -1);
     EXPECT_EQ(files.bytesRead(), 6U);
 }
 

@@ -61,9 +61,9 @@ TEST(MeshView, FindsWhatNeighboursShareByTheirOutlines) {
         {{{0, 8}, {4, 8}, {8, 8}, {8, 12}, {0, 12}}, {0}}, // 2: above it, with a vertex more
         {{{40, 0}, {48, 0}, {48, 8}}, {-1}},               // 3: far away, and no way back
     });
-    // 4 and 5: side by side on a slope, from 4 to 12
-    model.addPolygon({{80, 0, 0}, {88, 0, 0}, {88, 16, 16}, {80, 16, 16}}, 0, 0xFFFF);
-    model.addPolygon({{88, 4, 4}, {96, 4, 4}, {96, 12, 12}, {88, 12, 12}}, 0, 0xFFFF);
+    // 4 and 5: side by side on a slope, from 4 to 12, so far off that the text form rounds more
+    model.addPolygon({{80, 0, 8000}, {88, 0, 8000}, {88, 16, 8016}, {80, 16, 8016}}, 0, 0xFFFF);
+    model.addPolygon({{88, 4, 8004}, {96, 4, 8004}, {96, 12, 8012}, {88, 12, 8012}}, 0, 0xFFFF);
     model.mNodes[4].mNeighbours = {5};
     model.mNodes[5].mNeighbours = {4};
     const WalkingWorld world(model);

@@ -20,6 +20,7 @@ TEST_F(RayTracerTest, MarksAndTracesAsThePlainFormsDo) {
              {1, 0, 0.07F},
              {0.3F, 1000, 0.11F},
              {1, 1e6F, 0.25F},
+             {1, 1e7F, 0.25F}, // the first centres lie on the border
              {1e15F, 0, 1},
              {1e18F, 0, 1},  // products of coordinates overflow
              {1e36F, 0, 1},  // and so do squares of distances

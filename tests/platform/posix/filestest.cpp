@@ -38,6 +38,7 @@ TEST_F(PosixFilesTest, FullDisksNormalPathsAndPrivateFiles) {
               "OutOfSpaceException: FileStream: Cannot write to file, disk full.");
     EXPECT_EQ(raisedBy([&] { stream.flush(); }), "IOException: FileStream: Unknown error on flush");
     EXPECT_STREQ(mFiles->getFullPath("/../a//b/.").getConstCharPtr(), "/a/b");
+    EXPECT_NE(raisedBy([&] { mFiles->getFullPath(std::string(4096, '/').c_str()); }), "");
     const SharedPtr<Stream> temporary = mFiles->createTempFile();
     struct stat status {};
     ASSERT_EQ(stat(temporary->getFilename().getConstCharPtr(), &status), 0);
