@@ -2,6 +2,7 @@
 #include "common/memory/objectcreation.h"
 #include "common/parser/xml/xmlparser.h"
 #include "common/parser/xml/xmltreereader.h"
+#include "common/parser/xml/xmlwriter.h"
 #include "tests/support/foundation.h"
 #include "tests/support/memoryfiles.h"
 
@@ -152,7 +153,10 @@ TEST_F(XmlTest, NestsAsDeepAsItPromises) {
             document += "</a>";
         return document;
     };
-    EXPECT_EQ(raisedBy([&] { parse(nested(4096)); }), "");
+    Callback::CallbackFileStream out(mFileCallback);
+    out.open("o", 3);
+    EXPECT_EQ(raisedBy([&] { XMLWriter().write(out, parse(nested(4096))); }), "");
+    EXPECT_NE(mFiles->mFiles["o"].find('\n' + std::string(1024, '\t') + "<a>"), std::string::npos);
     EXPECT_EQ(raisedBy([&] { parse(nested(4097)); }).substr(0, 76),
               "XMLParserException: XMLParser: Elements are nested deeper than 4096 levels {");
 }

@@ -69,7 +69,7 @@ TEST(MeshView, FindsWhatNeighboursShareByTheirOutlines) {
     const WalkingWorld world(model);
     const MeshView& view = world.view();
     std::map<std::uint32_t, std::vector<double>> shared;
-    for (const std::uint32_t node : {0U, 4U})
+    for (const std::uint32_t node : {0U, 4U, 5U})
         for (const MeshView::Link& link : view.linksOf(node)) {
             const auto border = view.borderOf(node, link);
             shared[link.mTarget].push_back(
@@ -77,7 +77,7 @@ TEST(MeshView, FindsWhatNeighboursShareByTheirOutlines) {
                     ? -1
                     : distance(view.planeOf(border.mLeft), view.planeOf(border.mRight)));
         }
-    EXPECT_EQ(shared, (decltype(shared){{1, {1.5}}, {2, {1, 1}}, {3, {-1}}, {5, {2}}}));
+    EXPECT_EQ(shared, (decltype(shared){{1, {1.5}}, {2, {1, 1}}, {3, {-1}}, {4, {2}}, {5, {2}}}));
     std::map<std::uint32_t, double> walls;
     for (std::uint32_t node = 0; node < view.nodeCount(); ++node)
         view.visitWalls(node, [&](const auto& a, const auto& b) { walls[node] += distance(a, b); });

@@ -236,6 +236,9 @@ TEST_F(NavMeshTest, ReadsElementsInTheirOrder) {
             EXPECT_EQ(Reports::take(), Texts{std::string("|In 'ANY'->'navmesh'") + row.mPath +
                                              " the tag '" + name + "' is required !"});
         }
+    EXPECT_EQ(load(whole("<heightmap><height>2</height></heightmap>")).get(), nullptr);
+    EXPECT_EQ(Reports::take(), Texts{"|In 'ANY'->'navmesh'->'heightmap'->'height' the attribute "
+                                     "'id' is required !"});
     std::string empty = whole(body + tables);
     empty.erase(empty.find("0.25"), 4); // an element without children is no number
     EXPECT_EQ(load(empty).get(), nullptr);
