@@ -130,7 +130,7 @@ Worlds::MeshModel oneWay() {
 TEST(Corridor, SaysWhenASearchIsNeeded) {
     const WalkingWorld world(oneWay());
     Corridor corridor(world.view());
-    EXPECT_FALSE(corridor.follow({0, 1}, {3, 0, 1}));
+    EXPECT_FALSE(corridor.needsSearch() || corridor.follow({0, 1}, {3, 0, 1}));
     corridor.place({0, {1, 0, 1}});
     EXPECT_EQ(corridor.nextCorner(0), Position(1, 0, 1));
     EXPECT_FALSE(corridor.follow({1, 2}, {NAN, 0, 1}) || corridor.follow({2}, {5, 0, 1}));
@@ -152,6 +152,24 @@ TEST(Corridor, SaysWhenASearchIsNeeded) {
     ASSERT_TRUE(corridor.follow({0}, {1, 0, 1.5F}));
     corridor.moveGoal({11, 0, 1});
     EXPECT_TRUE(corridor.needsSearch() && corridor.hasPath());
+}
+
+TEST(Corridor, IsShortenedWhereOneCanWalk) {
+    using Nodes = std::vector<std::uint32_t>;
+    for (const auto& [end, chain, goal, nodes] : // end: of node 2, before a gap, or at node 3
+         {std::tuple<int, Nodes, Position, Nodes>{6, {0, 1, 3}, {2.25F, 0, 3.75F}, {3, 1, 0}},
+          {8, {0, 1, 3, 4}, {3, 0, 4.5F}, {4, 3, 2, 0}}}) {
+        const WalkingWorld world(flatMesh({{{{0, 0}, {8, 0}, {8, 8}, {0, 8}}, {1, 2}},
+                                           {{{8, 0}, {16, 0}, {16, 8}, {8, 8}}, {0, 3}},
+                                           {{{0, 8}, {end, 8}, {end, 16}, {0, 16}}, {0, 3}},
+                                           {{{8, 8}, {16, 8}, {16, 16}, {8, 16}}, {1, 2, 4}},
+                                           {{{8, 16}, {16, 16}, {16, 24}, {8, 24}}, {3}}}));
+        Corridor corridor(world.view());
+        corridor.place({0, {0.25F, 0, 1.75F}});
+        ASSERT_TRUE(corridor.follow(chain, goal));
+        corridor.shorten();
+        EXPECT_EQ(corridor.nodes(), nodes);
+    }
 }
 
 TEST(Explain, SaysWhyThereIsNoPath) {

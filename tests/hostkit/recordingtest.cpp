@@ -132,6 +132,7 @@ TEST_F(RecordingTest, NamesTheFirstCallThatDiffers) {
         for (const std::string& part : row.mSays)
             EXPECT_NE(text.find(part), std::string::npos) << part << " in " << text;
     }
+    EXPECT_EQ(describe(ReplayDifference{}).find("\n  search"), std::string::npos);
 }
 
 TEST_F(RecordingTest, IsWholeWhateverMomentTheHostEndsIn) {

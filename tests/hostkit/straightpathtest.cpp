@@ -260,7 +260,7 @@ TEST(StraightPath, IsNearlyTheShortestThereIs) {
     const double mean = std::accumulate(ratios.begin(), ratios.end(), 0.0) / 500;
     std::cout << "of the shortest: mean " << mean << ", 99 % " << ratios[494] << '\n';
     EXPECT_GE(ratios[0], 1 - 1e-6);
-    EXPECT_LE(mean, 1.0015);
+    EXPECT_NEAR(mean, 1.00071, 1e-5) << "wrong estimates give longer ways, or slower searches";
     EXPECT_LE(ratios[494], 1.03);
 }
 

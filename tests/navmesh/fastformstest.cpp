@@ -38,7 +38,7 @@ TEST_F(FastFormsTest, LocatesNodesAsAScanOfAllDoes) {
     turned->mYAxis = {-0.6F, 0, 0.8F};
     expectSameNodes(turned);
     for (const float scale : {1.0F, 1e-3F, 1e5F, 1e-20F, 1e-40F, 1e14F, 1e18F})
-        for (const float away : {0.0F, 1000.0F, 1e6F, 1e7F}) {
+        for (const float away : {0.0F, -1000.0F, 1e6F, 1e7F}) {
             SCOPED_TRACE(std::to_string(scale) + " " + std::to_string(away));
             expectSameNodes(fill({scale, away}));
         }

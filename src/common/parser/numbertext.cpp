@@ -67,9 +67,6 @@ const char* parse(const char* text, T& number) {
         ++text;
     if (*text == '-' || *text == '+')
         return nullptr;
-    if constexpr (!std::is_floating_point_v<T>)
-        if (!isDigit(*text))
-            return nullptr;
     using Magnitude = std::conditional_t<std::is_floating_point_v<T>, T, std::uint64_t>;
     Magnitude magnitude = 0;
     const auto result = parseDigits(text, text + std::strlen(text), magnitude);

@@ -5,6 +5,7 @@
 #include "common/memory/freelistallocator.h"
 #include "common/memory/memorymanaged.h"
 #include "common/memory/objectcreation.h"
+#include "common/memory/pendinghandle.h"
 #include "common/memory/threadsafeallocator.h"
 #include "common/parser/xml/xmlparser.h"
 #include "reference/blockmodel.h"
@@ -168,6 +169,10 @@ TEST_F(AllocatorTest, ObjectsRememberTheirAllocator) {
     EXPECT_EQ(raisedBy([&] { allocateBytes(processHeap(), 0x10000, 0x10000); }),
               "OutOfMemoryException: No Memory available")
         << "a size beyond 32 bits";
+    const int handle = 0;
+    std::byte storages[33]; // one more than objects may be nested
+    for (std::byte& storage : storages)
+        EXPECT_EQ(PendingHandles<int>::push(&storage, 1, handle), &storage != &storages[32]);
 }
 
 TEST_F(AllocatorTest, FoundationStartsAndClosesItsGlobals) {

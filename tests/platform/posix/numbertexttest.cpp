@@ -67,6 +67,7 @@ TEST_F(NumberTextTest, ReadsWhatTheCLibraryReads) {
     EXPECT_EQ(Parser::toInt32("-2147483649"), -2147483647 - 1);
     EXPECT_EQ(Parser::toUInt64("-1"), 18446744073709551615U);
     EXPECT_EQ(Parser::toInt64(" -12z"), -12);
+    EXPECT_EQ(Parser::toDouble(("0." + std::string(400, '0') + "1").c_str()), 0);
 }
 
 TEST_F(NumberTextTest, WritesWhatTheCLibraryWrites) {

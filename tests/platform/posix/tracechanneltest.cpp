@@ -71,7 +71,13 @@ TEST_F(TraceChannelTest, AFolderOfTheUsersIsMadeWhereThereIsNone) {
     setenv("TMPDIR", temporary.path().c_str(), 1);
     Platform::TraceReceiver receiver;
     EXPECT_EQ(receiver.open(), nullptr);
+    EXPECT_STREQ(receiver.open(), "the channel is open already");
     EXPECT_EQ(Debug::Trace::send(1, "text"), 4);
+    const std::string folder = temporary.in(std::string(96 - temporary.in("").size(), 'n').c_str());
+    mkdir(folder.c_str(), 0700);
+    setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
+    EXPECT_NE(Platform::TraceReceiver().open(), nullptr) << "no room for the socket's name";
+    rmdir(folder.c_str());
     setenv("XDG_RUNTIME_DIR", former.c_str(), 1);
     formerTemporary != nullptr ? setenv("TMPDIR", formerTemporary, 1) : unsetenv("TMPDIR");
     EXPECT_EQ(temporary.count(), 1);
