@@ -1,6 +1,7 @@
 #include "hostkit/explain.h"
 
 #include "common/report/reporttext.h"
+#include "hostkit/strait.h"
 
 namespace ZUNO::HostKit {
 
@@ -41,44 +42,6 @@ Explanation::End lookAt(const MeshView& view, const Position& point) {
     }
     return end;
 }
-
-/// Looks for the pair of places where two islands come nearest to each other. Of two convex
-/// outlines that don't overlap, one is nearest to the other at a corner.
-class Strait {
-public:
-    Strait(const MeshView& view, Explanation& explanation)
-        : mView(view), mExplanation(explanation) {
-        const std::uint32_t islands[2] = {explanation.mStart.mIsland, explanation.mGoal.mIsland};
-        for (std::uint32_t node = 0; node < view.nodeCount(); ++node)
-            for (int side = 0; side < 2; ++side)
-                if (view.islandOf(node) == islands[side])
-                    for (const std::uint32_t corner : view.cornersOf(node))
-                        lookFrom({node, view.positionOf(corner)}, islands[1 - side], side == 0);
-        mExplanation.mGap = static_cast<float>(std::sqrt(mNearest));
-    }
-
-private:
-    void lookFrom(const Place& place, std::uint32_t otherIsland, bool isStart) {
-        const PlanePoint point = mView.planeOf(place.mPosition);
-        mView.boxes().visitNear(
-            point, [&] { return mNearest; },
-            [&](std::uint32_t node) {
-                if (mView.islandOf(node) != otherIsland)
-                    return;
-                const Position there = surfaceAt(mView, node, nearestInNode(mView, node, point));
-                const double away = squareDistance(place.mPosition, there);
-                if (!(away < mNearest))
-                    return;
-                mNearest = away;
-                mExplanation.mStartShore = isStart ? place : Place{node, there};
-                mExplanation.mGoalShore = isStart ? Place{node, there} : place;
-            });
-    }
-
-    const MeshView& mView;
-    Explanation& mExplanation;
-    double mNearest = std::numeric_limits<double>::infinity(); ///< squared
-};
 
 /// Sentences about points, numbers in six digits. They fit into a text that takes no memory.
 class Sentences {
@@ -145,7 +108,11 @@ Explanation explain(const MeshView& view, const Position& start, const Position&
         explanation.mAnswer = Answer::OFF_MESH;
     } else if (explanation.mStart.mIsland != explanation.mGoal.mIsland) {
         explanation.mAnswer = Answer::OTHER_ISLAND;
-        const Strait strait(view, explanation);
+        const Strait strait =
+            findStrait(view, explanation.mStart.mIsland, explanation.mGoal.mIsland);
+        explanation.mStartShore = strait.mFrom;
+        explanation.mGoalShore = strait.mTo;
+        explanation.mGap = strait.mGap;
     } else {
         explanation.mAnswer = Answer::ONLY_ONE_WAY;
         visitReachable(view, explanation.mStart.mNode, [&](std::uint32_t node) {

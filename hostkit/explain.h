@@ -28,15 +28,15 @@ struct Explanation {
     Answer mAnswer = Answer::POSSIBLE;
     End mStart;
     End mGoal;
-    /// For two islands: where they come nearest to each other, and how near.
+    /// For two islands: where they come nearest to each other, and how near (`strait.h`).
     Place mStartShore;
     Place mGoalShore;
     float mGap = 0;
 };
 
 /// Explains why a search between the points finds a path or doesn't.
-/// Cost: two walks down a tree; a look at all nodes of both islands when they differ, at those that
-/// can be reached from the start when they don't.
+/// Cost: two walks down a tree; when the islands differ, a tree of the nodes of each and a walk for
+/// each of their corners; else a look at all nodes that can be reached from the start.
 Explanation explain(const MeshView& view, const Position& start, const Position& goal);
 
 /// The same in words: one or more whole sentences, a line each.

@@ -1,5 +1,6 @@
 // Characters on their way, pushed about, after goals that move.
 #include "hostkit/explain.h"
+#include "hostkit/strait.h"
 #include "tests/hostkit/walkingworld.h"
 #include "tests/support/heaprequests.h"
 
@@ -211,6 +212,28 @@ TEST(Explain, SaysWhyThereIsNoPath) {
         EXPECT_EQ(result == PathResult::FOUND, row.mText == possible);
         const Place nearest = findNearestReachable(view, row.mStart, row.mGoal);
         EXPECT_EQ(nearest.mPosition.mX, row.mNearestReachable);
+    }
+}
+
+TEST(Explain, FindsWhereIslandsComeNearest) {
+    Worlds::MeshModel floor = Worlds::makeFloor(300, 3); // whose holes cut off pockets
+    for (std::size_t i = 0; i < floor.mNodes.size(); i += 7)
+        floor.mNodes[i].mNeighbours.clear();
+    for (auto& node : floor.mNodes)
+        for (auto& neighbour : node.mNeighbours)
+            neighbour = neighbour % 7 == 0 ? -1 : neighbour;
+    const WalkingWorld world(floor);
+    const MeshView& view = world.view();
+    for (std::uint32_t island = 1; island < view.islandSizes().size(); ++island) {
+        double nearest = std::numeric_limits<double>::infinity();
+        for (std::uint32_t a = 0; a < view.nodeCount(); ++a)
+            for (std::uint32_t b = 0; b < view.nodeCount(); ++b)
+                if (view.islandOf(a) == island - 1 && view.islandOf(b) == island)
+                    for (const std::uint32_t corner : view.cornersOf(a))
+                        nearest = std::min(nearest,
+                                           distance(view.planeOf(corner),
+                                                    nearestInNode(view, b, view.planeOf(corner))));
+        EXPECT_NEAR(findStrait(view, island - 1, island).mGap, nearest, 1e-5) << island;
     }
 }
 
