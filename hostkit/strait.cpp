@@ -44,18 +44,20 @@ public:
     Strait found() const { return {mFrom, mTo, static_cast<float>(std::sqrt(mNearest))}; }
 
 private:
-    /// So many nodes for each corner, on the average of the corners so far: the cost stays in
-    /// proportion where all of one island lies above all of the other.
-    static constexpr std::size_t looksPerCorner = 12;
+    /// Corners of the other island that may be looked at: some at once, and more for each corner
+    /// that is looked from. So the cost stays in proportion where all of one island lies above all
+    /// of the other, and where nodes have thousands of corners.
+    static constexpr std::ptrdiff_t firstLooks = 100'000;
+    static constexpr std::ptrdiff_t looksPerCorner = 24;
 
     void lookFrom(const Place& place, const IslandTree& otherShore, bool isTurned) {
         const PlanePoint point = mView.planeOf(place.mPosition);
         mLooks += looksPerCorner;
-        const auto limit = [&] { return mLooks != 0 && mNearest > 0 ? mNearest : -1; };
+        const auto limit = [&] { return mLooks > 0 && mNearest > 0 ? mNearest : -1; };
         otherShore.visitNear(point, limit, [&](std::uint32_t node) {
-            if (mLooks == 0)
+            if (mLooks <= 0)
                 return;
-            --mLooks;
+            mLooks -= static_cast<std::ptrdiff_t>(mView.cornersOf(node).size());
             const Position there = surfaceAt(mView, node, nearestInNode(mView, node, point));
             const double away = squareDistance(place.mPosition, there);
             if (!(away < mNearest))
@@ -70,7 +72,7 @@ private:
     Place mFrom;
     Place mTo;
     double mNearest = std::numeric_limits<double>::infinity(); ///< squared
-    std::size_t mLooks = 0;                                    ///< that are left
+    std::ptrdiff_t mLooks = firstLooks;                        ///< that are left
 };
 
 } // namespace
