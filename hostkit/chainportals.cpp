@@ -29,14 +29,15 @@ bool ChainPortals::addPortal(std::uint32_t node, std::uint32_t next, std::uint32
     return true;
 }
 
+/// A border with vertices in its middle comes in pieces, in the order of the node's outline, which
+/// may begin at any of them.
 void ChainPortals::addBorder(std::uint32_t node, std::span<const MeshView::Link> pieces,
                              std::uint32_t step) {
     MeshView::Border whole = mView.borderOf(node, pieces[0]);
     Portal portal{mView.planeOf(whole.mLeft), mView.planeOf(whole.mRight)};
-    for (const MeshView::Link& link : pieces.subspan(1)) {
+    const auto join = [&](const MeshView::Link& link) {
         const MeshView::Border border = mView.borderOf(node, link);
         const Portal piece{mView.planeOf(border.mLeft), mView.planeOf(border.mRight)};
-        // a border with vertices in its middle comes in pieces
         constexpr double bendless = 1e-6;
         const auto isInLine = [&](const PlanePoint& a, const PlanePoint& b, const PlanePoint& c) {
             return std::abs(turn(a, b, c)) <= bendless * dot(c - a, c - a);
@@ -52,7 +53,9 @@ void ChainPortals::addBorder(std::uint32_t node, std::span<const MeshView::Link>
             whole = border;
             portal = piece;
         }
-    }
+    };
+    std::for_each(pieces.begin() + 1, pieces.end(), join);
+    std::for_each(pieces.rbegin(), pieces.rend(), join); // those before the outline's first corner
     mPortals.push_back(portal);
     mEnds.push_back({whole.mLeft, whole.mRight, step});
 }

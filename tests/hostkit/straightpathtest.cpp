@@ -1,4 +1,5 @@
 // Straight paths against slower ways to find them.
+#include "hostkit/memoryfilecallback.h"
 #include "hostkit/pathpoints.h"
 #include "tests/hostkit/walkingworld.h"
 #include "tests/platform/process.h"
@@ -288,6 +289,33 @@ TEST(StraightPath, KeepsOffWallsAndComesInEqualSteps) {
         }
     }
     EXPECT_GT(apart, corners * 9 / 10) << corners;
+}
+
+TEST(StraightPath, CrossesABorderInPiecesAnywhere) {
+    // where the pieces lead round a corner, the longest one counts
+    for (const int middle : {8, 9})
+        for (std::ptrdiff_t first = 0; first < 12; ++first) {
+            std::vector<std::pair<int, int>> left{{0, 0},      {8, 0}, {middle, 2},
+                                                  {middle, 3}, {8, 8}, {0, 8}};
+            std::vector<std::pair<int, int>> right{{16, 0},     {16, 8},     {8, 8},
+                                                   {middle, 3}, {middle, 2}, {8, 0}};
+            for (auto* const ring : {&left, &right}) {
+                std::rotate(ring->begin(), ring->begin() + first % 6, ring->end());
+                if (first >= 6)
+                    std::reverse(ring->begin(), ring->end()); // clockwise
+            }
+            const MeshFiles files(
+                new MemoryFileCallback("m", flatMesh({{left, {1}}, {right, {0}}}).toXML("")));
+            const MeshView view = loadMeshView("m", files);
+            for (const float z : {0.25F, 1.5F}) {
+                StraightPath path;
+                ASSERT_TRUE(PathStraightener(view).straightenChain({1, 0, z}, {3, 0, z}, {0, 1},
+                                                                   StraightForm::PLAIN, path));
+                const bool isStraight = middle == 8 || z > 1;
+                ASSERT_EQ(path.mCorners.size(), isStraight ? 2U : 3U) << first;
+                EXPECT_TRUE(isStraight || path.mCorners[1].mPosition == Position(2.25F, 0, 0.75F));
+            }
+        }
 }
 
 TEST(StraightPath, CopesWithOddMeshes) {
