@@ -59,7 +59,8 @@ TEST(FloatTextTest, ReadsWhatTheStandardLibraryReads) {
     std::vector<std::string> texts{"", "1" + zeros + "e-1000", "0." + zeros + "1e1001",
                                    "16777217." + zeros + "1", "16777217." + zeros};
     std::istringstream words(
-        ". 1. .5 1..2 1e 1E-5 1e+ 1e400 1e-400 1e99999999999 0e9 InFinity infin nan(a_1) nan( x "
+        ". 1. .5 1..2 1e 1E-5 1e+ 1e400 1e-400 1e99999999999 0e9 InFinity infin nan(a_1) nan( nanx "
+        "nan(a-b) nan(a 1e5x 1e5/ x "
         "340282356779733661637539395458142568448 2.4703282292062328e-324 7.0064923216240854e-46 "
         "1.7976931348623159e308");
     for (std::string word; words >> word;)

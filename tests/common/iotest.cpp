@@ -193,6 +193,8 @@ TEST_F(IoTest, ManagesFoldersAndFiles) {
     EXPECT_TRUE(mFileSystem->isAvailable());
     EXPECT_TRUE(mFileSystem->fileExists("f"));
     EXPECT_FALSE(mFileSystem->fileExists("new"));
+    EXPECT_TRUE(mFileSystem->createFile("new")->canWrite());
+    EXPECT_FALSE(mFileSystem->openFileRead("new")->canWrite());
     mFileSystem->createDirectory("d");
     EXPECT_EQ(raisedBy([&] { mFileSystem->createDirectory("d"); }),
               "DirectoryExistsException: FileSystem: Cannot create the directory, it already "

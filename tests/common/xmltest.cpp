@@ -164,7 +164,7 @@ TEST_F(XmlTest, NestsAsDeepAsItPromises) {
 TEST_F(XmlTest, ReadsChildrenInTheirOrder) {
     const XMLNodeElements* const root =
         parse("<r i=\"12x\" t=\"TRUE\" u=\"trueish\" n=\"-5\" "
-              "f=\"falsehood\"><a>12abc</a><b/><c>1/2.5/-3</c>"
+              "f=\"falsehood\" one=\"1\" zero=\"0\"><a>12abc</a><b/><c>1/2.5/-3</c>"
               "<d>7/8</d><e>True or "
               "so</e><e>1</e><e>tru</e><e>10</e><f><g/></f><h>18446744073709551615</h><u>-5</u>"
               "<u>4294967299</u><k></k><l>-9</l></r>");
@@ -178,8 +178,15 @@ TEST_F(XmlTest, ReadsChildrenInTheirOrder) {
     unsigned int natural = 0;
     EXPECT_TRUE(root->getAttribute(natural, "n"));
     EXPECT_EQ(natural, 4294967291U);
-    EXPECT_TRUE(root->getAttribute(truth, "f"));
-    EXPECT_FALSE(truth);
+    for (const auto& [name, expected] : {std::pair("f", false), {"one", true}, {"zero", false}}) {
+        EXPECT_TRUE(root->getAttribute(truth, name));
+        EXPECT_EQ(truth, expected) << name;
+    }
+    float real = 0;
+    EXPECT_TRUE(root->getAttribute(real, "n"));
+    EXPECT_EQ(real, -5);
+    EXPECT_FALSE(root->getAttribute(real, "x") || root->getAttribute(truth, "x") ||
+                 root->getAttribute(number, "x") || root->getAttribute(natural, "x"));
     EXPECT_EQ(root->getChild("b"), nullptr) << "not its turn";
     EXPECT_EQ(root->getLastReadElement(), nullptr);
     EXPECT_TRUE(root->getChildValue(number, "a"));
@@ -293,15 +300,20 @@ TEST_F(XmlTest, BuildsTreesWithCopiedStrings) {
     grafted.begin("plain", false);
     builder.addTree(&grafted);
     grafted.addTextNode("n", 1.0);
+    grafted.addAttribute("i", 1);
+    grafted.addAttribute("u", 1U);
+    grafted.addAttribute("b", true);
+    grafted.addAttribute("f", 1.0F);
     static_cast<void>(grafted.getRoot()->getLastElement());
     grafted.getRoot()->mKind = 9;
     grafted.begin(false);
+    const char* const unkept = "copyStrings|Used without copyStrings enabled !";
     EXPECT_EQ(Reports::take(),
               (Texts{"|Cannot set text for node of type : 2", "|Unknown node type: 5",
                      "|Unknown node type: 7", "tree|Tree cannot be a NULL pointer",
                      "tree->copyStrings == copyStrings|We cannot add a tree with a different "
                      "copyStrings flag",
-                     "copyStrings|Used without copyStrings enabled !",
+                     unkept, unkept, unkept, unkept, unkept,
                      "!elements.empty()|Cannot get last element from an empty elements node",
                      "|Undefined node type: 9"}));
 }

@@ -132,6 +132,10 @@ TEST(Corridor, SaysWhenASearchIsNeeded) {
     const WalkingWorld world(oneWay());
     Corridor corridor(world.view());
     EXPECT_FALSE(corridor.needsSearch() || corridor.follow({0, 1}, {3, 0, 1}));
+    corridor.move({1, 0, 1}); // it is nowhere
+    corridor.moveGoal({1, 0, 1});
+    EXPECT_EQ(corridor.nextCorner(0), corridor.position().mPosition);
+    EXPECT_FALSE(corridor.hasPath() || corridor.position());
     corridor.place({0, {1, 0, 1}});
     EXPECT_EQ(corridor.nextCorner(0), Position(1, 0, 1));
     EXPECT_FALSE(corridor.follow({1, 2}, {NAN, 0, 1}) || corridor.follow({2}, {5, 0, 1}));

@@ -165,6 +165,7 @@ TEST_F(RecordingTest, IsWholeWhateverMomentTheHostEndsIn) {
                        .mOnUnanswered = [&](std::uint64_t number, const RecordedCall& call) {
                            unanswered = number;
                            EXPECT_EQ(describe(call), "initWorldRepresentation(\"floor\", \"\")");
+                           EXPECT_EQ(describe(call, call.mAnswer), "no answer");
                        }});
     };
     const std::string inTheStart = witness->mSeen; // before the replay opens files

@@ -96,6 +96,9 @@ TEST_F(SessionTest, RefusesASecondOneAndLeavesTheFirstAlone) {
     EXPECT_GT(figures.mPeakBytes, 0U);
     Session second(at("harbour.xml"));
     EXPECT_EQ(first.close().mPeakBytes, figures.mPeakBytes) << "what is closed closes no more";
+    EXPECT_EQ(first.memory().mPeakBytes, figures.mPeakBytes);
+    EXPECT_EQ(errorOf([&] { first.reload(at("harbour.xml")); }),
+              at("harbour.xml") + ": the session is closed");
     EXPECT_EQ(second.exports().getGroundHeight({20, 20}), 5);
 }
 

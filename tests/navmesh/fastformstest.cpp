@@ -1,6 +1,7 @@
 // What a world runs against the plain forms, bit for bit.
 #include "navmesh/nodelocator.h"
 #include "reference/comparison.h"
+#include "reference/plainworld.h"
 #include "tests/support/navmeshlibrary.h"
 
 #include <cmath>
@@ -43,6 +44,21 @@ TEST_F(FastFormsTest, LocatesNodesAsAScanOfAllDoes) {
             expectSameNodes(fill({scale, away}));
         }
     expectSameNodes(fill({1, 0, 0.25F, 2000}));
+}
+
+// Comparisons that never told of a difference would be worth nothing.
+TEST_F(FastFormsTest, AreToldFromThoseOfAnotherMesh) {
+    const SharedPtr<NavMeshContainer> mesh = load(Worlds::makeFloor(300, 2));
+    const SharedPtr<NavMeshContainer> other = load(Worlds::makeFloor(300, 3));
+    const auto points = mQuestions.pointsAround(*mesh, 200);
+    EXPECT_TRUE(Reference::compareLocations(*mesh, *other, points).starts_with("node "));
+    Reference::PlainWorld plain(mesh, gObjectAllocator);
+    Reference::PlainWorld odd(other, gObjectAllocator);
+    const auto rays = mQuestions.raysOver({0, 0}, {20, 20}, 2000);
+    EXPECT_TRUE(Reference::compareRays(plain, odd, rays).starts_with("blocked "));
+    Reference::SearchComparison searches(plain, odd, mQuestions);
+    const std::string difference = searches.run(mQuestions.journeysOver(*mesh, 50), 3, 20);
+    EXPECT_NE(difference.find(" in search "), std::string::npos);
 }
 
 TEST_F(FastFormsTest, BoundsWhatSimpleOutlinesHold) {

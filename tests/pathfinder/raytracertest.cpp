@@ -60,6 +60,8 @@ TEST_F(RayTracerTest, KeepsTheUpperBorderOfAVeryFineGridInside) {
     BlockingCell last{};
     EXPECT_TRUE(map.getCell(columns - 1, 0, last));
     EXPECT_EQ(last.mHeight, 7);
+    EXPECT_FALSE(map.getCell(columns, 0, last) || map.getCell(-1, 0, last));
+    EXPECT_FALSE(map.getCellAtWorld({-1, 0}, last) || map.setCellAtWorld({0, 1}, last));
 }
 
 } // namespace ZUNO::Tests

@@ -26,9 +26,6 @@ public:
     std::uint32_t getStartNode() override { return mStartNode; }
     std::uint32_t getGoalNode() override { return mGoalNode; }
 
-    CostFunc* getCostFunc() const { return mCost; }
-    HeuristicFunc* getHeuristicFunc() const { return mHeuristic; }
-
 private:
     std::uint32_t mStartNode = noNode;
     std::uint32_t mGoalNode = noNode;

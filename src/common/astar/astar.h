@@ -25,8 +25,6 @@ public:
     /// no second difference to the edges that were looked at already.
     virtual std::int32_t runSearch(std::uint32_t budget);
 
-    AStarStorage* getStorage() const { return mStorage; }
-    AStarGoal* getGoal() const { return mGoal; }
     void setGoal(AStarGoal* goal) { mGoal = goal; }
 
 private:

@@ -90,8 +90,7 @@ void Trace::sendValue(int id, const char* name, unsigned int valueType, const ch
     const std::size_t nameLength = std::strlen(name) + 1;
     const std::uint32_t head[3] = {static_cast<std::uint32_t>(id),
                                    static_cast<std::uint32_t>(nameLength), valueType};
-    if (m_writestr == nullptr || nameLength > bufferSize || size > bufferSize ||
-        sizeof(head) + nameLength + size > bufferSize)
+    if (m_writestr == nullptr || sizeof(head) + nameLength + size > bufferSize)
         return;
     std::memcpy(m_writestr, head, sizeof(head));
     std::memcpy(m_writestr + sizeof(head), name, nameLength);

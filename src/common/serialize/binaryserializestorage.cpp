@@ -136,13 +136,6 @@ void BinarySerializeStorage::setPosition(const SharedPtr<Position>& position) {
         mIn.seekTo(static_cast<const BinaryPosition*>(position.get())->getOffset());
 }
 
-void BinarySerializeStorage::seekTo(std::uint64_t offset) {
-    if (getSerializeMode() == SMODE_INPUT)
-        mIn.seekTo(offset);
-    else
-        mStream->seek(static_cast<std::int64_t>(offset), IO::ORIGIN_BEGIN);
-}
-
 void BinarySerializeStorage::throwClosed() {
     throw new Exceptions::InvalidStateException("BinarySerializeStorage: There is no stream");
 }

@@ -100,7 +100,7 @@ public:
         write(ITEM_UINT8, name, value);
     }
     void writeBool(const String& name, bool value) override {
-        write(ITEM_BOOL, name, static_cast<std::uint8_t>(value ? 1 : 0));
+        write(ITEM_BOOL, name, static_cast<std::uint8_t>(value));
     }
 
 private:
@@ -152,7 +152,6 @@ private:
     void openOutput();
     void openInput();
     void closeOutput();
-    void seekTo(std::uint64_t offset);
 
     SharedPtr<IO::Stream> mStream;
     int mEndiness;

@@ -76,6 +76,15 @@ TEST_F(DebugTest, LogMasksFilterAndBreak) {
     log.removeDispatcher(0xFF, &some);
     say(Debug::Warning, "nobody hears");
     EXPECT_EQ(all.mTexts.size() + some.mTexts.size(), 6U + 5U);
+    log.setLogMask(0x0F);
+    log.setBreakMask(0xFF);
+    const char* const types[] = {"DbgMsg", "DbgErr", "Message", "Warning", nullptr};
+    for (unsigned int bit = 0; bit < 5; ++bit) {
+        say(1U << bit, "nobody hears");
+        const Texts reports = Reports::take();
+        ASSERT_EQ(reports.size(), types[bit] != nullptr ? 1U : 0U) << "Errors are masked";
+        EXPECT_TRUE(reports.empty() || reports[0].find(types[bit]) != std::string::npos);
+    }
     log.removeReporter(reporter);
     EXPECT_EQ(log.getReporter("game"), nullptr);
     Debug::LogReporter stranger("stranger", &log);

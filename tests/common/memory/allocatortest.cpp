@@ -89,6 +89,8 @@ TEST_F(AllocatorTest, FreeListKeepsBlocksApartUnderRandomUse) {
 TEST_F(AllocatorTest, FreeListPassesOnThatThereIsNoMemory) {
     FreeListAllocator allocator(mHandle);
     mParent->mIsEmpty = true;
+    Reference::RandomChoices choices(4, 20);
+    EXPECT_STREQ(Reference::BlockModel(*mParent, 1).use(choices), "there is no memory");
     EXPECT_EQ(allocator.allocate(8), nullptr);
     EXPECT_EQ(allocator.allocate(252), nullptr);
     EXPECT_EQ(Reports::take(), Texts{"header|Cannot allocate memory block of size: " +

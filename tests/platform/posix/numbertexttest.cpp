@@ -3,6 +3,7 @@
 #include "tests/support/tempfolder.h"
 
 #include <clocale>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
@@ -45,17 +46,17 @@ void expectSameNumbers(const char* text, const char* format) {
 }
 
 TEST_F(NumberTextTest, ReadsWhatTheCLibraryReads) {
-    for (const char* text :
-         {"1.5",          "-0",         " +2.25x",   "1e-40",
-          "1e39",         "-1e400",     "1e-400",    "0x1p3",
-          "inf",          "",           "abc",       "--3",
-          "16777217",     "2e/5/6",     "0x-4/5/6",  "0x/5/6",
-          "1e+/2/3",      "-0x1fp/5/6", "2e",        "inf/1/2",
-          "1/ 2/ -3",     "1 /2/3",     "5./.5/.",   "1.40129846e-45",
-          "3.4028236e38", "0x.8/1/2",   "infe/1/2",  "0/9/5",
-          "0e/9e/5",      "/5",         ":5",        "\t1/\r2/\v3",
-          "\b4",          "\0165",      "+5/-6/+-7", "0xa/0xF/0x9",
-          "0xA/0xf/1",    "0xg/1",      "0x/0X1",    "-2147483648/2147483647/-0"}) {
+    for (const char* text : {"1.5",          "-0",         " +2.25x",   "1e-40",
+                             "1e39",         "-1e400",     "1e-400",    "0x1p3",
+                             "inf",          "",           "abc",       "--3",
+                             "16777217",     "2e/5/6",     "0x-4/5/6",  "0x/5/6",
+                             "1e+/2/3",      "-0x1fp/5/6", "2e",        "inf/1/2",
+                             "1/ 2/ -3",     "1 /2/3",     "5./.5/.",   "1.40129846e-45",
+                             "3.4028236e38", "0x.8/1/2",   "infe/1/2",  "0/9/5",
+                             "0e/9e/5",      "/5",         ":5",        "\t1/\r2/\v3",
+                             "\b4",          "\0165",      "+5/-6/+-7", "0xa/0xF/0x9",
+                             "0xA/0xf/1",    "0xg/1",      "0x/0X1",    "-2147483648/2147483647/-0",
+                             "1E999/2e-/3",  "0X1P999/1",  "0x1p-999",  "0/0x1p-999/3"}) {
         expectSameNumbers<float>(text, "%f/%f/%f");
         expectSameNumbers<std::int32_t>(text, "%d/%d/%d");
         std::setlocale(LC_NUMERIC, "C");
@@ -66,6 +67,9 @@ TEST_F(NumberTextTest, ReadsWhatTheCLibraryReads) {
     EXPECT_EQ(Parser::toInt32("4294967296"), 2147483647);
     EXPECT_EQ(Parser::toInt32("-2147483649"), -2147483647 - 1);
     EXPECT_EQ(Parser::toUInt64("-1"), 18446744073709551615U);
+    EXPECT_EQ(Parser::toUInt64("18446744073709551617"), 18446744073709551615U);
+    EXPECT_EQ(Parser::toDouble(std::string(400, '9').c_str()), HUGE_VAL);
+    EXPECT_EQ(Parser::toDouble(("0." + std::string(400, '0') + "1").c_str()), 0);
     EXPECT_EQ(Parser::toInt64(" -12z"), -12);
     EXPECT_EQ(Parser::toDouble(("0." + std::string(400, '0') + "1").c_str()), 0);
 }

@@ -85,7 +85,9 @@ TEST_F(TraceChannelTest, AFolderOfTheUsersIsMadeWhereThereIsNone) {
 
 TEST_F(TraceChannelTest, DamagedMessagesAreDropped) {
     Platform::TraceReceiver receiver;
+    EXPECT_EQ(receive(receiver), "nothing") << "it is not open";
     ASSERT_EQ(receiver.open(), nullptr);
+    EXPECT_STREQ(receiver.open(), "the channel is open already");
     const auto packet = [](std::uint32_t length, const std::string& payload) {
         const std::uint32_t head[2] = {1, length};
         return std::string(reinterpret_cast<const char*>(head), sizeof(head)) + payload;
@@ -102,7 +104,7 @@ TEST_F(TraceChannelTest, DamagedMessagesAreDropped) {
         connectWith(row.mPacket);
         EXPECT_EQ(receive(receiver), row.mReceived);
     }
-    EXPECT_EQ(Debug::Trace::send(1, "next"), 4);
+    EXPECT_EQ(Debug::Trace::send(1, std::stringstream("next")), 4);
     EXPECT_EQ(receive(receiver), std::string("next", 5));
 }
 
