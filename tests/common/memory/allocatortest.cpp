@@ -1,3 +1,4 @@
+#include "common/callback/callbackallocator.h"
 #include "common/callback/callbackfilestream.h"
 #include "common/exceptions/argumentexceptions.h"
 #include "common/memory/arena.h"
@@ -151,6 +152,12 @@ TEST_F(AllocatorTest, AllocatorsReportWhatIsOutstanding) {
     EXPECT_EQ(Reports::take(),
               Texts{"isClean()|Allocator has '3' blocks allocated, memory leak or wrong order of "
                     "Allocator object -> allocated object deletion"});
+    SharedPtr<Allocator> host(new (mCallback) Callback::CallbackAllocator);
+    void* const block = host->allocate(8);
+    host = nullptr;
+    mCallback->freeMemory(block);
+    EXPECT_EQ(Reports::take(),
+              Texts{"isClean()|callbackallocator has still an allocationcount of: 1"});
     EXPECT_STREQ(mParent->getName(), "a name of 20 l");
 }
 
