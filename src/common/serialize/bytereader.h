@@ -47,8 +47,7 @@ public:
     std::uint64_t remaining() const { return offset() < mLength ? mLength - offset() : 0; }
 
 private:
-    static constexpr std::size_t largestBuffer =
-        16384; ///< a shorter stream takes as much as it has
+    static constexpr std::size_t largestBuffer = 16384; ///< a shorter stream takes no more
 
     void refill();
 
