@@ -95,6 +95,7 @@ TEST_F(Surface, IsWalkedAlongItsWalls) {
         EXPECT_FLOAT_EQ(distanceToWall(mView, move.mPlace, 100), row.mWall);
     }
     EXPECT_EQ(distanceToWall(mView, findGround(mView, {5, 0, 5}), 2), 2);
+    EXPECT_EQ(between({1, 0}, {1e-20, 0}, 1).mX, 1e-20) << "an end to the bit";
     // beside a node its surface is that of the nearest border
     EXPECT_EQ(surfaceAt(mView, 1, {21, 5}), Position(20, 1.5F, 5));
 }
