@@ -85,7 +85,7 @@ std::vector<Place> placesAlong(const MeshView& view, const StraightPath& path, f
     if (path.mCorners.empty())
         return places;
     constexpr double mostPlaces = 1 << 20;
-    const double stride = std::max(double{step}, path.mLength / mostPlaces);
+    const double stride = std::max(double{step}, planeLength(view, path) / mostPlaces);
     double next = 0; // from the beginning of the leg
     for (std::size_t i = 1; i < path.mCorners.size(); ++i) {
         const PlanePoint from = view.planeOf(path.mCorners[i - 1].mPosition);

@@ -109,16 +109,44 @@ std::size_t BakedMesh::vertexAt(const GridPoint& point) {
     return here.back();
 }
 
+/// Where contours cross each other, Recast makes polygons with a dent: these come in triangles.
 void BakedMesh::addPolygon(const TilePolygon& polygon) {
     BakedNode node{{}, {}, polygon.mGround, polygon.mSurface, polygon.mAgent};
     for (const GridPoint& corner : polygon.mCorners)
         node.mCorners.push_back(vertexAt(corner));
-    const double area = cellsOf(node);
-    if (area == 0)
-        return;
-    if (area < 0)
+    if (cellsOf(node) < 0)
         std::reverse(node.mCorners.begin(), node.mCorners.end());
-    mNodes.push_back(std::move(node));
+    if (!hasDent(node)) {
+        addNode(std::move(node));
+        return;
+    }
+    const std::vector<std::size_t> corners = std::move(node.mCorners);
+    std::vector<float> positions;
+    for (const std::size_t corner : corners)
+        for (const int coordinate : {mVertices[corner].mX, 0, mVertices[corner].mZ})
+            positions.push_back(static_cast<float>(coordinate));
+    const std::vector<int> triangles = triangulate(positions);
+    for (std::size_t i = 0; i < triangles.size(); i += 3) {
+        node.mCorners.clear();
+        for (std::size_t k = 0; k < 3; ++k)
+            node.mCorners.push_back(corners[static_cast<std::size_t>(triangles[i + k])]);
+        addNode(node);
+    }
+}
+
+/// Adds a node that runs counter-clockwise; what has no area is none.
+void BakedMesh::addNode(BakedNode node) {
+    if (cellsOf(node) > 0)
+        mNodes.push_back(std::move(node));
+}
+
+bool BakedMesh::hasDent(const BakedNode& node) const {
+    const auto& corners = node.mCorners;
+    for (std::size_t i = 0; i < corners.size(); ++i)
+        if (turnAt(mVertices[corners[i]], mVertices[corners[(i + 1) % corners.size()]],
+                   mVertices[corners[(i + 2) % corners.size()]]) < 0)
+            return true;
+    return false;
 }
 
 /// Along the lines between tiles each side has its own corners: each border there gets those of
