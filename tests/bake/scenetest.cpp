@@ -1,8 +1,6 @@
 // Meshes made of the sample scenes, seen as a host sees them.
 #include "hostkit/session.h"
-#include "hostkit/straightpath.h"
 #include "navmesh/meshdefects.h"
-#include "tests/bake/detourroutes.h"
 #include "tests/bake/groundprobe.h"
 #include "tests/support/tempfolder.h"
 #include "tools/picture/loadedmesh.h"
@@ -26,7 +24,7 @@ Vec3 pointOf(const GroundProbe::Point& place) {
 struct SampleScene {
     const char* mName;
     Worlds::SceneModel (*mMake)();
-    std::size_t mSamples; ///< places, or pairs of them
+    std::size_t mSamples; ///< places
     double mCellSize = 0.25;
     double mCellHeight = 0.125;
     std::size_t mMostLost = 2; ///< of a thousand places
@@ -62,17 +60,14 @@ protected:
                 double{mSettings.mClimb}};
     }
 
-    /// Nothing when there is no path, or an end lies on no node.
-    static std::optional<std::vector<Vec3>> waypointsOf(const Vec3& from, const Vec3& to) {
+    /// Whether there is a path. An end may lie on no node.
+    static bool isWay(const Vec3& from, const Vec3& to) {
         const int search = Interface::initPathSearch(from, to);
-        if (search < 0)
-            return std::nullopt;
-        const bool isFound = Interface::runPathSearch(search, 0xFFFFFFFF) == 0;
-        std::vector<Vec3> waypoints;
-        for (Vec3 waypoint; isFound && Interface::getNextWaypoint(search, waypoint);)
-            waypoints.push_back(waypoint);
-        Interface::closePathSearch(search);
-        return isFound ? std::optional(waypoints) : std::nullopt;
+        const bool isFound =
+            search >= 0 && Interface::runPathSearch(search, 0xFFFFFFFF) == Pathfinder::PATH_FOUND;
+        if (search >= 0)
+            Interface::closePathSearch(search);
+        return isFound;
     }
 
     TempFolder mFolder;
@@ -93,7 +88,7 @@ TEST_P(SceneTest, MeshIsSoundAndLeadsWhereTheSceneSays) {
     findDefects(mesh, fail);
     findOddities(mesh, fail);
     for (const auto& [name, from, to, isPossible] : mModel.mJourneys) {
-        EXPECT_EQ(waypointsOf(pointOf(from), pointOf(to)).has_value(), isPossible) << name;
+        EXPECT_EQ(isWay(pointOf(from), pointOf(to)), isPossible) << name;
         const bool isUpright = from[0] == to[0] && from[2] == to[2];
         EXPECT_TRUE(!isUpright || mesh.findNode(pointOf(from)) != mesh.findNode(pointOf(to)))
             << name;
@@ -132,55 +127,6 @@ TEST_P(SceneTest, WalkableGroundLiesOnNodes) {
     std::cout << "on nodes: " << GetParam().mSamples - lost << " of " << GetParam().mSamples
               << '\n';
     EXPECT_LE(lost, GetParam().mSamples * GetParam().mMostLost / 1000);
-}
-
-/// Lengths as parts of others.
-class Ratios {
-public:
-    explicit Ratios(std::vector<double> ratios) : mSorted(std::move(ratios)) {
-        std::ranges::sort(mSorted);
-    }
-    double at(double part) const {
-        return mSorted[static_cast<std::size_t>(part * static_cast<double>(mSorted.size() - 1))];
-    }
-    friend std::ostream& operator<<(std::ostream& out, const Ratios& ratios) {
-        out << ratios.mSorted.size() << " paths";
-        for (const double part : {0.0, 0.1, 0.5, 0.9, 0.99, 1.0})
-            out << ", " << part * 100 << " %: " << ratios.at(part);
-        return out;
-    }
-
-private:
-    std::vector<double> mSorted;
-};
-
-TEST_P(SceneTest, StraightPathsAreAsShortAsDetours) {
-    const DetourRoutes detour(*mBaker, mSettings);
-    const HostKit::MeshView view(**mMesh);
-    HostKit::PathStraightener straightener(view);
-    const HostKit::RandomPlaces places(view);
-    std::vector<double> ratios;
-    for (std::uint64_t i = 0; i < GetParam().mSamples / 10; ++i) {
-        const Vec3 from = places.pick(2 * i).mPosition;
-        const Vec3 to = places.pick(2 * i + 1).mPosition;
-        const auto waypoints = waypointsOf(from, to);
-        const double length = detour.lengthOf({from.mX, from.mY, from.mZ}, {to.mX, to.mY, to.mZ});
-        if (length == DetourRoutes::tooFar)
-            continue;
-        EXPECT_EQ(waypoints.has_value(), length >= 0) << i;
-        HostKit::StraightPath path;
-        constexpr double shortest = 4;
-        if (!waypoints.has_value() || length < shortest)
-            continue;
-        ASSERT_TRUE(
-            straightener.straighten(from, to, *waypoints, HostKit::StraightForm::IMPROVED, path));
-        ratios.push_back(path.mLength / length);
-    }
-    ASSERT_GT(ratios.size(), GetParam().mSamples / 20);
-    const Ratios sorted(std::move(ratios));
-    std::cout << "of Detour's: " << sorted << '\n';
-    EXPECT_LE(sorted.at(0.5), 1.001);
-    EXPECT_LE(sorted.at(0.99), 1.1);
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -4,6 +4,7 @@
 #include "tests/bake/bakedscene.h"
 #include "tests/bake/groundprobe.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace ZUNO::Tests {
@@ -52,6 +53,29 @@ TEST(NodeShapesTest, AreFewAndLieNearToTheGround) {
             EXPECT_NEAR(surfaceAt(view, node, view.planeOf(point)).mY, point.mY, 0.5)
                 << place[0] << ' ' << place[2];
         }
+    }
+}
+
+TEST(NodeShapesTest, DentedPolygonsAreCut) {
+    Tools::BakeSettings settings;
+    settings.mAgents = {{"agent"}};
+    const BakedScene ground(makeHills(0), settings); // for its grid
+    const Tools::TileGrid grid(ground.mScene, settings);
+    const Tools::CellSettings cells(settings);
+    std::vector<Tools::GridPoint> corners{{0, 0, 0}, {40, 0, 20}, {0, 0, 40}, {10, 0, 20}};
+    for (std::size_t first = 0; first < 8; ++first) {
+        std::ranges::rotate(corners, corners.begin() + 1);
+        if (first == 4)
+            std::ranges::reverse(corners);
+        const Tools::BakedMesh baked({{corners, {0, 0, false, {}}, Tools::Scene::noSurface, 0}},
+                                     settings, cells);
+        Tools::LoadedMesh mesh;
+        baked.fill(*mesh.shared(), grid, ground.mScene, Tools::UpAxis::Y);
+        EXPECT_EQ(mesh->mNodes.size(), 2U);
+        findOddities(*mesh, [](const char* text) {
+            ADD_FAILURE() << text;
+            return false;
+        });
     }
 }
 

@@ -118,6 +118,9 @@ TEST_F(HostKitTest, FilesAreReadWrittenAndSought) {
     EXPECT_EQ(files.getFileLength(handle), 11);
     files.closeFile(handle);
     EXPECT_EQ(files.bytesRead(), 6U);
+    ASSERT_EQ(files.openFile(&handle, name.c_str(), 1), 0);
+    EXPECT_EQ(files.writeFile("ab", 2, handle), 0) << "for another reason than a full disk";
+    files.closeFile(handle);
 }
 
 TEST(HostKitFoundationTest, LeavesAFoundationOfTheHostsRunning) {

@@ -1,4 +1,5 @@
 // The host kit when memory ends: each request of `new` is refused in turn.
+#include "common/astar/astarstoragefast.h"
 #include "common/interface.h"
 #include "hostkit/corridor.h"
 #include "hostkit/explain.h"
@@ -182,6 +183,20 @@ TEST_F(RefusalTest, LeavesEverythingOfUse) {
                 answers +=
                     words(scheduler->find(id)->mWaypoints.size(), scheduler->find(id)->mCost);
             return answers;
+        };
+    });
+    survive("a plain search's records", [&] {
+        using Storage = Common::Astar::AStarStorageFast;
+        auto records = std::make_shared<Storage>(nullptr, Common::Memory::processHeap());
+        records->initNodes(10);
+        return [records] {
+            try {
+                records->initNodes(1000);
+            } catch (...) {
+                records->initNodes(5); // fewer than it had room for
+                throw;
+            }
+            return words(records->getRecordOfNode(1000) != nullptr);
         };
     });
     survive("a recorded session", [&] {

@@ -113,15 +113,15 @@ TEST_F(Surface, PicksPlacesByArea) {
     const RandomPlaces islet(mView, mView.islandOf(3));
     EXPECT_EQ(islet.pick(1).mNode, 3U);
     EXPECT_EQ(islet.pick(1).mPosition, islet.pick(1).mPosition);
-    // one that rises in both axes, and a level one
+    // one that rises in both axes, along neither of which a border of its runs, and a level one
     Worlds::MeshModel model = flatMesh({{{{80, 0}, {120, 0}, {120, 40}, {80, 40}}, {}}});
-    model.addPolygon({{0, 0, 0}, {40, 40, 0}, {40, 80, 40}, {0, 40, 40}}, 0, 0xFFFF);
+    model.addPolygon({{24, 24, 0}, {56, 80, 24}, {0, 32, 32}}, 0, 0xFFFF);
     const TempFolder folder;
     const MeshView tilted = loadMeshView(folder.put("mesh.xml", model.toXML("")));
     int level = 0;
     for (std::uint64_t seed = 0; seed < 20000; ++seed)
         level += RandomPlaces(tilted).pick(seed).mNode == 0 ? 1 : 0;
-    EXPECT_NEAR(level, 20000 / (1 + std::sqrt(3)), 300);
+    EXPECT_NEAR(level, 20000 / (1 + std::sqrt(3) / 2), 300);
 }
 
 } // namespace

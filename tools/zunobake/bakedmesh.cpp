@@ -1,6 +1,7 @@
 #include "tools/zunobake/bakedmesh.h"
 
 #include "tools/zunobake/nodeshapes.h"
+#include "tools/zunobake/outline.h"
 
 #include <algorithm>
 #include <cmath>
@@ -114,17 +115,20 @@ void BakedMesh::addPolygon(const TilePolygon& polygon) {
     BakedNode node{{}, {}, polygon.mGround, polygon.mSurface, polygon.mAgent};
     for (const GridPoint& corner : polygon.mCorners)
         node.mCorners.push_back(vertexAt(corner));
-    if (cellsOf(node) < 0)
+    Outline outline = polygon.mCorners;
+    if (areaOf(outline) < 0) {
+        std::reverse(outline.begin(), outline.end());
         std::reverse(node.mCorners.begin(), node.mCorners.end());
-    if (!hasDent(node)) {
+    }
+    if (!hasDent(outline)) {
         addNode(std::move(node));
         return;
     }
-    const std::vector<std::size_t> corners = std::move(node.mCorners);
     std::vector<float> positions;
-    for (const std::size_t corner : corners)
-        for (const int coordinate : {mVertices[corner].mX, 0, mVertices[corner].mZ})
+    for (const GridPoint& corner : outline)
+        for (const int coordinate : {corner.mX, 0, corner.mZ})
             positions.push_back(static_cast<float>(coordinate));
+    const std::vector<std::size_t> corners = std::move(node.mCorners);
     const std::vector<int> triangles = triangulate(positions);
     for (std::size_t i = 0; i < triangles.size(); i += 3) {
         node.mCorners.clear();
@@ -138,15 +142,6 @@ void BakedMesh::addPolygon(const TilePolygon& polygon) {
 void BakedMesh::addNode(BakedNode node) {
     if (cellsOf(node) > 0)
         mNodes.push_back(std::move(node));
-}
-
-bool BakedMesh::hasDent(const BakedNode& node) const {
-    const auto& corners = node.mCorners;
-    for (std::size_t i = 0; i < corners.size(); ++i)
-        if (turnAt(mVertices[corners[i]], mVertices[corners[(i + 1) % corners.size()]],
-                   mVertices[corners[(i + 2) % corners.size()]]) < 0)
-            return true;
-    return false;
 }
 
 /// Along the lines between tiles each side has its own corners: each border there gets those of

@@ -30,7 +30,6 @@ private:
     std::size_t vertexAt(const GridPoint& point);
     void addPolygon(const TilePolygon& polygon);
     void addNode(BakedNode node);
-    bool hasDent(const BakedNode& node) const;
     void splitBordersOfTiles();
     void shapeNodes();
     void arrange(const std::vector<std::size_t>& order);

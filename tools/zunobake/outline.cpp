@@ -25,6 +25,14 @@ bool isConvex(const Outline& outline) {
     return true;
 }
 
+bool hasDent(const Outline& outline) {
+    const std::size_t count = outline.size();
+    for (std::size_t i = 0; i < count; ++i)
+        if (turnAt(outline[i], outline[(i + 1) % count], outline[(i + 2) % count]) < 0)
+            return true;
+    return false;
+}
+
 std::pair<int, int> rangeOf(const Outline& outline, int GridPoint::*axis) {
     std::pair<int, int> range(outline.front().*axis, outline.front().*axis);
     for (const GridPoint& corner : outline)

@@ -23,6 +23,9 @@ double areaOf(const Outline& outline);
 /// elsewhere positions are rounded to float, and it might turn right.
 bool isConvex(const Outline& outline);
 
+/// Whether a corner turns right.
+bool hasDent(const Outline& outline);
+
 /// The least and the greatest coordinate along one axis; there must be a corner.
 std::pair<int, int> rangeOf(const Outline& outline, int GridPoint::*axis);
 
