@@ -59,9 +59,12 @@ private:
         expect(mVector.size() == mModel.size(), "sizes differ");
         auto expected = mModel.begin();
         for (auto place = mVector.begin(); place != mVector.end() && expected != mModel.end();
-             ++place, ++expected)
-            expect(place.getID() == expected->first && *place == Element{expected->second},
+             ++place, ++expected) {
+            const Element& element = *place;
+            expect(place.getID() == expected->first && element.size() == 1 &&
+                       element.front() == expected->second,
                    "elements differ, or their order");
+        }
         expect(expected == mModel.end(), "an element is missing");
     }
     void expect(bool holds, const char* difference) {

@@ -31,7 +31,7 @@ public:
 
 private:
     static constexpr std::size_t count = 4;
-    static constexpr std::size_t longest = 4096;
+    static constexpr std::size_t longest = 512;
 
     template <typename Choices>
     void change(Choices& choices, std::size_t a, std::size_t b) {

@@ -34,15 +34,21 @@ std::string shown(std::string_view word) {
 }
 
 std::string suggestion(std::string_view word, const std::vector<std::string>& candidates) {
-    const std::size_t mostEdits = word.size() > 2 ? 2 : 0; // else any short word is near
-    constexpr std::size_t longest = 40;                    // a longer word is no misspelt one
-    if (candidates.empty() || word.size() > longest)
+    constexpr std::size_t longest = 40; // a longer word is no misspelt one
+    if (word.size() > longest)
         return "";
-    const auto nearest = std::min_element(candidates.begin(), candidates.end(),
-                                          [&](const std::string& a, const std::string& b) {
-                                              return editsBetween(word, a) < editsBetween(word, b);
-                                          });
-    return editsBetween(word, *nearest) <= mostEdits ? "; did you mean '" + *nearest + "'?" : "";
+    std::size_t tooMany = word.size() > 2 ? 3 : 1; // edits; else any short word is near
+    const std::string* nearest = nullptr;
+    for (const std::string& candidate : candidates) {
+        const auto [shorter, longer] = std::minmax({word.size(), candidate.size()});
+        const std::size_t edits =
+            longer - shorter < tooMany ? editsBetween(word, candidate) : tooMany;
+        if (edits < tooMany) {
+            tooMany = edits;
+            nearest = &candidate;
+        }
+    }
+    return nearest != nullptr ? "; did you mean '" + *nearest + "'?" : "";
 }
 
 } // namespace ZUNO::Tools
