@@ -24,7 +24,7 @@ void require(bool holds, const char* what) {
     std::abort();
 }
 
-const std::string theMesh = ZUNO::Worlds::makeFloor(40, 3).toXML("floor");
+const std::string theMesh = ZUNO::Worlds::makeFloor(12, 3).toXML("floor");
 const std::string theRecording = "/tmp/zunofuzz" + std::to_string(getpid());
 std::uint32_t theMemory = 0; ///< how many more requests are granted
 

@@ -13,7 +13,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const HostKit::Foundation foundation;
     auto* const files = new Tests::MemoryFiles;
     const HostKit::MeshFiles owner(files);
-    files->mFiles["mesh"] = Worlds::makeFloor(12, 3).toXML("mesh");
+    static const std::string mesh = Worlds::makeFloor(12, 3).toXML("mesh");
+    files->mFiles["mesh"] = mesh;
     const std::string_view recording(reinterpret_cast<const char*>(data), size);
     HostKit::Exports exports;
     try {
