@@ -119,29 +119,6 @@ TEST_F(BakeCommandTest, SaysInOneLineWhatIsWrongWithAScene) {
     }
 }
 
-TEST_F(BakeCommandTest, BakesAgainWhenTheSceneChanges) {
-    std::FILE* const tool =
-        openPipe(std::string(ZUNO_TOOL_FOLDER) + "/zunobake --watch -o " + mMesh + ' ' +
-                 mFolder.put("scene.obj", square + "f 1 2 3 4") + " 2>&1");
-    const auto waitFor = [&](const char* word) {
-        char line[500];
-        while (std::fgets(line, sizeof(line), tool) != nullptr)
-            if (std::string_view(line).find(word) != std::string_view::npos)
-                return true;
-        return false;
-    };
-    EXPECT_TRUE(waitFor("seconds"));
-    const std::string first = mFolder.get("mesh.bin");
-    mFolder.put("scene.obj", "v 0 0 x");
-    EXPECT_TRUE(waitFor("is no finite number"));
-    EXPECT_EQ(mFolder.get("mesh.bin"), first);
-    mFolder.put("scene.obj", "v 9 0 9\n" + square + "f 1 2 3 4");
-    EXPECT_TRUE(waitFor("seconds"));
-    EXPECT_NE(mFolder.get("mesh.bin"), first);
-    mFolder.put("scene.obj", ""); // nobody hears what is wrong with it: it ends
-    closePipe(tool);
-}
-
 /// A square of 8 x 8 in two nodes, one above the other, in a third that lies at x = 100.
 const std::string gltf =
     R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}], "nodes": [
@@ -154,6 +131,49 @@ const std::string gltf =
 {"buffer": 0, "byteLength": 48}, {"buffer": 0, "byteOffset": 48, "byteLength": 12}],
 "buffers": [{"byteLength": 60, "uri": "data:application/octet-stream;base64,)"
     "AAAAAAAAAAAAAAAAAAAAAAAAAAAAAABBAAAAQQAAAAAAAABBAAAAQQAAAAAAAAAAAAABAAIAAAACAAMA\"}]}";
+
+TEST_F(BakeCommandTest, BakesAgainWhenTheSceneChanges) {
+    const auto bufferOf = [](float side) {
+        const float positions[] = {0, 0, 0, 0, 0, side, side, 0, side, side, 0, 0};
+        return std::string(reinterpret_cast<const char*>(positions), sizeof(positions)) +
+               std::string("\0\0\1\0\2\0\0\0\2\0\3", 12);
+    };
+    std::string separate = gltf;
+    const std::size_t data = separate.find("data:");
+    separate.replace(data, separate.find('"', data) - data, "a%20b.bin");
+    const struct {
+        const char* mScene;
+        std::string mContent;
+        const char* mChanged; ///< the file that changes
+        std::string mOther;
+        std::string mBroken;
+    } rows[] = {{"scene.obj", square + "f 1 2 3 4", "scene.obj", "v 9 0 9\n" + square + "f 1 2 3 4",
+                 "v 0 0 x"},
+                {"scene.gltf", separate, "a b.bin", bufferOf(9), "short"}};
+    mFolder.put("a b.bin", bufferOf(8));
+    for (const auto& row : rows) {
+        std::FILE* const tool =
+            openPipe(std::string(ZUNO_TOOL_FOLDER) + "/zunobake --watch -o " + mMesh + ' ' +
+                     mFolder.put(row.mScene, row.mContent) + " 2>&1");
+        const auto waitFor = [&](const char* word) {
+            char line[500];
+            while (std::fgets(line, sizeof(line), tool) != nullptr)
+                if (std::string_view(line).find(word) != std::string_view::npos)
+                    return true;
+            return false;
+        };
+        EXPECT_TRUE(waitFor("seconds"));
+        const std::string first = mFolder.get("mesh.bin");
+        mFolder.put(row.mChanged, row.mBroken);
+        EXPECT_TRUE(waitFor(row.mScene)) << "what is wrong with it";
+        EXPECT_EQ(mFolder.get("mesh.bin"), first);
+        mFolder.put(row.mChanged, row.mOther);
+        EXPECT_TRUE(waitFor("seconds"));
+        EXPECT_NE(mFolder.get("mesh.bin"), first);
+        mFolder.put(row.mChanged, ""); // nobody hears what is wrong with it: it ends
+        closePipe(tool);
+    }
+}
 
 TEST_F(BakeCommandTest, ReadsGltf) {
     const struct {

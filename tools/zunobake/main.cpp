@@ -18,6 +18,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <map>
+#include <set>
 #include <thread>
 
 namespace ZUNO::Tools {
@@ -36,14 +38,14 @@ void requireNames(const Options& options, const Scene& scene) {
     require("--mark", options.mScene.mMarked, "group or object");
 }
 
-void bake(const Options& options) {
+/// Reads the scene's files into an empty scene and makes the mesh.
+void bake(const Options& options, Scene& scene) {
     formOf(options.mOutput); // before anything takes its time
     requireApart(options.mScenes, {options.mOutput, options.mPicture});
     requirePictureName(options.mPicture);
     Progress progress(!options.mIsQuiet &&
                       (options.mShowsProgress || Common::Platform::isTerminal(stderr)));
     const auto showProgress = [&](std::size_t done, std::size_t all) { progress.show(done, all); };
-    Scene scene;
     progress.begin("reading");
     for (const std::string& file : options.mScenes)
         readScene(file, options.mScene, scene, showProgress);
@@ -84,31 +86,38 @@ void bake(const Options& options) {
     std::cout << '\n';
 }
 
-std::vector<std::filesystem::file_time_type> timesOf(const std::vector<std::string>& files) {
-    std::vector<std::filesystem::file_time_type> times;
-    times.reserve(files.size());
+/// Files, and when each was written last.
+using Times = std::map<std::string, std::filesystem::file_time_type>;
+
+Times timesOf(const std::set<std::string>& files) {
+    Times times;
     std::error_code missing; // while an editor replaces it
     for (const std::string& file : files)
-        times.push_back(std::filesystem::last_write_time(file, missing));
+        times[file] = std::filesystem::last_write_time(file, missing);
     return times;
 }
 
-/// Bakes each time that a file has changed and then rested for a moment. What is wrong with a scene
-/// is said, and the mesh stays as it was. Throws when nobody hears it any more.
+/// Bakes each time that a file has changed and then rested for a moment; what glTF refers to is
+/// watched once it was read. What is wrong with a scene is said, and the mesh stays as it was.
+/// Throws when nobody hears it any more.
 [[noreturn]] void watch(const Options& options) {
     constexpr std::chrono::milliseconds pause(300);
-    for (auto known = timesOf(options.mScenes);;) {
+    std::set<std::string> files(options.mScenes.begin(), options.mScenes.end());
+    for (Times known = timesOf(files);;) {
+        Scene scene;
         try {
-            bake(options);
+            bake(options, scene);
         } catch (const std::runtime_error& error) {
             std::cerr << "zunobake: " << error.what() << '\n';
         }
         requireOutput();
-        std::vector<std::filesystem::file_time_type> former;
+        files.insert(scene.mBuffers.begin(), scene.mBuffers.end());
+        known.merge(timesOf(scene.mBuffers));
+        Times former;
         do {
-            former = timesOf(options.mScenes);
+            former = timesOf(files);
             std::this_thread::sleep_for(pause);
-        } while (former == known || former != timesOf(options.mScenes));
+        } while (former == known || former != timesOf(files));
         known = former;
     }
 }
@@ -126,7 +135,8 @@ int run(int argc, char** argv) {
     std::ranges::stable_sort(options.mBake.mAgents, {}, &Agent::mHeight);
     if (options.mWatches)
         watch(options);
-    bake(options);
+    Scene scene;
+    bake(options, scene);
     return 0;
 }
 
