@@ -35,6 +35,20 @@ void operator delete(void* block, const std::nothrow_t&) noexcept {
     operator delete(block);
 }
 
+// The sanitizers' forms for arrays would not call these.
+void* operator new[](std::size_t size, const std::nothrow_t& noThrow) noexcept {
+    return operator new(size, noThrow);
+}
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+void operator delete[](void* block) noexcept {
+    operator delete(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
+    operator delete(block);
+}
+
 std::size_t ZUNO::Tests::heapRequests() {
     return theRequests;
 }
