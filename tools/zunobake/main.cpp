@@ -104,6 +104,7 @@ Times timesOf(const std::set<std::string>& files) {
     constexpr std::chrono::milliseconds pause(300);
     std::set<std::string> files(options.mScenes.begin(), options.mScenes.end());
     for (Times known = timesOf(files);;) {
+        const auto begin = std::filesystem::file_time_type::clock::now();
         Scene scene;
         try {
             bake(options, scene);
@@ -112,7 +113,8 @@ Times timesOf(const std::set<std::string>& files) {
         }
         requireOutput();
         files.insert(scene.mBuffers.begin(), scene.mBuffers.end());
-        known.merge(timesOf(scene.mBuffers));
+        for (const auto& [file, time] : timesOf(scene.mBuffers))
+            known.try_emplace(file, std::min(time, begin)); // what was written since has changed
         Times former;
         do {
             former = timesOf(files);
