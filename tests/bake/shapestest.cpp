@@ -62,21 +62,34 @@ TEST(NodeShapesTest, DentedPolygonsAreCut) {
     const BakedScene ground(makeHills(0), settings); // for its grid
     const Tools::TileGrid grid(ground.mScene, settings);
     const Tools::CellSettings cells(settings);
-    std::vector<Tools::GridPoint> corners{{0, 0, 0}, {40, 0, 20}, {0, 0, 40}, {10, 0, 20}};
-    for (std::size_t first = 0; first < 8; ++first) {
-        std::ranges::rotate(corners, corners.begin() + 1);
-        if (first == 4)
-            std::ranges::reverse(corners);
-        const Tools::BakedMesh baked({{corners, {0, 0, false, {}}, Tools::Scene::noSurface, 0}},
-                                     settings, cells);
-        Tools::LoadedMesh mesh;
-        baked.fill(*mesh.shared(), grid, ground.mScene, Tools::UpAxis::Y);
-        EXPECT_EQ(mesh->mNodes.size(), 2U);
-        findOddities(*mesh, [](const char* text) {
-            ADD_FAILURE() << text;
-            return false;
-        });
-    }
+    struct Row {
+        std::vector<Tools::GridPoint> mCorners;
+        std::size_t mNodes;
+    };
+    for (auto& [corners, nodes] : {Row{{{0, 0, 0}, {40, 0, 20}, {0, 0, 40}, {10, 0, 20}}, 2},
+                                   Row{{{40, 0, 30},
+                                        {40, 0, 70},
+                                        {10, 0, 50},
+                                        {0, 0, 30},
+                                        {30, 0, 30},
+                                        {20, 0, 30},
+                                        {40, 0, 0}},
+                                       2}}) // goes back at the fifth corner
+        for (std::size_t turn = 0; turn < 2 * corners.size(); ++turn) {
+            std::vector<Tools::GridPoint> ring = corners;
+            std::ranges::rotate(ring, ring.begin() + static_cast<std::ptrdiff_t>(turn / 2));
+            if (turn % 2 != 0)
+                std::ranges::reverse(ring);
+            const Tools::BakedMesh baked({{ring, {0, 0, false, {}}, Tools::Scene::noSurface, 0}},
+                                         settings, cells);
+            Tools::LoadedMesh mesh;
+            baked.fill(*mesh.shared(), grid, ground.mScene, Tools::UpAxis::Y);
+            EXPECT_EQ(mesh->mNodes.size(), nodes) << turn;
+            findOddities(*mesh, [](const char* text) {
+                ADD_FAILURE() << text;
+                return false;
+            });
+        }
 }
 
 } // namespace

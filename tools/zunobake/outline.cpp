@@ -11,6 +11,17 @@ double areaOf(const Outline& outline) {
     return static_cast<double>(area) / 2;
 }
 
+namespace {
+
+/// Whether one who comes from a goes back at b, the way that led there.
+bool goesBack(const GridPoint& a, const GridPoint& b, const GridPoint& c) {
+    const std::int64_t ahead =
+        std::int64_t{b.mX - a.mX} * (c.mX - b.mX) + std::int64_t{b.mZ - a.mZ} * (c.mZ - b.mZ);
+    return turnAt(a, b, c) == 0 && ahead < 0;
+}
+
+} // namespace
+
 bool isConvex(const Outline& outline) {
     const std::size_t count = outline.size();
     for (std::size_t i = 0; i < count; ++i) {
@@ -19,7 +30,7 @@ bool isConvex(const Outline& outline) {
         const GridPoint& c = outline[(i + 2) % count];
         const std::int64_t turn = turnAt(a, b, c);
         const bool isAlongAxis = (a.mX == b.mX && b.mX == c.mX) || (a.mZ == b.mZ && b.mZ == c.mZ);
-        if (turn < 0 || (turn == 0 && !isAlongAxis))
+        if (turn < 0 || (turn == 0 && !isAlongAxis) || goesBack(a, b, c))
             return false;
     }
     return true;
@@ -27,9 +38,13 @@ bool isConvex(const Outline& outline) {
 
 bool hasDent(const Outline& outline) {
     const std::size_t count = outline.size();
-    for (std::size_t i = 0; i < count; ++i)
-        if (turnAt(outline[i], outline[(i + 1) % count], outline[(i + 2) % count]) < 0)
+    for (std::size_t i = 0; i < count; ++i) {
+        const GridPoint& a = outline[i];
+        const GridPoint& b = outline[(i + 1) % count];
+        const GridPoint& c = outline[(i + 2) % count];
+        if (turnAt(a, b, c) < 0 || goesBack(a, b, c))
             return true;
+    }
     return false;
 }
 

@@ -23,7 +23,7 @@ double areaOf(const Outline& outline);
 /// elsewhere positions are rounded to float, and it might turn right.
 bool isConvex(const Outline& outline);
 
-/// Whether a corner turns right.
+/// Whether a corner turns right, or the outline goes back at it.
 bool hasDent(const Outline& outline);
 
 /// The least and the greatest coordinate along one axis; there must be a corner.
