@@ -1,4 +1,4 @@
-// The host kit when memory ends: each request of `new` is refused in turn.
+// The host kit, and what else draws from `new`, when memory ends: each request is refused in turn.
 #include "common/astar/astarstoragefast.h"
 #include "common/interface.h"
 #include "hostkit/corridor.h"

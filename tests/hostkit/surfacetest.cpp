@@ -113,7 +113,7 @@ TEST_F(Surface, PicksPlacesByArea) {
     const RandomPlaces islet(mView, mView.islandOf(3));
     EXPECT_EQ(islet.pick(1).mNode, 3U);
     EXPECT_EQ(islet.pick(1).mPosition, islet.pick(1).mPosition);
-    // one that rises in both axes, along neither of which a border of its runs, and a level one
+    // one that rises along both axes, with borders along neither, and a level one
     Worlds::MeshModel model = flatMesh({{{{80, 0}, {120, 0}, {120, 40}, {80, 40}}, {}}});
     model.addPolygon({{24, 24, 0}, {56, 80, 24}, {0, 32, 32}}, 0, 0xFFFF);
     const TempFolder folder;

@@ -13,39 +13,35 @@ double areaOf(const Outline& outline) {
 
 namespace {
 
-/// Whether one who comes from a goes back at b, the way that led there.
-bool goesBack(const GridPoint& a, const GridPoint& b, const GridPoint& c) {
+/// Whether one who comes from a turns right at b, or goes back the way that led there.
+bool isDent(const GridPoint& a, const GridPoint& b, const GridPoint& c) {
+    const std::int64_t turn = turnAt(a, b, c);
     const std::int64_t ahead =
         std::int64_t{b.mX - a.mX} * (c.mX - b.mX) + std::int64_t{b.mZ - a.mZ} * (c.mZ - b.mZ);
-    return turnAt(a, b, c) == 0 && ahead < 0;
+    return turn < 0 || (turn == 0 && ahead < 0);
+}
+
+/// Whether something holds of a corner, given with those before and behind it.
+template <typename Predicate>
+bool anyCorner(const Outline& outline, Predicate holds) {
+    const std::size_t count = outline.size();
+    for (std::size_t i = 0; i < count; ++i)
+        if (holds(outline[i], outline[(i + 1) % count], outline[(i + 2) % count]))
+            return true;
+    return false;
 }
 
 } // namespace
 
 bool isConvex(const Outline& outline) {
-    const std::size_t count = outline.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        const GridPoint& a = outline[i];
-        const GridPoint& b = outline[(i + 1) % count];
-        const GridPoint& c = outline[(i + 2) % count];
-        const std::int64_t turn = turnAt(a, b, c);
+    return !anyCorner(outline, [](const GridPoint& a, const GridPoint& b, const GridPoint& c) {
         const bool isAlongAxis = (a.mX == b.mX && b.mX == c.mX) || (a.mZ == b.mZ && b.mZ == c.mZ);
-        if (turn < 0 || (turn == 0 && !isAlongAxis) || goesBack(a, b, c))
-            return false;
-    }
-    return true;
+        return isDent(a, b, c) || (turnAt(a, b, c) == 0 && !isAlongAxis);
+    });
 }
 
 bool hasDent(const Outline& outline) {
-    const std::size_t count = outline.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        const GridPoint& a = outline[i];
-        const GridPoint& b = outline[(i + 1) % count];
-        const GridPoint& c = outline[(i + 2) % count];
-        if (turnAt(a, b, c) < 0 || goesBack(a, b, c))
-            return true;
-    }
-    return false;
+    return anyCorner(outline, isDent);
 }
 
 std::pair<int, int> rangeOf(const Outline& outline, int GridPoint::*axis) {
