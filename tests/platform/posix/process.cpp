@@ -25,6 +25,10 @@ int closePipe(std::FILE* pipe) {
     return WEXITSTATUS(pclose(pipe));
 }
 
+bool wasNotStarted(int status) {
+    return status == 127;
+}
+
 std::multiset<std::string> exportsOf(const std::string& library) {
     const Outcome symbols = runCommand("nm -DC --defined-only " + library);
     EXPECT_EQ(symbols.mStatus, 0) << symbols.mOutput;

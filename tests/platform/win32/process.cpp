@@ -38,6 +38,10 @@ int closePipe(std::FILE* pipe) {
     return _pclose(pipe);
 }
 
+bool wasNotStarted(int status) {
+    return status == 9009;
+}
+
 std::multiset<std::string> exportsOf(const std::string& library) {
     std::multiset<std::string> names;
     const HMODULE module = LoadLibraryA(library.c_str());
