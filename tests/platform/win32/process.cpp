@@ -61,21 +61,8 @@ std::multiset<std::string> exportsOf(const std::string& library) {
     return names;
 }
 
-// There is one viewer of a user: tests that run side by side take turns.
-namespace {
-
-HANDLE gTurn = nullptr;
-
-} // namespace
-
-PrivateTraceChannel::PrivateTraceChannel() {
-    gTurn = CreateMutexA(nullptr, FALSE, "zuno trace tests");
-    WaitForSingleObject(gTurn, INFINITE);
-}
-
-PrivateTraceChannel::~PrivateTraceChannel() {
-    ReleaseMutex(gTurn);
-    CloseHandle(gTurn);
-}
+// There is one viewer of a user: its tests run alone.
+PrivateTraceChannel::PrivateTraceChannel() = default;
+PrivateTraceChannel::~PrivateTraceChannel() = default;
 
 } // namespace ZUNO::Tests
