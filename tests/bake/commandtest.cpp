@@ -144,13 +144,13 @@ TEST_F(BakeCommandTest, BakesAgainWhenTheSceneChanges) {
     const struct {
         const char* mScene;
         std::string mContent;
-        const char* mChanged; ///< the file that changes
+        const char* mChanged; ///< the file that is wrong or missing first
+        std::string mFirst;
         std::string mOther;
         std::string mBroken;
-    } rows[] = {{"scene.obj", square + "f 1 2 3 4", "scene.obj", "v 9 0 9\n" + square + "f 1 2 3 4",
-                 "v 0 0 x"},
-                {"scene.gltf", separate, "a b.bin", bufferOf(9), "short"}};
-    mFolder.put("a b.bin", bufferOf(8));
+    } rows[] = {{"scene.obj", "v 0 0 x", "scene.obj", square + "f 1 2 3 4",
+                 "v 9 0 9\n" + square + "f 1 2 3 4", "v 0 0 x"},
+                {"scene.gltf", separate, "a b.bin", bufferOf(8), bufferOf(9), "short"}};
     for (const auto& row : rows) {
         std::FILE* const tool =
             openPipe(std::string(ZUNO_TOOL_FOLDER) + "/zunobake --watch -o " + mMesh + ' ' +
@@ -162,6 +162,8 @@ TEST_F(BakeCommandTest, BakesAgainWhenTheSceneChanges) {
                     return true;
             return false;
         };
+        EXPECT_TRUE(waitFor(row.mScene)) << "what is wrong with it";
+        mFolder.put(row.mChanged, row.mFirst);
         EXPECT_TRUE(waitFor("seconds"));
         const std::string first = mFolder.get("mesh.bin");
         mFolder.put(row.mChanged, row.mBroken);

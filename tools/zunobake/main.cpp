@@ -98,8 +98,8 @@ Times timesOf(const std::set<std::string>& files) {
 }
 
 /// Bakes each time that a file has changed and then rested for a moment; what glTF refers to is
-/// watched once it was read. What is wrong with a scene is said, and the mesh stays as it was.
-/// Throws when nobody hears it any more.
+/// watched, too, whether or not it is there. What is wrong with a scene is said, and the mesh stays
+/// as it was. Throws when nobody hears it any more.
 [[noreturn]] void watch(const Options& options) {
     constexpr std::chrono::milliseconds pause(300);
     std::set<std::string> files(options.mScenes.begin(), options.mScenes.end());
@@ -112,8 +112,8 @@ Times timesOf(const std::set<std::string>& files) {
             std::cerr << "zunobake: " << error.what() << '\n';
         }
         requireOutput();
-        files.insert(scene.mBuffers.begin(), scene.mBuffers.end());
-        for (const auto& [file, time] : timesOf(scene.mBuffers))
+        files.insert(scene.mFurtherFiles.begin(), scene.mFurtherFiles.end());
+        for (const auto& [file, time] : timesOf(scene.mFurtherFiles))
             known.try_emplace(file, std::min(time, begin)); // what was written since has changed
         Times former;
         do {

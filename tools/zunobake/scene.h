@@ -30,9 +30,9 @@ struct Scene {
     std::vector<int> mTriangles;          ///< three vertices each, counter-clockwise from outside
     std::vector<std::uint16_t> mSurfaces; ///< of each triangle, or noSurface
     std::vector<std::string> mSurfaceNames;
-    std::size_t mLeftOut = 0;       ///< faces that were skipped as they were asked to be
-    std::set<std::string> mNames;   ///< of what was left out or marked
-    std::set<std::string> mBuffers; ///< further files that glTF has its numbers in
+    std::size_t mLeftOut = 0;            ///< faces that were skipped as they were asked to be
+    std::set<std::string> mNames;        ///< of what was left out or marked
+    std::set<std::string> mFurtherFiles; ///< where glTF's buffers and pictures are looked for
 };
 
 /// The axis of a file that points up.
