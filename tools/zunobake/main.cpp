@@ -86,14 +86,17 @@ void bake(const Options& options, Scene& scene) {
     std::cout << '\n';
 }
 
+using FileClock = std::filesystem::file_time_type::clock;
 /// Files, and when each was written last.
-using Times = std::map<std::string, std::filesystem::file_time_type>;
+using Times = std::map<std::string, FileClock::time_point>;
 
-Times timesOf(const std::set<std::string>& files) {
+/// What was written after `latest` counts as written then.
+Times timesOf(const std::set<std::string>& files,
+              FileClock::time_point latest = FileClock::time_point::max()) {
     Times times;
     std::error_code missing; // while an editor replaces it
     for (const std::string& file : files)
-        times[file] = std::filesystem::last_write_time(file, missing);
+        times[file] = std::min(std::filesystem::last_write_time(file, missing), latest);
     return times;
 }
 
@@ -102,9 +105,10 @@ Times timesOf(const std::set<std::string>& files) {
 /// as it was. Throws when nobody hears it any more.
 [[noreturn]] void watch(const Options& options) {
     constexpr std::chrono::milliseconds pause(300);
+    constexpr std::chrono::milliseconds tick(20); // files' times may be as much too early
     std::set<std::string> files(options.mScenes.begin(), options.mScenes.end());
-    for (Times known = timesOf(files);;) {
-        const auto begin = std::filesystem::file_time_type::clock::now();
+    for (Times known = timesOf(files, FileClock::now() - tick);;) {
+        const auto begin = FileClock::now() - tick;
         Scene scene;
         try {
             bake(options, scene);
@@ -113,8 +117,7 @@ Times timesOf(const std::set<std::string>& files) {
         }
         requireOutput();
         files.insert(scene.mFurtherFiles.begin(), scene.mFurtherFiles.end());
-        for (const auto& [file, time] : timesOf(scene.mFurtherFiles))
-            known.try_emplace(file, std::min(time, begin)); // what was written since has changed
+        known.merge(timesOf(scene.mFurtherFiles, begin)); // what was written since has changed
         Times former;
         do {
             former = timesOf(files);
