@@ -153,8 +153,8 @@ TEST_F(BakeCommandTest, BakesAgainWhenTheSceneChanges) {
                 {"scene.gltf", separate, "a b.bin", bufferOf(8), bufferOf(9), "short"}};
     for (const auto& row : rows) {
         std::FILE* const tool =
-            openPipe(std::string(ZUNO_TOOL_FOLDER) + "/zunobake --watch -o " + mMesh + ' ' +
-                     mFolder.put(row.mScene, row.mContent) + " 2>&1");
+            openPipe("timeout 60 " + std::string(ZUNO_TOOL_FOLDER) + "/zunobake --watch -o " +
+                     mMesh + ' ' + mFolder.put(row.mScene, row.mContent) + " 2>&1");
         const auto waitFor = [&](const char* word) {
             char line[500];
             while (std::fgets(line, sizeof(line), tool) != nullptr)

@@ -17,7 +17,7 @@ void readModel(const std::string& name, const SceneOptions& options, Scene& scen
     loader.SetImageLoader([](tinygltf::Image*, const int, std::string*, std::string*, int, int,
                              const unsigned char*, int, void*) { return true; },
                           nullptr);
-#ifndef TINYGLTF_NO_FS // the page has none
+#ifndef TINYGLTF_NO_FS // the page has no files
     const auto isThere = [](const std::string& file, void* files) {
         static_cast<std::set<std::string>*>(files)->insert(file);
         return tinygltf::FileExists(file, nullptr);
